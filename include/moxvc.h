@@ -1,0 +1,16 @@
+/** @file
+ *  moxvc: video-coding primitives. This header brings in one header for each family of functions. */
+#ifndef MOXVC_H
+#define MOXVC_H
+
+#include "moxvc/h264_cavlc.h"
+#include "moxvc/h264_deblock.h"
+#include "moxvc/h264_intra.h"
+#include "moxvc/h264_inverse_transform.h"
+#include "moxvc/h264_reconstruct.h"
+#include "moxvc/huffman.h"
+#include "moxvc/scan.h"
+#include "moxvc/types.h"
+#include "moxvc/version.h"
+
+#endif
