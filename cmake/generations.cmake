@@ -41,4 +41,14 @@ function(moxvc_add_generation generation)
     CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON
     BUILD_RPATH "$ORIGIN;$ORIGIN/../.." INSTALL_RPATH "$ORIGIN;$ORIGIN/../.."
     BUILD_RPATH_USE_ORIGIN ON LINK_DEPENDS ${CMAKE_BINARY_DIR}/moxvc.map)
+  # lib/<generation>/libmoxvc.so.6 lets a program run with a chosen generation: LD_LIBRARY_PATH=lib/px:lib program
+  set(file libmoxvc${generation}.so.6.1)
+  add_custom_command(TARGET ${target} POST_BUILD
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_BINARY_DIR}/lib/${generation}
+    COMMAND ${CMAKE_COMMAND} -E create_symlink ../${file} ${CMAKE_BINARY_DIR}/lib/${generation}/libmoxvc.so.6)
+  if(NOT TARGET moxvc::moxvc)  # the first of the list is the default, e9 unless chosen otherwise
+    add_library(moxvc::moxvc ALIAS ${target})
+    add_custom_command(TARGET ${target} POST_BUILD
+      COMMAND ${CMAKE_COMMAND} -E create_symlink ${file} ${CMAKE_BINARY_DIR}/lib/libmoxvc.so.6)
+  endif()
 endfunction()
