@@ -20,7 +20,7 @@ Mox32s sum_along(const Pixel* samples, std::ptrdiff_t stride) {
 
 /// Mean of N samples above and N to the left, N a power of two; a null pointer takes an edge out.
 template <int N, class Pixel>
-Mox32s dc_of(const Pixel* above, const Pixel* left, std::ptrdiff_t step, Mox32s depth) {
+Mox32s mean_of_edges(const Pixel* above, const Pixel* left, std::ptrdiff_t step, Mox32s depth) {
   constexpr int kLog = std::countr_zero(static_cast<unsigned>(N));
   if (above && left) return (sum_along<N>(above, 1) + sum_along<N>(left, step) + N) >> (kLog + 1);
   if (above) return (sum_along<N>(above, 1) + N / 2) >> kLog;
@@ -30,7 +30,7 @@ Mox32s dc_of(const Pixel* above, const Pixel* left, std::ptrdiff_t step, Mox32s 
 
 template <int N, class Pixel>
 void predict_dc(Block<Pixel> block, bool top, bool left, Mox32s depth) {
-  const Mox32s dc = dc_of<N>(top ? &block(0, -1) : nullptr, left ? &block(-1, 0) : nullptr, block.step, depth);
+  const Mox32s dc = mean_of_edges<N>(top ? &block(0, -1) : nullptr, left ? &block(-1, 0) : nullptr, block.step, depth);
   each_sample<N, N>(block, [&](int, int) { return dc; });
 }
 
@@ -113,9 +113,9 @@ void predict_chroma_plane_h264(Pixel* pSrcDst, Mox32s step, Mox32s depth = 8) {
   predict_plane<8, H>(Block<Pixel>{pSrcDst, step}, depth);
 }
 
-/// A DC for each 4x4 block. Blocks on the diagonal and below it take both edges; the top right one prefers the row
-/// above, the others of the left column the samples beside them. The left edge may be there for one half of the rows
-/// alone.
+/// A DC for each 4x4 block. The first block and those of the right column take both edges, but the top right one
+/// prefers the row above, and the left column below the first block the samples beside it. The left edge may be there
+/// for one half of the rows alone.
 template <int H, class Pixel>
 void predict_chroma_dc_h264(Pixel* pSrcDst, Mox32s step, bool top, bool leftOfUpperHalf, bool leftOfLowerHalf,
                             Mox32s depth = 8) {
@@ -126,7 +126,8 @@ void predict_chroma_dc_h264(Pixel* pSrcDst, Mox32s step, bool top, bool leftOfUp
     for (int x = 0; x < 8; x += 4) {
       const bool use_top = top && !(x == 0 && y > 0 && left);
       const bool use_left = left && !(x > 0 && y == 0 && top);
-      dc[y / 4][x / 4] = dc_of<4>(use_top ? &plane(x, -1) : nullptr, use_left ? &plane(-1, y) : nullptr, step, depth);
+      dc[y / 4][x / 4] =
+          mean_of_edges<4>(use_top ? &plane(x, -1) : nullptr, use_left ? &plane(-1, y) : nullptr, step, depth);
     }
   }
   each_sample<8, H>(plane, [&](int x, int y) { return dc[y / 4][x / 4]; });
