@@ -179,6 +179,155 @@ MOX_API MoxStatus moxiReconstructChromaIntraHalvesMB_H264_16s8u_P2R(Mox16s** ppS
                                                                     Mox32s chromaQp, Mox32u edgeTypeTop,
                                                                     Mox32u edgeTypeBottom);
 
+/** Adds the luma residual of an inter macroblock in 4x4 blocks, with a scaling table.
+ *  @param[in,out] ppSrcCoeff    packed coefficients
+ *  @param[in,out] pSrcDstYPlane 16 x 16 samples, the prediction
+ *  @param         srcDstYStep   bytes between rows
+ *  @param         cbp4x4        bits 1 to 16 count
+ *  @param         qp            0 to 51
+ *  @param[in]     pQuantTable   16 inverse scales
+ *  @param         bypass        low 8 bits not 0, with qp 0: lossless
+ *  @retval moxStsNullPointer a pointer or *ppSrcCoeff is null
+ *  @retval moxStsOutOfRange  qp is not 0 to 51 */
+MOX_API MoxStatus moxiReconstructLumaInter4x4MB_H264_16s8u_C1R(Mox16s** ppSrcCoeff, Mox8u* pSrcDstYPlane,
+                                                               Mox32s srcDstYStep, Mox32u cbp4x4, Mox32s qp,
+                                                               const Mox16s* pQuantTable, Mox32s bypass);
+
+/** Adds the luma residual of an inter macroblock in 8x8 blocks, with a scaling table. As
+ *  moxiReconstructLumaInter4x4MB_H264_16s8u_C1R, but:
+ *  @param         cbp8x8      bits 0 to 3 count
+ *  @param[in]     pQuantTable 64 inverse scales */
+MOX_API MoxStatus moxiReconstructLumaInter8x8MB_H264_16s8u_C1R(Mox16s** ppSrcCoeff, Mox8u* pSrcDstYPlane,
+                                                               Mox32s srcDstYStep, Mox32u cbp8x8, Mox32s qp,
+                                                               const Mox16s* pQuantTable, Mox32s bypass);
+
+/** Reconstructs the luma of an Intra 4x4 macroblock, with a scaling table.
+ *  @param[in,out] ppSrcCoeff    packed coefficients
+ *  @param[in,out] pSrcDstYPlane first sample of the macroblock
+ *  @param         srcDstYStep   bytes between rows
+ *  @param[in]     pMBIntraTypes 16 modes in coding order, 0 to 8, not tested; the prediction of another is unspecified
+ *  @param         cbp4x4        bits 1 to 16 count
+ *  @param         qp            0 to 51
+ *  @param         edgeType      neighbours that cannot be used
+ *  @param[in]     pQuantTable   16 inverse scales
+ *  @param         bypass        low 8 bits not 0, with qp 0: lossless
+ *  @retval moxStsNullPointer     a pointer or *ppSrcCoeff is null
+ *  @retval moxStsOutOfRange      qp is not 0 to 51
+ *  @retval moxStsEdgeSubstituted a warning: all blocks are done, at least one with 128 for a denied edge */
+MOX_API MoxStatus moxiReconstructLumaIntra4x4MB_H264_16s8u_C1R(Mox16s** ppSrcCoeff, Mox8u* pSrcDstYPlane,
+                                                               Mox32s srcDstYStep, const Mox32u* pMBIntraTypes,
+                                                               Mox32u cbp4x4, Mox32s qp, Mox32u edgeType,
+                                                               const Mox16s* pQuantTable, Mox32s bypass);
+
+/** Reconstructs the luma of an Intra 8x8 macroblock (ITU-T H.264 8.3.2: prediction from filtered neighbours).
+ *
+ *  An edge that a mode uses and edgeType denies counts as 128 and is not reported. The samples above and right of block
+ *  0 are those of the row above, of block 1 those of the macroblock above and right, of block 2 those of block 1; block
+ *  3 has none. Where they are denied, the last sample above takes their place.
+ *  @param[in,out] ppSrcCoeff    packed coefficients
+ *  @param[in,out] pSrcDstYPlane first sample of the macroblock
+ *  @param         srcDstYStep   bytes between rows
+ *  @param[in]     pMBIntraTypes 4 modes in coding order, 0 to 8, not tested; the prediction of another is unspecified
+ *  @param         cbp8x8        bits 0 to 3 count
+ *  @param         qp            0 to 51
+ *  @param         edgeType      neighbours that cannot be used
+ *  @param[in]     pQuantTable   64 inverse scales
+ *  @param         bypass        low 8 bits not 0, with qp 0: lossless
+ *  @retval moxStsNullPointer a pointer or *ppSrcCoeff is null
+ *  @retval moxStsOutOfRange  qp is not 0 to 51 */
+MOX_API MoxStatus moxiReconstructLumaIntra8x8MB_H264_16s8u_C1R(Mox16s** ppSrcCoeff, Mox8u* pSrcDstYPlane,
+                                                               Mox32s srcDstYStep, const Mox32u* pMBIntraTypes,
+                                                               Mox32u cbp8x8, Mox32s qp, Mox32u edgeType,
+                                                               const Mox16s* pQuantTable, Mox32s bypass);
+
+/** Reconstructs the upper 16 x 8 luma samples of an Intra 4x4 macroblock, with a scaling table. As
+ *  moxiReconstructLumaIntra4x4MB_H264_16s8u_C1R, but:
+ *  @param[in]     pMBIntraTypes 8 modes in coding order
+ *  @param         cbp4x2        bits 0 to 7 count */
+MOX_API MoxStatus moxiReconstructLumaIntraHalf4x4MB_H264_16s8u_C1R(Mox16s** ppSrcCoeff, Mox8u* pSrcDstYPlane,
+                                                                   Mox32s srcDstYStep, const Mox32u* pMBIntraTypes,
+                                                                   Mox32u cbp4x2, Mox32s qp, Mox32u edgeType,
+                                                                   const Mox16s* pQuantTable, Mox32s bypass);
+
+/** Reconstructs the upper 16 x 8 luma samples of an Intra 8x8 macroblock. As
+ *  moxiReconstructLumaIntra8x8MB_H264_16s8u_C1R, but:
+ *  @param[in]     pMBIntraTypes 2 modes
+ *  @param         cbp8x2        bits 0 and 1 count */
+MOX_API MoxStatus moxiReconstructLumaIntraHalf8x8MB_H264_16s8u_C1R(Mox16s** ppSrcCoeff, Mox8u* pSrcDstYPlane,
+                                                                   Mox32s srcDstYStep, const Mox32u* pMBIntraTypes,
+                                                                   Mox32u cbp8x2, Mox32s qp, Mox32u edgeType,
+                                                                   const Mox16s* pQuantTable, Mox32s bypass);
+
+/** Reconstructs the luma of an Intra 16x16 macroblock, with a scaling table.
+ *  @param[in,out] ppSrcCoeff    packed coefficients
+ *  @param[in,out] pSrcDstYPlane first sample of the macroblock
+ *  @param         srcDstYStep   bytes between rows
+ *  @param         intraLumaMode 0 to 3
+ *  @param         cbp4x4        bits 0 to 16 count; without bit 0 the DC values are zeros
+ *  @param         qp            0 to 51
+ *  @param         edgeType      neighbours that cannot be used
+ *  @param[in]     pQuantTable   16 inverse scales; the first one is that of the DC values
+ *  @param         bypass        low 8 bits not 0, with qp 0: lossless, the DC values as they are in the stream
+ *  @retval moxStsNullPointer     a pointer or *ppSrcCoeff is null
+ *  @retval moxStsOutOfRange      qp is not 0 to 51, or intraLumaMode not 0 to 3
+ *  @retval moxStsEdgeUnavailable the mode needs an edge that edgeType denies; nothing is written */
+MOX_API MoxStatus moxiReconstructLumaIntra_16x16MB_H264_16s8u_C1R(Mox16s** ppSrcCoeff, Mox8u* pSrcDstYPlane,
+                                                                  Mox32s srcDstYStep, Mox32u intraLumaMode,
+                                                                  Mox32u cbp4x4, Mox32s qp, Mox32u edgeType,
+                                                                  const Mox16s* pQuantTable, Mox32s bypass);
+
+/** Adds the chroma residual of an inter macroblock, with a QP and a scaling table for each plane.
+ *  @param[in,out] ppSrcCoeff    packed coefficients
+ *  @param[in,out] pSrcDstUPlane 8 x 8 samples, the prediction
+ *  @param[in,out] pSrcDstVPlane 8 x 8 samples, the prediction
+ *  @param         srcDstUVStep  bytes between rows, of both planes
+ *  @param         cbp4x4        bits 17 to 26 count
+ *  @param         chromaQpU     0 to 39
+ *  @param         chromaQpV     0 to 39
+ *  @param[in]     pQuantTableU  16 inverse scales of U; the first one is that of the DC values
+ *  @param[in]     pQuantTableV  16 inverse scales of V
+ *  @param         bypass        low 8 bits not 0: a plane whose QP is 0 is lossless
+ *  @retval moxStsNullPointer a pointer or *ppSrcCoeff is null
+ *  @retval moxStsOutOfRange  a QP is not 0 to 39 */
+MOX_API MoxStatus moxiReconstructChromaInter4x4MB_H264_16s8u_P2R(Mox16s** ppSrcCoeff, Mox8u* pSrcDstUPlane,
+                                                                 Mox8u* pSrcDstVPlane, Mox32s srcDstUVStep,
+                                                                 Mox32u cbp4x4, Mox32s chromaQpU, Mox32s chromaQpV,
+                                                                 const Mox16s* pQuantTableU, const Mox16s* pQuantTableV,
+                                                                 Mox32s bypass);
+
+/** Reconstructs the chroma of an intra macroblock, with a QP and a scaling table for each plane. As
+ *  moxiReconstructChromaInter4x4MB_H264_16s8u_P2R, the planes needing no prediction, and:
+ *  @param         intraChromaMode 0 to 3, in chroma's order
+ *  @param         edgeType        neighbours that cannot be used
+ *  @retval moxStsOutOfRange      a QP is not 0 to 39, or intraChromaMode not 0 to 3
+ *  @retval moxStsEdgeUnavailable the mode needs an edge that edgeType denies; nothing is written */
+MOX_API MoxStatus moxiReconstructChromaIntra4x4MB_H264_16s8u_P2R(Mox16s** ppSrcCoeff, Mox8u* pSrcDstUPlane,
+                                                                 Mox8u* pSrcDstVPlane, Mox32s srcDstUVStep,
+                                                                 Mox32u intraChromaMode, Mox32u cbp4x4,
+                                                                 Mox32s chromaQpU, Mox32s chromaQpV, Mox32u edgeType,
+                                                                 const Mox16s* pQuantTableU, const Mox16s* pQuantTableV,
+                                                                 Mox32s bypass);
+
+/** Reconstructs the chroma of an intra macroblock whose left neighbours differ for its upper and its lower four rows,
+ *  with a QP and a scaling table for each plane. Only DC and vertical are possible. As
+ *  moxiReconstructChromaInter4x4MB_H264_16s8u_P2R, the planes needing no prediction, and:
+ *  @param         intraChromaMode 0 or 2, in chroma's order
+ *  @param         edgeTypeTop     1 denies the column to the left of the upper rows, 4 the row above; no other bit
+ * counts
+ *  @param         edgeTypeBottom  1 denies the column to the left of the lower rows; no other bit counts
+ *  @retval moxStsOutOfRange      a QP is not 0 to 39; unlike the plain form, nothing is written
+ *  @retval moxStsEdgeUnavailable mode 2 with the row above denied, or any mode but 0 and 2; nothing is written */
+MOX_API MoxStatus moxiReconstructChromaIntraHalfs4x4MB_H264_16s8u_P2R(
+    Mox16s** ppSrcCoeff, Mox8u* pSrcDstUPlane, Mox8u* pSrcDstVPlane, Mox32s srcDstUVStep, Mox32u intraChromaMode,
+    Mox32u cbp4x4, Mox32s chromaQpU, Mox32s chromaQpV, Mox32u edgeTypeTop, Mox32u edgeTypeBottom,
+    const Mox16s* pQuantTableU, const Mox16s* pQuantTableV, Mox32s bypass);
+
+/** moxiReconstructChromaIntraHalfs4x4MB_H264_16s8u_P2R under its other name. */
+MOX_API MoxStatus moxiReconstructChromaIntraHalves4x4MB_H264_16s8u_P2R(
+    Mox16s** ppSrcCoeff, Mox8u* pSrcDstUPlane, Mox8u* pSrcDstVPlane, Mox32s srcDstUVStep, Mox32u intraChromaMode,
+    Mox32u cbp4x4, Mox32s chromaQpU, Mox32s chromaQpV, Mox32u edgeTypeTop, Mox32u edgeTypeBottom,
+    const Mox16s* pQuantTableU, const Mox16s* pQuantTableV, Mox32s bypass);
+
 MOX_END_DECLS
 
 #endif

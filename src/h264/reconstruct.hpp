@@ -1,16 +1,18 @@
 /// The ways through a macroblock that all reconstruction families share.
 ///
-/// A family brings a Residual: a record of what its blocks are dequantised with, with the members
+/// A family brings a Residual: a record of what its blocks are dequantised with, with those of these members that it
+/// needs:
 ///   Coeff                                   type of a coefficient
 ///   depth                                   bits of a sample
 ///   add_4x4(block, step, coeffs)            adds a block that has all its coefficients
 ///   add_4x4(block, step, dc, coeffs)        adds a block whose DC is given; null coeffs: nothing but the DC
-///   add_8x8(block, step, coeffs)
-///   chroma_dc(dc)                           makes the DC values of a chroma plane, in place
+///   add_8x8(block, step, coeffs)            adds an 8x8 block
+///   luma_dc(dc), chroma_dc(dc)              makes the DC values of a plane, in place
 /// The residual is added to the prediction that the plane holds. Not kernels: they call the generation's kernels.
 #pragma once
 
 #include "h264/intra.hpp"
+#include "h264/intra8x8_px.hpp"
 #include "h264/macroblock.hpp"
 
 namespace mox {
@@ -31,6 +33,63 @@ MoxStatus intra_4x4(typename Residual::Coeff** ppSrcCoeff, Pixel* block, Mox32s 
     block = move(block, step, xyoff[i]);
   }
   return status;
+}
+
+/// The same for 8x8 blocks 0 to Blocks - 1. Nothing is reported.
+template <int Blocks, class Pixel, class Residual>
+MoxStatus intra_8x8(typename Residual::Coeff** ppSrcCoeff, Pixel* block, Mox32s step, const Mox32u* modes, Mox32u coded,
+                    Mox32u edgeType, const Residual& residual) {
+  PackedCoeffs coeffs(ppSrcCoeff);
+  for (int i = 0; i < Blocks; ++i) {
+    active::predict_luma_8x8_h264(block, step, modes[i], neighbours_8x8(i, edgeType), residual.depth);
+    if (coded >> i & 1) residual.add_8x8(block, step, coeffs.take(64));
+    block = move(block, step, xyoff8[i]);
+  }
+  return moxStsOk;
+}
+
+/// The residual of an inter macroblock in 4x4 and in 8x8 blocks, `coded` having bit i for block i.
+template <class Pixel, class Residual>
+MoxStatus inter_4x4(typename Residual::Coeff** ppSrcCoeff, Pixel* block, Mox32s step, Mox32u coded,
+                    const Residual& residual) {
+  PackedCoeffs coeffs(ppSrcCoeff);
+  for (int i = 0; i < 16; ++i) {
+    if (coded >> i & 1) residual.add_4x4(block, step, coeffs.take(16));
+    block = move(block, step, xyoff[i]);
+  }
+  return moxStsOk;
+}
+
+template <class Pixel, class Residual>
+MoxStatus inter_8x8(typename Residual::Coeff** ppSrcCoeff, Pixel* block, Mox32s step, Mox32u coded,
+                    const Residual& residual) {
+  PackedCoeffs coeffs(ppSrcCoeff);
+  for (int i = 0; i < 4; ++i) {
+    if (coded >> i & 1) residual.add_8x8(block, step, coeffs.take(64));
+    block = move(block, step, xyoff8[i]);
+  }
+  return moxStsOk;
+}
+
+/// The residual of an Intra 16x16 macroblock: bit 0 of `coded` is the DC block, bit i + 1 block i.
+template <class Pixel, class Residual>
+MoxStatus residual_16x16(typename Residual::Coeff** ppSrcCoeff, Pixel* block, Mox32s step, Mox32u coded,
+                         const Residual& residual) {
+  using Coeff = typename Residual::Coeff;
+  if (!(coded & (kLumaBlocks | kLumaDC))) return moxStsOk;
+  PackedCoeffs coeffs(ppSrcCoeff);
+  const Coeff* dc = kNoDC<Coeff>;
+  if (coded & kLumaDC) {
+    Coeff* const own = coeffs.take(16);
+    residual.luma_dc(own);
+    dc = own;
+  }
+  for (int i = 0; i < 16; ++i) {
+    const bool ac = coded >> (kFirstLumaBlock + i) & 1;
+    residual.add_4x4(block, step, dc + block_subblock_mapping[i], ac ? coeffs.take(16) : nullptr);
+    block = move(block, step, xyoff[i]);
+  }
+  return moxStsOk;
 }
 
 /// Predicts both chroma planes, 8 x H each. They have the same neighbours, so a refusal comes before anything is
