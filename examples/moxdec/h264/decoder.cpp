@@ -66,7 +66,7 @@ class H264Decoder : public Decoder {
   bool at_end_ = false;
 };
 
-/// One step through the stream. After an error the pictures before it are still shown.
+/// One step through the stream. After an error the whole pictures before it are still shown.
 void H264Decoder::advance() {
   try {
     if (const auto unit = units_.next()) {
@@ -77,6 +77,7 @@ void H264Decoder::advance() {
     }
   } catch (const DecodeError&) {
     error_ = std::current_exception();
+    if (picture_.is_complete()) finish_picture();
     output_.flush();
   }
 }

@@ -39,8 +39,8 @@ struct Macroblock {
 /// Reads the macroblocks of one slice.
 class MacroblockReader {
  public:
-  MacroblockReader(BitReader& bits, const CavlcTables& tables, const Slice& slice)
-      : bits_(bits), tables_(tables), slice_(slice), qp_(slice.header.qp) {}
+  MacroblockReader(BitReader& bits, const CavlcTables& tables, const SliceHeader& slice)
+      : bits_(bits), tables_(tables), qp_(slice.qp) {}
 
   /// Reads an intra macroblock. `info` gets all but the slice. Throws DecodeError.
   void read_intra(Macroblock& mb, MbInfo& info, const Neighbours& neighbours);
@@ -54,7 +54,6 @@ class MacroblockReader {
 
   BitReader& bits_;
   const CavlcTables& tables_;
-  const Slice& slice_;
   int qp_;  // of the macroblock before
 };
 

@@ -21,7 +21,7 @@ void PictureDecoder::begin(const SliceHeader& first_slice) {
 void PictureDecoder::decode_slice(const SliceHeader& header, BitReader& bits) {
   const Slice& slice = picture_.slices.emplace_back(header);
   const int end = static_cast<int>(picture_.macroblocks.size());
-  MacroblockReader reader(bits, tables_, slice);
+  MacroblockReader reader(bits, tables_, header);
   int address = header.first_mb;
   try {
     do {

@@ -13,6 +13,8 @@ class PictureDecoder {
   /// Starts the picture of this slice; one that is still in work is given up.
   void begin(const SliceHeader& first_slice);
   bool in_work() const { return in_work_; }
+  /// Whether the picture in work lacks nothing.
+  bool is_complete() const { return in_work_ && decoded_ == static_cast<int>(picture_.macroblocks.size()); }
   /// Decodes the macroblocks of a slice; `bits` stands behind its header. The slices of a picture may come in any
   /// order. Throws DecodeError.
   void decode_slice(const SliceHeader& header, BitReader& bits);
