@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <numeric>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -82,7 +83,8 @@ class Y4mWriter : public RawWriter {
  private:
   void write_header(const FrameFormat& format, FrameRate rate) {
     format_ = format;
-    if (rate.denominator == 0) rate = {25, 1};
+    const std::uint32_t divisor = std::gcd(rate.numerator, rate.denominator);
+    rate = divisor == 0 ? FrameRate{25, 1} : FrameRate{rate.numerator / divisor, rate.denominator / divisor};
     std::string chroma = format.chroma == Chroma::k411 ? "411" : format.chroma == Chroma::k422 ? "422" : "420";
     if (format.bit_depth > 8) {
       chroma += "p" + std::to_string(format.bit_depth);

@@ -31,6 +31,7 @@ void PictureDecoder::decode_slice(const SliceHeader& header, BitReader& bits) {
       if (address % picture_.mb_width == 0) filter_complete_rows();
     } while (bits.more_data());
   } catch (const DecodeError& error) {
+    in_work_ = false;
     throw DecodeError("macroblock " + std::to_string(address) + ": " + error.what());
   }
 }

@@ -16,7 +16,7 @@ class PictureDecoder {
   /// Whether the picture in work lacks nothing.
   bool is_complete() const { return in_work_ && decoded_ == static_cast<int>(picture_.macroblocks.size()); }
   /// Decodes the macroblocks of a slice; `bits` stands behind its header. The slices of a picture may come in any
-  /// order. Throws DecodeError.
+  /// order. Throws DecodeError, and then gives the picture up.
   void decode_slice(const SliceHeader& header, BitReader& bits);
   /// Filters what is left to be filtered and hands the frame out. Throws DecodeError if macroblocks are missing.
   std::shared_ptr<const Frame> finish();

@@ -19,6 +19,7 @@ void expect_supported(const Sps& sps, const Pps& pps) {
   if (sps.scaling_lists || pps.scaling_lists) unsupported("scaling lists", "are");
   if (pps.transform_8x8) unsupported("the 8x8 transform");
   if (pps.slice_groups > 1) unsupported("slice groups", "are");
+  if (pps.chroma_qp_offset[0] != pps.chroma_qp_offset[1]) unsupported("a quantiser offset for one chroma plane alone");
 }
 
 SliceType parse_type(BitReader& bits) {
@@ -76,6 +77,7 @@ SliceHeader parse_slice_header(BitReader& bits, const Nal& nal, const ParameterS
   SliceHeader slice;
   slice.nal_ref_idc = nal.ref_idc;
   slice.idr = nal.type == kNalIdrSlice;
+  require(!slice.idr || slice.nal_ref_idc != 0, "nal_ref_idc is out of range");
   const Mox32u first_mb = bits.ue();
   slice.type = parse_type(bits);
   slice.pps = sets.pps(bits.ue());
