@@ -157,15 +157,20 @@ class Cavlc : public PerGeneration {
 
 std::vector<int> old_block(Kind kind) { return std::vector<int>(elements(kind), kOld); }
 
-/// Levels in all ranges: ones only, small, up to the escapes of prefix 14 and 15, up to the 16 bits of a level code.
+/// Levels in all ranges: ones only, small, at the thresholds where suffixes grow, up to the escapes of prefix 14 and
+/// 15, up to the 16 bits of a level code.
 std::vector<int> random_block(Random& random, Kind kind) {
-  constexpr int kGreatest[] = {1, 2, 9, 40, 2100, 32768};
-  const int greatest = kGreatest[random(0, 5)];
+  constexpr int kGreatest[] = {1, 2, 9, 40, 2100, 32768, 0};
+  const int greatest = kGreatest[random(0, 6)];
   const double density = random(0, 10) / 10.0;
   std::vector<int> block(kind);
   for (int& level : block) {
     if (!random.chance(density)) continue;
-    level = random.chance(0.2) ? greatest : random(1, random.chance(0.5) ? greatest : 1);
+    if (greatest == 0) {
+      level = (3 << random(0, 4)) + random(0, 1);
+    } else {
+      level = random.chance(0.2) ? greatest : random(1, random.chance(0.5) ? greatest : 1);
+    }
     if (random.chance(0.5)) level = -level;
   }
   return block;

@@ -138,9 +138,10 @@ class Huffman : public PerGeneration {
 };
 
 TEST_P(Huffman, TableLayout) {
-  // 1, 01 in the root; 000, 0010 and 00110 below 00. Run-level pairs, end of block and escape among them.
-  const std::vector<MoxVlcSpec> spec = {99, 3, 2,   2,  1, 1, 1, 0,      2, 1, 1, 254,   0,
-                                        1,  0, 255, -3, 1, 2, 3, -32768, 1, 6, 4, 32767, -1};
+  // 1, 01 in the root; 000, 0010 and 00110 below 00. Run-level pairs, end of block and escape among them, and a run of
+  // 9 bits.
+  const std::vector<MoxVlcSpec> spec = {99, 3, 2,   2,  1, 1, 1,     0,      2, 1, 1, 254,   0,
+                                        1,  0, 255, -3, 1, 2, 0x103, -32768, 1, 6, 4, 32767, -1};
   reset_allocator();
   MoxVlcTable* table = build(spec, true);
   EXPECT_EQ(g_sizes, (std::vector<int>{5 * 8, 13 * 4}));
