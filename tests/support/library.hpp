@@ -62,6 +62,6 @@ class PerGeneration : public testing::TestWithParam<const char*> {
 
 #define MOX_INSTANTIATE_GENERATIONS(Suite)                                \
   INSTANTIATE_TEST_SUITE_P(All, Suite, testing::Values("px", "e9", "v3"), \
-                           [](const auto& info) { return std::string(info.param); })
+                           [](const auto& generation) { return std::string(generation.param); })
 
 }  // namespace mox::test
