@@ -19,6 +19,11 @@ inline std::string bits_of(std::uint64_t value, int length) {
 inline std::uint64_t value_of(std::string_view bits) {
   return bits.empty() ? 0 : std::bitset<64>(std::string(bits)).to_ullong();
 }
+/// A text without the blanks that set its codes apart.
+inline std::string codes(std::string text) {
+  std::erase(text, ' ');
+  return text;
+}
 inline std::string random_bits(Random& random, int length) {
   std::string bits;
   for (int i = 0; i < length; ++i) bits += random.chance(0.5) ? '1' : '0';
