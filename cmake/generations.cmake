@@ -39,8 +39,7 @@ function(moxvc_add_generation generation)
   set_target_properties(${target} PROPERTIES
     OUTPUT_NAME moxvc${generation} SUFFIX .so.6.1 NO_SONAME ON
     CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON
-    BUILD_RPATH "$ORIGIN;$ORIGIN/../.." INSTALL_RPATH "$ORIGIN;$ORIGIN/../.."
-    BUILD_RPATH_USE_ORIGIN ON LINK_DEPENDS ${CMAKE_BINARY_DIR}/moxvc.map)
+    INSTALL_RPATH "$ORIGIN;$ORIGIN/../.." BUILD_WITH_INSTALL_RPATH ON LINK_DEPENDS ${CMAKE_BINARY_DIR}/moxvc.map)
   # lib/<generation>/libmoxvc.so.6 lets a program run with a chosen generation: LD_LIBRARY_PATH=lib/px:lib program
   set(file libmoxvc${generation}.so.6.1)
   add_custom_command(TARGET ${target} POST_BUILD

@@ -24,6 +24,11 @@ constexpr Mox16s sat16(Mox32s value) { return static_cast<Mox16s>(clip(value, -3
 constexpr Mox16s wrap16(Mox32s value) { return static_cast<Mox16s>(value); }
 /// The low 32 bits of value as a signed number.
 constexpr Mox32s wrap32(long long value) { return static_cast<Mox32s>(value); }
+/// The low bits of value that T holds, for templates over the type of an element.
+template <class T>
+constexpr T wrap_to(long long value) {
+  return static_cast<T>(value);
+}
 
 /// 32-bit sums, differences, products and left shifts that wrap. Shift counts are 0 to 31.
 constexpr Mox32s add32(Mox32s a, Mox32s b) {

@@ -10,23 +10,23 @@
 
 namespace mox {
 
-/// Reader with a 32-bit look-ahead word, for H.261 and H.263. Always loads four bytes: up to three beyond the data.
+/// Reader with a 32-bit look-ahead word, for H.261 and H.263. Loads four bytes at a time: up to three beyond the data.
 class LookAheadReader {
  public:
   LookAheadReader(const Mox8u* bytes, Mox32s offset) : bytes_(bytes), word_(load_be32(bytes)), position_(offset) {}
 
-  /// The next n bits, 1 to 22.
-  Mox32u ownPeekBits8(Mox32s n) const { return word_ >> (32 - position_ - n) & bit_mask[n]; }
-
-  /// Consumes n bits, 0 to 22.
-  void ownSkipBits8(Mox32s n) {
-    position_ += n;
+  /// The next n bits, 1 to 22. Loads here and not in the skip: behind the last code there may be nothing to load.
+  Mox32u ownPeekBits8(Mox32s n) {
     if (position_ > kReload) {
       bytes_ += position_ / 8;
       word_ = load_be32(bytes_);
-      position_ &= 7;
+      position_ %= 8;
     }
+    return word_ >> (32 - position_ - n) & bit_mask[n];
   }
+
+  /// Consumes n bits.
+  void ownSkipBits8(Mox32s n) { position_ += n; }
 
   /// Hands the position behind the last consumed bit back to the caller's pair.
   void store(const Mox8u** ppBitStream, Mox32s* pBitOffset) const {
@@ -41,7 +41,8 @@ class LookAheadReader {
   Mox32s position_;
 };
 
-/// Reader with an accumulator that is refilled by 16 bits, for MPEG-4: up to two bytes beyond the data.
+/// Reader with an accumulator that is refilled by bytes, for MPEG-4: up to two bytes beyond the data. (A refill by 16
+/// bits would reach three: one with the last data byte, and two more for a peek that begins near that byte's end.)
 class AccumulatorReader {
  public:
   AccumulatorReader(const Mox8u* bytes, Mox32s offset) : bytes_(bytes), bits_(0), count_(0) {
@@ -53,11 +54,7 @@ class AccumulatorReader {
 
   /// The next n bits, 1 to 16.
   Mox32u peek(Mox32s n) {
-    if (count_ < n) {
-      bits_ = bits_ << 16 | Mox32u{bytes_[0]} << 8 | Mox32u{bytes_[1]};
-      bytes_ += 2;
-      count_ += 16;
-    }
+    for (; count_ < n; count_ += 8) bits_ = bits_ << 8 | *bytes_++;
     return bits_ >> (count_ - n) & ownvc_BitMask[n];
   }
 
@@ -73,7 +70,7 @@ class AccumulatorReader {
  private:
   const Mox8u* bytes_;
   Mox32u bits_;   // the low count_ bits are unread
-  Mox32s count_;  // 0 to 31
+  Mox32s count_;  // 0 to 23
 };
 
 /// A writing position on bytes.

@@ -16,10 +16,12 @@ inline constexpr Mox32s kVlcLinkTag = 128;
 inline constexpr Mox32s kVlcIllegal = 0xF0F1;
 inline constexpr Mox32s kVlcUnused = kVlcIllegal << 8 | 1;
 
-/// A leaf: value by arithmetic shift, and the bits that were read beyond the code.
+/// A leaf: value by arithmetic shift, in a run-level table run and level, and the bits that were read beyond the code.
 struct VlcLeaf {
   Mox32s entry;
   constexpr Mox32s value() const { return entry >> 8; }
+  constexpr Mox8u run() const { return static_cast<Mox8u>(entry >> 8 & 0xFF); }
+  constexpr Mox16s level() const { return static_cast<Mox16s>(entry >> 16); }
   constexpr Mox32s give_back() const { return entry & 0xFF; }
   constexpr bool illegal() const { return value() == kVlcIllegal; }
 };

@@ -4,6 +4,8 @@
 /// bit, 31 to 0; a writing offset is the count of free bits, 32 to 1. Functions work on a copy and store it back.
 #pragma once
 
+#include <bit>
+
 #include "frame/bit_masks.hpp"
 #include "moxvc/types.h"
 
@@ -48,6 +50,24 @@ inline void ownUngetBits32(MoxWordCursor& at, Mox32s n) {
 
 /// The next n bits, 1 to 32, masked, with the cursor left where it stands.
 inline Mox32u ownPeekBits32(MoxWordCursor at, Mox32s n) { return ownGetBits32(at, n) & bit_mask[n]; }
+
+/// Consumes the zeros up to the next one bit, and that bit, and returns how many zeros there were. Gives up with a
+/// number above `most`, the position then being of no use, once it has seen so many.
+inline Mox32s read_zeros(MoxWordCursor& at, Mox32s most) {
+  Mox32s zeros = 0;
+  while (zeros <= most) {
+    const Mox32u rest = *at.word << (31 - at.offset);
+    if (rest != 0) {
+      const Mox32s here = std::countl_zero(rest);
+      at.offset -= here + 1;
+      if (at.offset < 0) at.offset = 31, ++at.word;
+      return zeros + here;
+    }
+    zeros += at.offset + 1;
+    at.offset = 31, ++at.word;
+  }
+  return zeros;
+}
 
 /// Writes the low n bits of code, 1 to 32, into a buffer that the caller has cleared: bits of the current word are
 /// OR-ed in, a following word is assigned only if the code reaches it.

@@ -1,4 +1,4 @@
-#include "support/library.hpp"
+#include "support/generations.hpp"
 
 #include <dlfcn.h>
 #include <unistd.h>

@@ -1,0 +1,91 @@
+/// Kernels of all generations timed side by side. A family is a list of rows, a row one function with its arguments:
+///
+///   const Row kRows[] = {call(MOX_FN(moxiScanInv_16s_C1), "whole block", scanned, block, 63, 0)};
+///   const Family kScan("scan", kRows);
+///
+/// Every row is run with each generation, on the same data.
+#pragma once
+
+#include <benchmark/benchmark.h>
+#include <x86intrin.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <functional>
+#include <random>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "moxvc.h"
+#include "support/generations.hpp"
+
+namespace mox::bench {
+
+using test::Library;
+using test::Symbol;
+
+/// So many calls lie between two readings of the time stamp; the reading itself costs about one call of a small kernel.
+inline constexpr int kBatch = 64;
+
+struct Row {
+  std::string name;
+  std::function<void(const Library&, benchmark::State&)> measure;
+};
+
+/// Times a callable: the counter "ticks" becomes the median batch, per call.
+template <class Body>
+void measure(benchmark::State& state, Body body) {
+  std::vector<double> batches;
+  for (auto _ : state) {
+    const std::uint64_t start = __rdtsc();
+    for (int i = 0; i < kBatch; ++i) body();
+    batches.push_back(static_cast<double>(__rdtsc() - start) / kBatch);
+  }
+  const auto middle = batches.begin() + static_cast<std::ptrdiff_t>(batches.size() / 2);
+  std::nth_element(batches.begin(), middle, batches.end());
+  state.counters["ticks"] = *middle;
+}
+
+template <class Function>
+std::string row_name(Symbol<Function> symbol, std::string_view variant) {
+  return std::string(symbol.name).append(variant.empty() ? "" : " ").append(variant);
+}
+
+/// A row of a function that takes the same arguments in every call.
+template <class Function, class... Arguments>
+Row call(Symbol<Function> symbol, std::string_view variant, Arguments... arguments) {
+  return {row_name(symbol, variant), [=](const Library& library, benchmark::State& state) {
+            measure(state, [=, function = library[symbol]] { function(arguments...); });
+          }};
+}
+
+/// A row whose calls need more than that, such as a cursor to put back: `body(function)` makes one call.
+template <class Function, class Body>
+Row loop(Symbol<Function> symbol, std::string_view variant, Body body) {
+  return {row_name(symbol, variant), [=](const Library& library, benchmark::State& state) {
+            measure(state, [=, function = library[symbol]] { body(function); });
+          }};
+}
+
+/// Rows that belong together; a family's static object adds it to the program.
+class Family {
+ public:
+  Family(const char* name, std::span<const Row> rows);
+};
+
+/// Memory for arguments, aligned to 64 bytes and kept until the program ends, filled with numbers of low..high.
+template <class T>
+T* buffer(std::size_t count, int low, int high) {
+  constexpr std::size_t kAlignment = 64;
+  auto* values =
+      static_cast<T*>(std::aligned_alloc(kAlignment, (count * sizeof(T) + kAlignment - 1) & ~(kAlignment - 1)));
+  static std::mt19937 engine;
+  std::uniform_int_distribution<int> number(low, high);
+  std::generate_n(values, count, [&] { return static_cast<T>(number(engine)); });
+  return values;
+}
+
+}  // namespace mox::bench

@@ -1,0 +1,44 @@
+/// A PNG picture with small copies of frames in a grid.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "moxdec/output.hpp"
+
+namespace moxdec {
+
+/// 8-bit RGB rows without padding.
+struct RgbImage {
+  RgbImage(int image_width, int image_height)
+      : width(image_width), height(image_height), pixels(static_cast<std::size_t>(3 * width * height)) {}
+  std::uint8_t* at(int x, int y) { return &pixels[static_cast<std::size_t>(3 * (y * width + x))]; }
+
+  int width;
+  int height;
+  std::vector<std::uint8_t> pixels;
+};
+
+/// The frame in RGB (BT.601, limited range), each pixel the mean of `scale` x `scale` samples.
+RgbImage small_copy(const Frame& frame, int scale);
+
+/// Shows the whole stream whatever its length: when there are too many copies, every second one is dropped, and of the
+/// frames that follow half as many are taken.
+class ContactSheet : public FrameWriter {
+ public:
+  static constexpr int kMaxCopies = 48;
+  static constexpr int kMaxCopySide = 320;
+
+  explicit ContactSheet(std::string path) : path_(std::move(path)) {}
+  void write(const Frame& frame, FrameRate rate) override;
+  void finish() override;
+
+ private:
+  std::string path_;
+  std::vector<RgbImage> copies_;
+  long long frames_ = 0;
+  int stride_ = 1;  // every stride-th frame is shown
+};
+
+}  // namespace moxdec

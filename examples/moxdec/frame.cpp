@@ -1,0 +1,52 @@
+#include "moxdec/frame.hpp"
+
+#include <new>
+
+namespace moxdec {
+namespace {
+
+constexpr std::size_t kAlignment = 64;
+
+constexpr std::size_t aligned(std::size_t bytes) { return (bytes + kAlignment - 1) / kAlignment * kAlignment; }
+
+}  // namespace
+
+Frame::Frame(const FrameFormat& format, const FrameLayout& layout) : format_(format), layout_(layout) {
+  std::array<std::size_t, 3> coded{}, shown{};
+  const auto sample = static_cast<std::size_t>(format.sample_bytes());
+  std::size_t size = 0;
+  for (int i = 0; i < 3; ++i) {
+    const int shift_x = i == 0 ? 0 : chroma_shift_x(format.chroma),
+              shift_y = i == 0 ? 0 : chroma_shift_y(format.chroma);
+    const std::size_t margin_x = aligned(static_cast<std::size_t>(layout.margin >> shift_x) * sample);
+    const auto margin_y = static_cast<std::size_t>(layout.margin >> shift_y);
+    const std::size_t step = 2 * margin_x + aligned(static_cast<std::size_t>(layout.width >> shift_x) * sample);
+    coded[i] = size + margin_y * step + margin_x;
+    shown[i] = coded[i] + static_cast<std::size_t>(layout.top >> shift_y) * step +
+               static_cast<std::size_t>(layout.left >> shift_x) * sample;
+    planes_[i].step = static_cast<int>(step);
+    size += (static_cast<std::size_t>(layout.height >> shift_y) + 2 * margin_y) * step;
+  }
+  memory_.reset(static_cast<std::byte*>(std::aligned_alloc(kAlignment, size)));
+  if (!memory_) throw std::bad_alloc();
+  for (int i = 0; i < 3; ++i) {
+    planes_[i].coded = memory_.get() + coded[i];
+    planes_[i].shown = memory_.get() + shown[i];
+  }
+}
+
+void FramePool::configure(const FrameFormat& format, const FrameLayout& layout) {
+  if (format == format_ && layout == layout_) return;
+  format_ = format;
+  layout_ = layout;
+  frames_.clear();
+}
+
+std::shared_ptr<Frame> FramePool::take() {
+  for (const auto& frame : frames_) {
+    if (frame.use_count() == 1) return frame;
+  }
+  return frames_.emplace_back(std::make_shared<Frame>(format_, layout_));
+}
+
+}  // namespace moxdec

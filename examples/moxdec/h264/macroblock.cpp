@@ -1,0 +1,160 @@
+#include "moxdec/h264/macroblock.hpp"
+
+#include <algorithm>
+
+#include "common/h264_tables.hpp"
+#include "moxdec/error.hpp"
+
+namespace moxdec::h264 {
+namespace {
+
+constexpr int kRawType = 25;
+
+/// The coefficient counts that a plane's first column and first row of blocks see across the macroblock's edge.
+template <int Columns, int Rows>
+struct CountBorder {
+  bool has_left = false;
+  bool has_top = false;
+  std::array<std::uint8_t, Rows> left{};
+  std::array<std::uint8_t, Columns> top{};
+
+  /// `left_counts` and `top_counts` are the neighbours' counts in raster order, or null.
+  CountBorder(const std::uint8_t* left_counts, const std::uint8_t* top_counts)
+      : has_left(left_counts), has_top(top_counts) {
+    if (has_left) {
+      for (int y = 0; y < Rows; ++y) left[y] = left_counts[Columns * y + Columns - 1];
+    }
+    if (has_top) std::copy_n(top_counts + Columns * (Rows - 1), Columns, top.begin());
+  }
+  /// The mean of the neighbours' counts, rounded up; of one if the other is missing; else 0.
+  int expected(const std::uint8_t* counts, int x, int y) const {
+    const int a = x > 0 ? counts[Columns * y + x - 1] : left[y];
+    const int b = y > 0 ? counts[Columns * (y - 1) + x] : top[x];
+    const int both = (x > 0 || has_left) && (y > 0 || has_top) ? 1 : 0;
+    return (a + b + both) >> both;
+  }
+};
+
+/// The modes that the first column and row of blocks see; -1 where nothing can be told, which makes the expected mode
+/// plain whatever the other neighbour has.
+struct ModeBorder {
+  std::array<std::int8_t, 4> left, top;
+
+  ModeBorder(const MbInfo* left_mb, const MbInfo* top_mb) {
+    left.fill(-1);
+    top.fill(-1);
+    if (left_mb) {
+      for (int y = 0; y < 4; ++y) left[y] = left_mb->intra_modes[4 * y + 3];
+    }
+    if (top_mb) std::copy_n(top_mb->intra_modes.begin() + 12, 4, top.begin());
+  }
+  std::int8_t expected(const std::array<std::int8_t, 16>& modes, int x, int y) const {
+    const std::int8_t a = x > 0 ? modes[4 * y + x - 1] : left[y];
+    const std::int8_t b = y > 0 ? modes[4 * (y - 1) + x] : top[x];
+    const std::int8_t mode = std::min(a, b);
+    return mode < 0 ? kPlainMode : mode;
+  }
+};
+
+Mox32u denied_neighbours(const Neighbours& neighbours) {
+  return (neighbours.left ? 0 : kDenyLeft) | (neighbours.top ? 0 : kDenyTop) |
+         (neighbours.top_left ? 0 : kDenyTopLeft) | (neighbours.top_right ? 0 : kDenyTopRight);
+}
+
+const std::uint8_t* luma_counts(const MbInfo* mb) { return mb ? mb->luma_counts.data() : nullptr; }
+const std::uint8_t* chroma_counts(const MbInfo* mb, int plane) {
+  return mb ? mb->chroma_counts[plane].data() : nullptr;
+}
+
+}  // namespace
+
+void MacroblockReader::read_intra(Macroblock& mb, MbInfo& info, const Neighbours& neighbours) {
+  const int type = bits_.ue(kRawType, "mb_type");
+  if (type == kRawType) return read_raw(mb, info);
+  mb.denied = denied_neighbours(neighbours);
+  mb.coded = 0;
+  info.intra_modes.fill(kPlainMode);
+  info.luma_counts.fill(0);
+  for (auto& counts : info.chroma_counts) counts.fill(0);
+
+  info.kind = mb.kind = type == 0 ? MbKind::kIntra4x4 : MbKind::kIntra16x16;
+  if (mb.kind == MbKind::kIntra4x4) read_intra_modes(mb, info, neighbours);
+  mb.chroma_mode = static_cast<Mox32u>(bits_.ue(3, "intra_chroma_pred_mode"));
+  int pattern;  // bits 0 to 3: luma quarters; from bit 4: chroma part
+  if (mb.kind == MbKind::kIntra4x4) {
+    pattern = example::kCbpIntra[bits_.ue(47, "coded_block_pattern")];
+  } else {
+    mb.intra_16x16_mode = static_cast<Mox32u>((type - 1) % 4);
+    pattern = (type - 1) / 4 % 3 << 4 | (type > 12 ? 15 : 0);
+  }
+  if (pattern != 0 || mb.kind == MbKind::kIntra16x16) {
+    read_qp_delta();
+    Mox16s* out = mb.coefficients.data();
+    read_luma(mb, info, neighbours, pattern & 15, &out);
+    read_chroma(mb, info, neighbours, pattern >> 4, &out);
+  }
+  mb.qp = qp_;
+  info.qp = static_cast<std::uint8_t>(qp_);
+}
+
+void MacroblockReader::read_raw(Macroblock& mb, MbInfo& info) {
+  info.kind = mb.kind = MbKind::kRaw;
+  bits_.aligned_bytes(mb.raw.data(), mb.raw.size());
+  info.intra_modes.fill(kPlainMode);
+  info.luma_counts.fill(16);
+  for (auto& counts : info.chroma_counts) counts.fill(16);
+  info.qp = 0;
+}
+
+void MacroblockReader::read_intra_modes(Macroblock& mb, MbInfo& info, const Neighbours& neighbours) {
+  const ModeBorder border(neighbours.left, neighbours.top);
+  for (int i = 0; i < 16; ++i) {
+    const int raster = example::kBlockRaster[i];
+    int mode = border.expected(info.intra_modes, raster % 4, raster / 4);
+    if (!bits_.flag()) {
+      const int other = static_cast<int>(bits_.bits(3));
+      mode = other + (other >= mode ? 1 : 0);
+    }
+    info.intra_modes[raster] = static_cast<std::int8_t>(mode);
+    mb.intra_modes[i] = static_cast<Mox32u>(mode);
+  }
+}
+
+void MacroblockReader::read_qp_delta() { qp_ = (qp_ + bits_.se(-26, 25, "mb_qp_delta") + 52) % 52; }
+
+void MacroblockReader::read_luma(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int quarters,
+                                 Mox16s** out) {
+  const CountBorder<4, 4> border(luma_counts(neighbours.left), luma_counts(neighbours.top));
+  std::uint8_t* counts = info.luma_counts.data();
+  int max = 16;
+  if (mb.kind == MbKind::kIntra16x16) {
+    if (tables_.read_block(bits_, out, border.expected(counts, 0, 0), 16) > 0) mb.coded |= kCodedLumaDc;
+    max = 15;
+  }
+  for (int i = 0; i < 16; ++i) {
+    if (!(quarters >> (i / 4) & 1)) continue;
+    const int raster = example::kBlockRaster[i];
+    const int count = tables_.read_block(bits_, out, border.expected(counts, raster % 4, raster / 4), max);
+    counts[raster] = static_cast<std::uint8_t>(count);
+    if (count > 0) mb.coded |= coded_luma(i);
+  }
+}
+
+void MacroblockReader::read_chroma(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int part, Mox16s** out) {
+  if (part == 0) return;
+  for (int plane = 0; plane < 2; ++plane) {
+    if (tables_.read_chroma_dc(bits_, out) > 0) mb.coded |= coded_chroma_dc(plane);
+  }
+  if (part == 1) return;
+  for (int plane = 0; plane < 2; ++plane) {
+    const CountBorder<2, 2> border(chroma_counts(neighbours.left, plane), chroma_counts(neighbours.top, plane));
+    std::uint8_t* counts = info.chroma_counts[plane].data();
+    for (int i = 0; i < 4; ++i) {
+      const int count = tables_.read_block(bits_, out, border.expected(counts, i % 2, i / 2), 15);
+      counts[i] = static_cast<std::uint8_t>(count);
+      if (count > 0) mb.coded |= coded_chroma_ac(plane, i);
+    }
+  }
+}
+
+}  // namespace moxdec::h264

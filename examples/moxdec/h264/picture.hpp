@@ -1,0 +1,68 @@
+/// The picture in work: its frame, and what its macroblocks tell their neighbours and the deblocking filter.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "moxdec/frame.hpp"
+#include "moxdec/h264/slice_header.hpp"
+
+namespace moxdec::h264 {
+
+enum class MbKind : std::uint8_t { kIntra4x4, kIntra16x16, kRaw };
+
+/// Every kind so far; inter kinds come behind the last intra one.
+constexpr bool is_intra(MbKind kind) { return kind <= MbKind::kRaw; }
+
+/// What stays of a macroblock once it is rebuilt. One cache line. Blocks are in raster order.
+struct alignas(64) MbInfo {
+  std::int32_t slice = -1;  // index into Picture::slices; -1 if the macroblock is still to come
+  MbKind kind = MbKind::kIntra4x4;
+  std::uint8_t qp = 0;  // luma; 0 for raw samples, whatever the next macroblock's quantiser builds on
+  std::array<std::int8_t, 16> intra_modes;                   // kPlainMode where the macroblock has none
+  std::array<std::uint8_t, 16> luma_counts;                  // coefficients of each 4x4 block
+  std::array<std::array<std::uint8_t, 8>, 2> chroma_counts;  // U, V; 2 blocks a row, 4:2:0 uses the first 4
+};
+static_assert(sizeof(MbInfo) == 64);
+
+/// The intra mode that a neighbour without modes of its own stands for: DC.
+inline constexpr std::int8_t kPlainMode = 2;
+
+struct Slice {
+  explicit Slice(const SliceHeader& slice_header);
+
+  SliceHeader header;
+  std::array<std::array<std::uint8_t, 52>, 2> chroma_qp;  // of U and V by the luma quantiser
+};
+
+/// Neighbours that belong to the same slice; null for any other.
+struct Neighbours {
+  const MbInfo* left = nullptr;
+  const MbInfo* top = nullptr;
+  const MbInfo* top_left = nullptr;
+  const MbInfo* top_right = nullptr;
+};
+
+class Picture {
+ public:
+  /// Starts a new picture. Memory is kept from picture to picture as long as the size stays.
+  void begin(std::shared_ptr<Frame> new_frame, int new_mb_width, int new_mb_height);
+
+  MbInfo& at(int x, int y) { return macroblocks[static_cast<std::size_t>(y * mb_width + x)]; }
+  Neighbours neighbours(int x, int y, std::int32_t slice) const;
+  template <class Sample>
+  Sample* samples(int plane, int x, int y) const {
+    auto* row = frame->samples<std::byte>(plane) + std::ptrdiff_t{y} * frame->step(plane);
+    return reinterpret_cast<Sample*>(row) + x;
+  }
+
+  std::shared_ptr<Frame> frame;
+  int mb_width = 0;
+  int mb_height = 0;
+  std::vector<MbInfo> macroblocks;
+  std::vector<Slice> slices;
+};
+
+}  // namespace moxdec::h264

@@ -1,0 +1,200 @@
+/// moxdec: decodes a video stream to raw planes, a Y4M file or a contact sheet.
+#include <unistd.h>
+
+#include <cerrno>
+#include <charconv>
+#include <chrono>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <fstream>
+#include <limits>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "moxdec/codec.hpp"
+#include "moxdec/output.hpp"
+
+namespace moxdec {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr const char* kUsage = "usage: moxdec INPUT [-o OUT.yuv|OUT.y4m|OUT.png] [--frames N] [--quiet]\n";
+constexpr const char* kHelp =
+    "\n"
+    "Decodes a video stream. Known so far: H.264 byte streams of I pictures, CAVLC, 8-bit 4:2:0.\n"
+    "\n"
+    "  -o OUT      .yuv  raw planes Y, U, V of each frame in display order, cropped (any other ending too)\n"
+    "              .y4m  the same with headers\n"
+    "              .png  a contact sheet with small copies of the frames\n"
+    "              -     raw planes to standard output\n"
+    "              Without -o the stream is decoded and nothing is written.\n"
+    "  --frames N  stop after N frames\n"
+    "  --quiet     no report\n"
+    "  --help      this text\n"
+    "\n"
+    "The report on standard error tells size, frames and the speed of decoding, writing left out.\n"
+    "Exit code: 0 done, 1 the input is broken or not supported or the output failed, 2 wrong usage.\n";
+
+struct UsageError : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+struct Options {
+  std::string input;
+  std::string output;
+  long long frames = std::numeric_limits<long long>::max();
+  bool quiet = false;
+  bool help = false;
+};
+
+long long parse_count(std::string_view text) {
+  long long count = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), count);
+  if (error != std::errc{} || end != text.data() + text.size() || count < 1) {
+    throw UsageError("--frames takes a number from 1 on");
+  }
+  return count;
+}
+
+Options parse_options(const std::vector<std::string>& arguments) {
+  Options options;
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    const std::string& argument = arguments[i];
+    const auto value = [&]() -> const std::string& {
+      if (i + 1 == arguments.size()) throw UsageError(argument + " takes a value");
+      return arguments[++i];
+    };
+    if (argument == "-o") {
+      options.output = value();
+    } else if (argument == "--frames") {
+      options.frames = parse_count(value());
+    } else if (argument == "--quiet") {
+      options.quiet = true;
+    } else if (argument == "--help") {
+      options.help = true;
+    } else if (argument.starts_with("-") || !options.input.empty()) {
+      throw UsageError("unknown argument " + argument);
+    } else {
+      options.input = argument;
+    }
+  }
+  if (options.input.empty() && !options.help) throw UsageError("no input");
+  return options;
+}
+
+std::vector<std::uint8_t> read_file(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::vector<std::uint8_t> data;
+  for (std::streamsize got = 1; file && got > 0;) {
+    constexpr std::size_t kChunk = 1 << 20;
+    const std::size_t size = data.size();
+    data.resize(size + kChunk);
+    file.read(reinterpret_cast<char*>(data.data() + size), kChunk);
+    got = file.gcount();
+    data.resize(size + static_cast<std::size_t>(got));
+  }
+  if (file.bad() || !file.eof()) throw std::runtime_error(std::strerror(errno));
+  return data;
+}
+
+double seconds(Clock::duration duration) { return std::chrono::duration<double>(duration).count(); }
+
+/// A line on standard error that is written over now and then, on a terminal only.
+class Progress {
+ public:
+  explicit Progress(bool wanted) : active_(wanted && isatty(STDERR_FILENO)) {}
+  void update(long long frames) {
+    if (!active_ || Clock::now() - shown_ < std::chrono::milliseconds(500)) return;
+    shown_ = Clock::now();
+    std::fprintf(stderr, "\r%lld frames, %.1f frames/s ", frames,
+                 static_cast<double>(frames) / seconds(shown_ - start_));
+    used_ = true;
+  }
+  void clear() {
+    if (used_) std::fputs("\r\033[K", stderr);
+    used_ = false;
+  }
+
+ private:
+  bool active_;
+  bool used_ = false;
+  Clock::time_point start_ = Clock::now();
+  Clock::time_point shown_ = start_;
+};
+
+struct Totals {
+  long long frames = 0;
+  int width = 0;
+  int height = 0;
+  double decoding = 0;  // seconds
+};
+
+void decode(Decoder& decoder, FrameWriter* writer, const Options& options, Totals& totals) {
+  Progress progress(!options.quiet);
+  const auto decode_all = [&] {
+    while (totals.frames < options.frames) {
+      const auto start = Clock::now();
+      const auto frame = decoder.next();
+      totals.decoding += seconds(Clock::now() - start);
+      if (!frame) return;
+      ++totals.frames;
+      totals.width = frame->format().width;
+      totals.height = frame->format().height;
+      if (writer) writer->write(*frame, decoder.frame_rate());
+      progress.update(totals.frames);
+    }
+  };
+  try {
+    decode_all();
+  } catch (...) {
+    progress.clear();
+    throw;
+  }
+  progress.clear();
+}
+
+void run(const Options& options) {
+  const std::vector<std::uint8_t> data = read_file(options.input);
+  const Codec& codec = find_codec(data, options.input);
+  const auto decoder = codec.open(data);
+  const auto writer = options.output.empty() ? nullptr : open_writer(options.output);
+  Totals totals;
+  decode(*decoder, writer.get(), options, totals);
+  if (writer) writer->finish();
+  if (options.quiet) return;
+  std::fprintf(stderr, "%s: %s, %dx%d, %lld frames, %.3f s, %.1f frames/s\n", options.input.c_str(),
+               std::string(codec.name).c_str(), totals.width, totals.height, totals.frames, totals.decoding,
+               static_cast<double>(totals.frames) / totals.decoding);
+}
+
+int main_program(const std::vector<std::string>& arguments) {
+  Options options;
+  try {
+    options = parse_options(arguments);
+    if (options.help) {
+      std::printf("%s%s", kUsage, kHelp);
+      return 0;
+    }
+    run(options);
+    return 0;
+  } catch (const UsageError& error) {
+    std::fprintf(stderr, "moxdec: %s (try moxdec --help)\n", error.what());
+    return 2;
+  } catch (const OutputError& error) {
+    std::fprintf(stderr, "moxdec: %s\n", error.what());
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "moxdec: %s: %s\n", options.input.c_str(), error.what());
+  }
+  return 1;
+}
+
+}  // namespace
+}  // namespace moxdec
+
+int main(int argc, char** argv) { return moxdec::main_program({argv + 1, argv + argc}); }

@@ -1,0 +1,31 @@
+/// Where frames go: raw planes, a Y4M file, or a contact sheet.
+#pragma once
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+#include "moxdec/codec.hpp"
+#include "moxdec/frame.hpp"
+
+namespace moxdec {
+
+/// Something could not be written; the message says what and why.
+struct OutputError : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+class FrameWriter {
+ public:
+  virtual ~FrameWriter() = default;
+  /// `rate` may be 0/0. Throws OutputError.
+  virtual void write(const Frame& frame, FrameRate rate) = 0;
+  /// To be called once behind the last frame. Throws OutputError.
+  virtual void finish() = 0;
+};
+
+/// Chooses by the ending: .yuv (or any other) raw planes Y, U, V of the shown size, 16-bit samples as little-endian;
+/// .y4m with headers; .png a contact sheet. "-" is raw planes to standard output. Throws OutputError.
+std::unique_ptr<FrameWriter> open_writer(const std::string& path);
+
+}  // namespace moxdec
