@@ -156,8 +156,9 @@ MOX_API MoxStatus moxiTransformQuantInvChromaDC2x2_H264_32s_C1I(Mox32s* pSrcDst,
 /** @} */
 
 /** 4:2:2 chroma DC with a scaling list: f = H4 * c * H2. With per and rem of qp + 3: (f * s + 2^(5 - per)) >> (6 - per)
- *  for per below 6, (f * s) << (per - 6) from there on. The 16s form saturates the sum and the difference of each row
- *  and the values shifted to the right; all else wraps at the width of an element.
+ *  for per below 6, (f * s) << (per - 6) from there on. The 16s form saturates, in each column, the sums and the
+ *  differences of the outer and of the inner two values, and the values shifted to the right; all else wraps at the
+ *  width of an element.
  *  @param[in,out] pSrcDst     8 values, four rows of two
  *  @param         qp          the QP of chroma, 0 to 39 (32s: 0 to 75); the function adds 3
  *  @param[in]     pLevelScale one scale, that of (qp + 3) % 6, or null

@@ -90,10 +90,17 @@ TEST_P(InverseTransformBlocks, ScaledDc) {
 
   const auto chroma422 = [](Rule pairs) {
     return [pairs](const Values& c, int qp, long long scale) {
-      Values rows(8);
-      for (int i = 0; i < 8; ++i) rows[i] = keep(pairs, c[i & ~1] + (i % 2 ? -1 : 1) * c[i | 1]);
-      constexpr int kIdentity[] = {1, 0, 0, 1};
-      Values f = oracle::product(oracle::kH4, rows, kIdentity, 4, 2);
+      // Outer and inner sums, outer and inner differences of the columns; then what H4 makes of them.
+      Values terms(8);
+      for (int x = 0; x < 2; ++x) {
+        for (int i = 0; i < 4; ++i) {
+          const int outer_or_inner = i % 2;
+          terms[2 * i + x] =
+              keep(pairs, c[2 * outer_or_inner + x] + (i < 2 ? 1 : -1) * c[2 * (3 - outer_or_inner) + x]);
+        }
+      }
+      constexpr int kCombine[] = {1, 1, 0, 0, 0, 0, 1, 1, 1, -1, 0, 0, 0, 0, 1, -1};
+      Values f = oracle::product(kCombine, terms, oracle::kH2, 4, 2);
       for (long long& v : f) {
         v = keep(qp < 36 ? pairs : oracle::wrapping(pairs),
                  oracle::rescaled(keep(oracle::wrapping(pairs), v), scale, qp / 6, 6));
