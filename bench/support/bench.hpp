@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <functional>
 #include <random>
 #include <span>
@@ -33,11 +34,16 @@ inline constexpr int kBatch = 64;
 struct Row {
   std::string name;
   std::function<void(const Library&, benchmark::State&)> measure;
+  bool counted = true;  ///< in the mean ratios of the family
 };
 
-/// Times a callable: the counter "ticks" becomes the median batch, per call.
+/// Times a callable that returns a status: the counter "ticks" becomes the median batch, per call.
 template <class Body>
 void measure(benchmark::State& state, Body body) {
+  if (const MoxStatus status = body(); status < moxStsOk) {
+    state.SkipWithError(("status " + std::to_string(status)).c_str());
+    return;
+  }
   std::vector<double> batches;
   for (auto _ : state) {
     const std::uint64_t start = __rdtsc();
@@ -58,15 +64,16 @@ std::string row_name(Symbol<Function> symbol, std::string_view variant) {
 template <class Function, class... Arguments>
 Row call(Symbol<Function> symbol, std::string_view variant, Arguments... arguments) {
   return {row_name(symbol, variant), [=](const Library& library, benchmark::State& state) {
-            measure(state, [=, function = library[symbol]] { function(arguments...); });
+            measure(state, [=, function = library[symbol]] { return function(arguments...); });
           }};
 }
 
-/// A row whose calls need more than that, such as a cursor to put back: `body(function)` makes one call.
+/// A row whose calls need more than that, such as a cursor to put back: `body(function)` makes one call and returns its
+/// status.
 template <class Function, class Body>
 Row loop(Symbol<Function> symbol, std::string_view variant, Body body) {
   return {row_name(symbol, variant), [=](const Library& library, benchmark::State& state) {
-            measure(state, [=, function = library[symbol]] { body(function); });
+            measure(state, [=, function = library[symbol]]() mutable { return body(function); });
           }};
 }
 
@@ -86,6 +93,36 @@ T* buffer(std::size_t count, int low, int high) {
   std::uniform_int_distribution<int> number(low, high);
   std::generate_n(values, count, [&] { return static_cast<T>(number(engine)); });
   return values;
+}
+
+/// Input that a call overwrites, put back before each call. That is part of the call's time; a row of `restoring` tells
+/// how much.
+template <class T>
+class Fresh {
+ public:
+  Fresh(std::size_t count, int low, int high)
+      : bytes_(count * sizeof(T)), source_(buffer<T>(count, low, high)), work_(buffer<T>(count, 0, 0)) {}
+  T* data() const { return work_; }
+  void restore() const { std::memcpy(work_, source_, bytes_); }
+
+ private:
+  std::size_t bytes_;
+  const T* source_;
+  T* work_;
+};
+
+/// A row of what the other rows of a family do before each call.
+template <class Restore>
+Row restoring(const char* name, Restore restore) {
+  return {name,
+          [=](const Library&, benchmark::State& state) {
+            measure(state, [=] {
+              restore();
+              benchmark::ClobberMemory();
+              return moxStsOk;
+            });
+          },
+          false};
 }
 
 }  // namespace mox::bench
