@@ -3,11 +3,18 @@
 #ifndef MOXVC_H
 #define MOXVC_H
 
+#include "moxvc/block_arithmetic.h"
+#include "moxvc/block_metrics.h"
+#include "moxvc/block_motion.h"
+#include "moxvc/block_statistics.h"
 #include "moxvc/h264_cavlc.h"
 #include "moxvc/h264_deblock.h"
+#include "moxvc/h264_expansion.h"
+#include "moxvc/h264_interpolation.h"
 #include "moxvc/h264_intra.h"
 #include "moxvc/h264_inverse_transform.h"
 #include "moxvc/h264_reconstruct.h"
+#include "moxvc/h264_weighting.h"
 #include "moxvc/huffman.h"
 #include "moxvc/scan.h"
 #include "moxvc/types.h"

@@ -1,0 +1,304 @@
+/// The vector layer: one inline function per instruction, for vectors of B blocks of 16 bytes.
+///
+/// B is 1 (SSE4.1) or 2 (AVX2); kBlocks is the largest of the build. No operation crosses a block, so a kernel that
+/// gives each block a strip of rows or columns of its own (Strips) is one source for all builds. B is a template
+/// argument of each kernel, chosen by measurement. Types name what a register holds; `as<T>` reads it otherwise.
+/// This is the one file with intrinsics and with a test of the instruction set.
+#pragma once
+
+#include <immintrin.h>
+
+#include <cstddef>
+#include <cstring>
+
+#include "moxvc/types.h"
+
+#define MOX_INLINE inline __attribute__((always_inline))
+
+namespace mox::simd {
+
+#if defined(__AVX2__)
+inline constexpr int kBlocks = 2;
+#define MOX_WIDE(...) __VA_ARGS__
+#else
+inline constexpr int kBlocks = 1;
+#define MOX_WIDE(...)
+#endif
+
+template <int B>
+struct RawOf;
+template <>
+struct RawOf<1> {
+  using Type = __m128i;
+};
+MOX_WIDE(template <> struct RawOf<2> { using Type = __m256i; };)
+template <int B>
+using Raw = typename RawOf<B>::Type;
+
+template <int Blocks>
+struct u8 {
+  Raw<Blocks> r;
+  static constexpr int B = Blocks;
+};  ///< 16 unsigned bytes a block
+template <int Blocks>
+struct s16 {
+  Raw<Blocks> r;
+  static constexpr int B = Blocks;
+};  ///< 8 signed words a block
+template <int Blocks>
+struct u16 {
+  Raw<Blocks> r;
+  static constexpr int B = Blocks;
+};  ///< 8 unsigned words a block
+template <int Blocks>
+struct s32 {
+  Raw<Blocks> r;
+  static constexpr int B = Blocks;
+};  ///< 4 signed doublewords a block
+
+/// The same bits as another type.
+template <template <int> class To, template <int> class From, int B>
+MOX_INLINE To<B> as(From<B> v) {
+  return {v.r};
+}
+
+// name(A, A) -> R by one instruction.
+#define MOX_OP2(name, R, A, instruction)                                         \
+  MOX_INLINE R<1> name(A<1> a, A<1> b) { return {_mm_##instruction(a.r, b.r)}; } \
+  MOX_WIDE(MOX_INLINE R<2> name(A<2> a, A<2> b) { return {_mm256_##instruction(a.r, b.r)}; })
+// name(A) -> R by one instruction.
+#define MOX_OP1(name, R, A, instruction)                            \
+  MOX_INLINE R<1> name(A<1> a) { return {_mm_##instruction(a.r)}; } \
+  MOX_WIDE(MOX_INLINE R<2> name(A<2> a) { return {_mm256_##instruction(a.r)}; })
+// name<N>(A) -> A by one instruction with an immediate.
+#define MOX_OPI(name, A, instruction)   \
+  template <int N>                      \
+  MOX_INLINE A<1> name(A<1> a) {        \
+    return {_mm_##instruction(a.r, N)}; \
+  }                                     \
+  MOX_WIDE(template <int N> MOX_INLINE A<2> name(A<2> a) { return {_mm256_##instruction(a.r, N)}; })
+// name<N>(A, A) -> A by one instruction with an immediate.
+#define MOX_OP2I(name, A, instruction)       \
+  template <int N>                           \
+  MOX_INLINE A<1> name(A<1> a, A<1> b) {     \
+    return {_mm_##instruction(a.r, b.r, N)}; \
+  }                                          \
+  MOX_WIDE(template <int N> MOX_INLINE A<2> name(A<2> a, A<2> b) { return {_mm256_##instruction(a.r, b.r, N)}; })
+#define MOX_LOGIC(name, A, instruction)                                                  \
+  MOX_INLINE A<1> name(A<1> a, A<1> b) { return {_mm_##instruction##_si128(a.r, b.r)}; } \
+  MOX_WIDE(MOX_INLINE A<2> name(A<2> a, A<2> b) { return {_mm256_##instruction##_si256(a.r, b.r)}; })
+#define MOX_COMMON(A, bits)                                                                        \
+  MOX_OP2(operator+, A, A, add_epi##bits)                                                          \
+  MOX_OP2(operator-, A, A, sub_epi##bits) MOX_LOGIC(operator&, A, and) MOX_LOGIC(operator|, A, or) \
+      MOX_LOGIC(operator^, A, xor) MOX_LOGIC(andnot, A, andnot) /* ~a & b */                       \
+      MOX_OP2(equal, A, A, cmpeq_epi##bits)
+
+MOX_COMMON(u8, 8)
+MOX_COMMON(s16, 16) MOX_COMMON(u16, 16) MOX_COMMON(s32, 32)
+
+    // Bytes.
+    MOX_OP2(avg, u8, u8, avg_epu8)  // halves up
+    MOX_OP2(adds, u8, u8, adds_epu8) MOX_OP2(subs, u8, u8, subs_epu8) MOX_OP2(min, u8, u8, min_epu8)
+        MOX_OP2(max, u8, u8, max_epu8)
+            MOX_OP2(sad, s32, u8, sad_epu8)  // two sums of eight a block, in elements 0 and 2
+    MOX_OP2(lookup, u8, u8, shuffle_epi8) MOX_OP2I(align, u8, alignr_epi8)  // bytes N.. of b followed by those of a
+    MOX_OP2(lo8, u8, u8, unpacklo_epi8) MOX_OP2(hi8, u8, u8, unpackhi_epi8)
+    /// Even byte * even signed byte + odd byte * odd signed byte, saturated.
+    MOX_OP2(maddubs, s16, u8, maddubs_epi16)
+    // Words.
+    MOX_OP2(adds, s16, s16, adds_epi16) MOX_OP2(subs, s16, s16, subs_epi16) MOX_OP2(adds, u16, u16, adds_epu16)
+        MOX_OP2(subs, u16, u16, subs_epu16) MOX_OP2(min, s16, s16, min_epi16) MOX_OP2(max, s16, s16, max_epi16)
+            MOX_OP2(min, u16, u16, min_epu16) MOX_OP2(max, u16, u16, max_epu16) MOX_OP2(avg, u16, u16, avg_epu16)
+                MOX_OP2(operator*, s16, s16, mullo_epi16) MOX_OP2(operator*, u16, u16, mullo_epi16)
+                    MOX_OP2(mulhi, s16, s16, mulhi_epi16) MOX_OP2(mulhi, u16, u16, mulhi_epu16)
+                        MOX_OP2(mulhrs, s16, s16, mulhrs_epi16)  // (a * b + 2^14) >> 15
+    MOX_OP2(madd, s32, s16, madd_epi16) MOX_OP2(greater, s16, s16, cmpgt_epi16) MOX_OP2(hadd, s16, s16, hadd_epi16)
+        MOX_OP1(abs, s16, s16, abs_epi16) MOX_OPI(shr, s16, srai_epi16) MOX_OPI(shl, s16, slli_epi16)
+            MOX_OPI(shr, u16, srli_epi16) MOX_OPI(shl, u16, slli_epi16) MOX_OP2(lo16, s16, s16, unpacklo_epi16)
+                MOX_OP2(hi16, s16, s16, unpackhi_epi16) MOX_OP2(lo32, s16, s16, unpacklo_epi32)
+                    MOX_OP2(hi32, s16, s16, unpackhi_epi32) MOX_OP2(lo64, s16, s16, unpacklo_epi64)
+                        MOX_OP2(hi64, s16, s16, unpackhi_epi64) MOX_OP2(lo64, u8, u8, unpacklo_epi64)
+                            MOX_OP2(hi64, u8, u8, unpackhi_epi64)
+                                MOX_OP2I(blend, s16, blend_epi16)  // word i of b where bit i of N is set
+    MOX_OP2(packus, u8, s16, packus_epi16) MOX_OP2(packs, u8, s16, packs_epi16)
+    // Doublewords.
+    MOX_OP2(operator*, s32, s32, mullo_epi32) MOX_OP2(min, s32, s32, min_epi32) MOX_OP2(max, s32, s32, max_epi32)
+        MOX_OP2(greater, s32, s32, cmpgt_epi32) MOX_OP1(abs, s32, s32, abs_epi32) MOX_OPI(shr, s32, srai_epi32)
+            MOX_OPI(shru, s32, srli_epi32) MOX_OPI(shl, s32, slli_epi32) MOX_OP2(packs, s16, s32, packs_epi32)
+                MOX_OP2(packus, u16, s32, packus_epi32) MOX_OP2(lo32, s32, s32, unpacklo_epi32)
+                    MOX_OP2(hi32, s32, s32, unpackhi_epi32) MOX_OP2(lo64, s32, s32, unpacklo_epi64)
+                        MOX_OP2(hi64, s32, s32, unpackhi_epi64) MOX_OPI(permute, s32, shuffle_epi32)
+
+    // Constants: one value in all elements.
+    template <template <int> class V, int B>
+    MOX_INLINE V<B> zero();
+template <template <int> class V, int B>
+MOX_INLINE V<B> splat(int value);
+#define MOX_CONSTANTS(V, name)                                                                                  \
+  template <>                                                                                                   \
+  MOX_INLINE V<1> zero<V, 1>() {                                                                                \
+    return {_mm_setzero_si128()};                                                                               \
+  }                                                                                                             \
+  template <>                                                                                                   \
+  MOX_INLINE V<1> splat<V, 1>(int value) {                                                                      \
+    return {_mm_set1_##name};                                                                                   \
+  }                                                                                                             \
+  MOX_WIDE(                                                                                                     \
+      template <> MOX_INLINE V<2> zero<V, 2>() { return {_mm256_setzero_si256()}; } template <> MOX_INLINE V<2> \
+          splat<V, 2>(int value) { return {_mm256_set1_##name}; })
+MOX_CONSTANTS(u8, epi8(static_cast<char>(value)))
+MOX_CONSTANTS(s16, epi16(static_cast<short>(value)))
+MOX_CONSTANTS(u16, epi16(static_cast<short>(value)))
+MOX_CONSTANTS(s32, epi32(value))
+
+/// Bytes of the lower or upper half of each block as words.
+template <int B>
+MOX_INLINE s16<B> wide_lo(u8<B> v) {
+  return as<s16>(lo8(v, zero<u8, B>()));
+}
+template <int B>
+MOX_INLINE s16<B> wide_hi(u8<B> v) {
+  return as<s16>(hi8(v, zero<u8, B>()));
+}
+/// Words of the lower or upper half of each block as doublewords, zero-extended or sign-extended.
+template <int B>
+MOX_INLINE s32<B> wide_lo(u16<B> v) {
+  return as<s32>(lo16(as<s16>(v), zero<s16, B>()));
+}
+template <int B>
+MOX_INLINE s32<B> wide_hi(u16<B> v) {
+  return as<s32>(hi16(as<s16>(v), zero<s16, B>()));
+}
+template <int B>
+MOX_INLINE s32<B> wide_lo(s16<B> v) {
+  return shr<16>(as<s32>(lo16(v, v)));
+}
+template <int B>
+MOX_INLINE s32<B> wide_hi(s16<B> v) {
+  return shr<16>(as<s32>(hi16(v, v)));
+}
+
+// Blocks: B single blocks to one vector, and one block out of it.
+template <int B>
+MOX_INLINE Raw<B> join(const __m128i* blocks);
+template <>
+MOX_INLINE __m128i join<1>(const __m128i* blocks) {
+  return blocks[0];
+}
+MOX_WIDE(template <> MOX_INLINE __m256i join<2>(const __m128i* blocks) {
+  return _mm256_inserti128_si256(_mm256_castsi128_si256(blocks[0]), blocks[1], 1);
+})
+template <int I>
+MOX_INLINE __m128i block(__m128i v) {
+  return v;
+}
+MOX_WIDE(template <int I> MOX_INLINE __m128i block(__m256i v) {
+  if constexpr (I == 0)
+    return _mm256_castsi256_si128(v);
+  else
+    return _mm256_extracti128_si256(v, 1);
+})
+/// Block I as a vector of one block.
+template <int I, template <int> class V, int B>
+MOX_INLINE V<1> part(V<B> v) {
+  return {block<I>(v.r)};
+}
+
+/// Where the blocks of a vector lie in memory: block i is read from, or written to, p + at[i] bytes.
+template <int B>
+struct Strips {
+  std::ptrdiff_t at[B];
+};
+/// Strips `distance` bytes apart.
+template <int B>
+MOX_INLINE Strips<B> strips(std::ptrdiff_t distance) {
+  Strips<B> s{};
+  for (int i = 0; i < B; ++i) s.at[i] = i * distance;
+  return s;
+}
+
+// Loads. No alignment is needed; nothing is read but the bytes named.
+MOX_INLINE __m128i raw16(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
+MOX_INLINE __m128i raw8(const void* p) { return _mm_loadl_epi64(static_cast<const __m128i*>(p)); }
+MOX_INLINE __m128i raw4(const void* p) {
+  int v;
+  std::memcpy(&v, p, 4);
+  return _mm_cvtsi32_si128(v);
+}
+template <template <int> class V, int B, class Load>
+MOX_INLINE V<B> gather(const void* p, const Strips<B>& s, Load load) {
+  __m128i blocks[B];
+  for (int i = 0; i < B; ++i) blocks[i] = load(static_cast<const Mox8u*>(p) + s.at[i]);
+  return {join<B>(blocks)};
+}
+/// 16 bytes a block.
+template <template <int> class V, int B>
+MOX_INLINE V<B> load16(const void* p, const Strips<B>& s) {
+  return gather<V, B>(p, s, raw16);
+}
+/// 8 bytes a block, the upper half zero.
+template <template <int> class V, int B>
+MOX_INLINE V<B> load8(const void* p, const Strips<B>& s) {
+  return gather<V, B>(p, s, raw8);
+}
+/// Two rows of 8 bytes a block, `gap` bytes apart.
+template <template <int> class V, int B>
+MOX_INLINE V<B> load8x2(const void* p, std::ptrdiff_t gap, const Strips<B>& s) {
+  return gather<V, B>(p, s, [gap](const Mox8u* q) { return _mm_unpacklo_epi64(raw8(q), raw8(q + gap)); });
+}
+/// Four rows of 4 bytes a block, `step` bytes apart.
+template <template <int> class V, int B>
+MOX_INLINE V<B> load4x4(const void* p, std::ptrdiff_t step, const Strips<B>& s) {
+  return gather<V, B>(p, s, [step](const Mox8u* q) {
+    return _mm_unpacklo_epi64(_mm_unpacklo_epi32(raw4(q), raw4(q + step)),
+                              _mm_unpacklo_epi32(raw4(q + 2 * step), raw4(q + 3 * step)));
+  });
+}
+/// The same 16 bytes in every block.
+template <template <int> class V, int B>
+MOX_INLINE V<B> table(const void* p) {
+  return load16<V, B>(p, strips<B>(0));
+}
+/// 8 bytes a block as words.
+template <int B>
+MOX_INLINE s16<B> load8_wide(const void* p, const Strips<B>& s) {
+  return gather<s16, B>(p, s, [](const Mox8u* q) { return _mm_cvtepu8_epi16(raw8(q)); });
+}
+
+// Stores of the same shapes.
+MOX_INLINE void raw_store16(void* p, __m128i v) { _mm_storeu_si128(static_cast<__m128i*>(p), v); }
+MOX_INLINE void raw_store8(void* p, __m128i v) { _mm_storel_epi64(static_cast<__m128i*>(p), v); }
+MOX_INLINE void raw_store4(void* p, __m128i v) {
+  const int low = _mm_cvtsi128_si32(v);
+  std::memcpy(p, &low, 4);
+}
+template <int I = 0, int B, class Store>
+MOX_INLINE void scatter(Raw<B> v, void* p, const Strips<B>& s, Store put) {
+  put(static_cast<Mox8u*>(p) + s.at[I], block<I>(v));
+  if constexpr (I + 1 < B) scatter<I + 1, B>(v, p, s, put);
+}
+template <template <int> class V, int B>
+MOX_INLINE void store16(V<B> v, void* p, const Strips<B>& s) {
+  scatter<0, B>(v.r, p, s, raw_store16);
+}
+template <template <int> class V, int B>
+MOX_INLINE void store8(V<B> v, void* p, const Strips<B>& s) {
+  scatter<0, B>(v.r, p, s, raw_store8);
+}
+template <template <int> class V, int B>
+MOX_INLINE void store8x2(V<B> v, void* p, std::ptrdiff_t gap, const Strips<B>& s) {
+  scatter<0, B>(v.r, p, s, [gap](Mox8u* q, __m128i one) {
+    raw_store8(q, one);
+    raw_store8(q + gap, _mm_unpackhi_epi64(one, one));
+  });
+}
+
+/// The sum of all elements, wrapping.
+MOX_INLINE Mox32s total(s32<1> v) {
+  v = v + permute<0x4E>(v);
+  v = v + permute<0xB1>(v);
+  return _mm_cvtsi128_si32(v.r);
+}
+MOX_WIDE(MOX_INLINE Mox32s total(s32<2> v) { return total(part<0>(v) + part<1>(v)); })
+
+}  // namespace mox::simd
