@@ -189,8 +189,10 @@ void fill_smooth(const Entry<T>& entry, const Plane<T>& plane, Random& random, i
   });
 }
 
+/// Samples between rows; negative for rows that go upwards in memory.
+constexpr int kExtra[] = {0, 1, 7, 32, 1000, -1, -5, -64};
+
 TEST_P(Deblock, EqualsOracle) {
-  static constexpr int kExtra[] = {0, 1, 7, 32, 1000, -1, -5, -64};
   Random random;
   each([&]<class T>(const Entry<T>& entry) {
     Inputs<T> in(entry.form);
@@ -344,7 +346,7 @@ struct Filterable {
   Guarded<Mox8u> bs = Guarded<Mox8u>(16);
   T* block = plane.data() + 4 * 20 + 4;
   Filterable() {
-    for (std::size_t i = 0; i < plane.size(); ++i) plane[i] = i * 2 % 5;
+    for (std::size_t i = 0; i < plane.size(); ++i) plane[i] = static_cast<T>(i * 2 % 5);
     std::fill(nines.begin(), nines.end(), T{9});
     std::fill(bs.begin(), bs.end(), Mox8u{3});
   }
