@@ -8,7 +8,7 @@
 #include <cstddef>
 
 #include "block/half_pel_px.hpp"
-#include "block/word_rows_vec.hpp"
+#include "block/rows_vec.hpp"
 #include "frame/generation.hpp"
 #include "simd/vec.hpp"
 
@@ -71,9 +71,14 @@ class Sampler {
   };
   MOX_INLINE static Pair pair(R& rows) {
     const auto a = rows.at(0);
-    const auto b = half_in_x(P) ? rows.at(1) : a;
-    rows.down();
-    return {avg(a, b), a ^ b};
+    if constexpr (half_in_x(P)) {
+      const auto b = rows.at(1);
+      rows.down();
+      return {avg(a, b), a ^ b};
+    } else {
+      rows.down();
+      return {a, a};
+    }
   }
   MOX_INLINE static simd::u8<R::B> lowest(simd::u8<R::B> v) { return v & simd::splat<simd::u8, R::B>(1); }
 
@@ -109,7 +114,7 @@ struct RoundingByArgument {
   }
 };
 
-/// P as words, for one vector of rows after the other. R is one of the row forms of word_rows_vec.hpp.
+/// P as words, for one vector of rows after the other. R is one of the row forms of rows_vec.hpp.
 template <class R, HalfPel P, class Rounding>
 class WordSampler {
  public:

@@ -44,6 +44,12 @@ MOX_INLINE WordsOf<kGroups> combine(const WordsOf<kGroups>& a, const WordsOf<kGr
   return result;
 }
 
+/// Differences, wrapping.
+template <class Words>
+MOX_INLINE Words difference(const Words& a, const Words& b) {
+  return combine(a, b, [](auto c, auto d) { return c - d; });
+}
+
 /// One row of 8 or 16 samples in consecutive bytes. kDist is 2 where two channels are interleaved.
 template <int W, int kDist = 1>
 struct Columns {
@@ -126,5 +132,15 @@ struct FewColumns {
     simd::store_rows<W, kRows>(packus(signed_words, signed_words), p, step);
   }
 };
+
+/// Rows of 8 or 16 bytes that stay bytes.
+template <int W>
+MOX_INLINE simd::u8<1> load_bytes(const Mox8u* p) {
+  return {W == 16 ? simd::raw16(p) : simd::raw8(p)};
+}
+template <int W>
+MOX_INLINE void store_bytes(simd::u8<1> v, Mox8u* p) {
+  W == 16 ? simd::raw_store16(p, v.r) : simd::raw_store8(p, v.r);
+}
 
 }  // namespace mox::vec
