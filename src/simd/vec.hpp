@@ -225,6 +225,11 @@ MOX_INLINE __m128i raw4(const void* p) {
   std::memcpy(&v, p, 4);
   return _mm_cvtsi32_si128(v);
 }
+MOX_INLINE __m128i raw2(const void* p) {
+  Mox16u v;
+  std::memcpy(&v, p, 2);
+  return _mm_cvtsi32_si128(v);
+}
 template <template <int> class V, int B, class Load>
 MOX_INLINE V<B> gather(const void* p, const Strips<B>& s, Load load) {
   __m128i blocks[B];
@@ -265,6 +270,45 @@ MOX_INLINE s16<B> load8_wide(const void* p, const Strips<B>& s) {
   return gather<s16, B>(p, s, [](const Mox8u* q) { return _mm_cvtepu8_epi16(raw8(q)); });
 }
 
+// Rows that run on from block to block: 16 B consecutive bytes, or 8 B as words.
+template <template <int> class V, int B>
+MOX_INLINE V<B> load_row(const void* p) {
+  if constexpr (B == 1) return {raw16(p)};
+  MOX_WIDE(else return {_mm256_loadu_si256(static_cast<const __m256i*>(p))};)
+}
+template <int B>
+MOX_INLINE u16<B> load_row_wide(const void* p) {
+  if constexpr (B == 1) return {_mm_cvtepu8_epi16(raw8(p))};
+  MOX_WIDE(else return {_mm256_cvtepu8_epi16(raw16(p))};)
+}
+template <template <int> class V, int B>
+MOX_INLINE void store_row(V<B> v, void* p) {
+  if constexpr (B == 1) _mm_storeu_si128(static_cast<__m128i*>(p), v.r);
+  MOX_WIDE(else _mm256_storeu_si256(static_cast<__m256i*>(p), v.r);)
+}
+/// The lower 8 bytes as words.
+MOX_INLINE u16<1> wide_low(u8<1> v) { return {_mm_cvtepu8_epi16(v.r)}; }
+
+/// Several short rows in one block, `step` bytes apart: kRows of 2, 4 or 8 bytes, 16 bytes at most, the rest zero.
+template <int kBytes, int kRows>
+MOX_INLINE u8<1> load_rows(const void* p, std::ptrdiff_t step) {
+  static_assert(kBytes * kRows <= 16);
+  if constexpr (kRows > 1) {
+    const __m128i upper = load_rows<kBytes, kRows / 2>(p, step).r;
+    const void* const middle = static_cast<const Mox8u*>(p) + kRows / 2 * step;
+    const __m128i lower = load_rows<kBytes, kRows / 2>(middle, step).r;
+    if constexpr (kBytes * kRows == 4) return {_mm_unpacklo_epi16(upper, lower)};
+    if constexpr (kBytes * kRows == 8) return {_mm_unpacklo_epi32(upper, lower)};
+    if constexpr (kBytes * kRows == 16) return {_mm_unpacklo_epi64(upper, lower)};
+  } else if constexpr (kBytes == 8) {
+    return {raw8(p)};
+  } else if constexpr (kBytes == 4) {
+    return {raw4(p)};
+  } else {
+    return {raw2(p)};
+  }
+}
+
 // Stores of the same shapes.
 MOX_INLINE void raw_store16(void* p, __m128i v) { _mm_storeu_si128(static_cast<__m128i*>(p), v); }
 MOX_INLINE void raw_store8(void* p, __m128i v) { _mm_storel_epi64(static_cast<__m128i*>(p), v); }
@@ -291,6 +335,20 @@ MOX_INLINE void store8x2(V<B> v, void* p, std::ptrdiff_t gap, const Strips<B>& s
     raw_store8(q, one);
     raw_store8(q + gap, _mm_unpackhi_epi64(one, one));
   });
+}
+/// Several short rows out of one block: kRows of 2, 4 or 8 bytes, `step` bytes apart, written in order.
+template <int kBytes, int kRows, int I = 0>
+MOX_INLINE void store_rows(u8<1> v, void* p, std::ptrdiff_t step) {
+  if constexpr (kBytes == 8) {
+    raw_store8(p, I == 0 ? v.r : _mm_unpackhi_epi64(v.r, v.r));
+  } else if constexpr (kBytes == 4) {
+    const int row = _mm_extract_epi32(v.r, I);
+    std::memcpy(p, &row, 4);
+  } else {
+    const auto row = static_cast<Mox16u>(_mm_extract_epi16(v.r, I));
+    std::memcpy(p, &row, 2);
+  }
+  if constexpr (I + 1 < kRows) store_rows<kBytes, kRows, I + 1>(v, static_cast<Mox8u*>(p) + step, step);
 }
 
 /// The sum of all elements, wrapping.
