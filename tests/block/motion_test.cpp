@@ -151,9 +151,9 @@ class Motion : public PerGeneration {
     visit(MOX_FN(moxiMC16x8BUV_8u_C1), Form{16, 8, kAdd, 2, kInterleaved});
     visit(MOX_FN(moxiMC16x4B_8u_C1), Form{16, 4, kAdd, 2, kInterleaved});
     visit(MOX_FN(moxiMC8x8_16s8u_P2C2R), Form{16, 8, kAdd, 1, kSplit});
-    visit(MOX_FN(moxiMC8x4_16s8u_P2C2R), Form{16, 4, kAdd, 1, kInterleaved});
+    visit(MOX_FN(moxiMC8x4_16s8u_P2C2R), Form{16, 4, kAdd, 1, kSplit});
     visit(MOX_FN(moxiMC8x8B_16s8u_P2C2R), Form{16, 8, kAdd, 2, kSplit});
-    visit(MOX_FN(moxiMC8x4B_16s8u_P2C2R), Form{16, 4, kAdd, 2, kInterleaved});
+    visit(MOX_FN(moxiMC8x4B_16s8u_P2C2R), Form{16, 4, kAdd, 2, kSplit});
     visit(MOX_FN(moxiGetDiff16x16_8u16s_C1), Form{16, 16, kDifference});
     visit(MOX_FN(moxiGetDiff16x8_8u16s_C1), Form{16, 8, kDifference});
     visit(MOX_FN(moxiGetDiff8x16_8u16s_C1), Form{8, 16, kDifference});
