@@ -87,14 +87,16 @@ MOX_INLINE To<B> as(From<B> v) {
 #define MOX_LOGIC(name, A, instruction)                                                  \
   MOX_INLINE A<1> name(A<1> a, A<1> b) { return {_mm_##instruction##_si128(a.r, b.r)}; } \
   MOX_WIDE(MOX_INLINE A<2> name(A<2> a, A<2> b) { return {_mm256_##instruction##_si256(a.r, b.r)}; })
-#define MOX_COMMON(A, bits)                                                                        \
-  MOX_OP2(operator+, A, A, add_epi##bits)                                                          \
-  MOX_OP2(operator-, A, A, sub_epi##bits) MOX_LOGIC(operator&, A, and) MOX_LOGIC(operator|, A, or) \
-      MOX_LOGIC(operator^, A, xor) MOX_LOGIC(andnot, A, andnot) /* ~a & b */                       \
+#define MOX_COMMON(A, bits)                                                             \
+  MOX_OP2(operator+, A, A, add_epi##bits)                                               \
+  MOX_OP2(operator-, A, A, sub_epi##bits)                                               \
+  MOX_LOGIC(operator&, A, and) MOX_LOGIC(operator|, A, or) MOX_LOGIC(operator^, A, xor) \
+      MOX_LOGIC(andnot, A, andnot) /* ~a & b */                                         \
       MOX_OP2(equal, A, A, cmpeq_epi##bits)
 
 MOX_COMMON(u8, 8)
-MOX_COMMON(s16, 16) MOX_COMMON(u16, 16) MOX_COMMON(s32, 32)
+MOX_COMMON(s16, 16)
+MOX_COMMON(u16, 16) MOX_COMMON(s32, 32)
 
     // Bytes.
     MOX_OP2(avg, u8, u8, avg_epu8)  // halves up
@@ -123,11 +125,12 @@ MOX_COMMON(s16, 16) MOX_COMMON(u16, 16) MOX_COMMON(s32, 32)
     MOX_OP2(packus, u8, s16, packus_epi16) MOX_OP2(packs, u8, s16, packs_epi16)
     // Doublewords.
     MOX_OP2(operator*, s32, s32, mullo_epi32) MOX_OP2(min, s32, s32, min_epi32) MOX_OP2(max, s32, s32, max_epi32)
-        MOX_OP2(greater, s32, s32, cmpgt_epi32) MOX_OP1(abs, s32, s32, abs_epi32) MOX_OPI(shr, s32, srai_epi32)
-            MOX_OPI(shru, s32, srli_epi32) MOX_OPI(shl, s32, slli_epi32) MOX_OP2(packs, s16, s32, packs_epi32)
-                MOX_OP2(packus, u16, s32, packus_epi32) MOX_OP2(lo32, s32, s32, unpacklo_epi32)
-                    MOX_OP2(hi32, s32, s32, unpackhi_epi32) MOX_OP2(lo64, s32, s32, unpacklo_epi64)
-                        MOX_OP2(hi64, s32, s32, unpackhi_epi64) MOX_OPI(permute, s32, shuffle_epi32)
+        MOX_OP2(greater, s32, s32, cmpgt_epi32) MOX_OP2(hadd, s32, s32, hadd_epi32) MOX_OP1(abs, s32, s32, abs_epi32)
+            MOX_OPI(shr, s32, srai_epi32) MOX_OPI(shru, s32, srli_epi32) MOX_OPI(shl, s32, slli_epi32)
+                MOX_OP2(packs, s16, s32, packs_epi32) MOX_OP2(packus, u16, s32, packus_epi32)
+                    MOX_OP2(lo32, s32, s32, unpacklo_epi32) MOX_OP2(hi32, s32, s32, unpackhi_epi32)
+                        MOX_OP2(lo64, s32, s32, unpacklo_epi64) MOX_OP2(hi64, s32, s32, unpackhi_epi64)
+                            MOX_OPI(permute, s32, shuffle_epi32)
 
     // Constants: one value in all elements.
     template <template <int> class V, int B>
