@@ -125,11 +125,12 @@ MOX_COMMON(u16, 16) MOX_COMMON(s32, 32)
     MOX_OP2(packus, u8, s16, packus_epi16) MOX_OP2(packs, u8, s16, packs_epi16)
     // Doublewords.
     MOX_OP2(operator*, s32, s32, mullo_epi32) MOX_OP2(min, s32, s32, min_epi32) MOX_OP2(max, s32, s32, max_epi32)
-        MOX_OP2(greater, s32, s32, cmpgt_epi32) MOX_OP1(abs, s32, s32, abs_epi32) MOX_OPI(shr, s32, srai_epi32)
-            MOX_OPI(shru, s32, srli_epi32) MOX_OPI(shl, s32, slli_epi32) MOX_OP2(packs, s16, s32, packs_epi32)
-                MOX_OP2(packus, u16, s32, packus_epi32) MOX_OP2(lo32, s32, s32, unpacklo_epi32)
-                    MOX_OP2(hi32, s32, s32, unpackhi_epi32) MOX_OP2(lo64, s32, s32, unpacklo_epi64)
-                        MOX_OP2(hi64, s32, s32, unpackhi_epi64) MOX_OPI(permute, s32, shuffle_epi32)
+        MOX_OP2(greater, s32, s32, cmpgt_epi32) MOX_OP2(hadd, s32, s32, hadd_epi32) MOX_OP1(abs, s32, s32, abs_epi32)
+            MOX_OPI(shr, s32, srai_epi32) MOX_OPI(shru, s32, srli_epi32) MOX_OPI(shl, s32, slli_epi32)
+                MOX_OP2(packs, s16, s32, packs_epi32) MOX_OP2(packus, u16, s32, packus_epi32)
+                    MOX_OP2(lo32, s32, s32, unpacklo_epi32) MOX_OP2(hi32, s32, s32, unpackhi_epi32)
+                        MOX_OP2(lo64, s32, s32, unpacklo_epi64) MOX_OP2(hi64, s32, s32, unpackhi_epi64)
+                            MOX_OPI(permute, s32, shuffle_epi32)
 
     // Constants: one value in all elements.
     template <template <int> class V, int B>
