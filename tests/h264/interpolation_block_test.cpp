@@ -64,7 +64,7 @@ struct BlockCase {
   std::string name() const {
     std::string text;
     for (int n : {frame.width, frame.height, block.width, block.height, position.x, position.y, vector.x, vector.y})
-      text += " " + std::to_string(n);
+      text.append(" ").append(std::to_string(n));
     return "frame, block, position, vector:" + text;
   }
 };

@@ -68,9 +68,10 @@ struct RegionCase {
   bool upsideDown = false;
 
   std::string name() const {
-    return "form " + std::to_string(static_cast<int>(form)) + " size " + std::to_string(size.width) + "x" +
-           std::to_string(size.height) + " fraction " + std::to_string(dx) + "," + std::to_string(dy) + " out " +
-           std::to_string(out);
+    std::string text = "form, width, height, dx, dy, out:";
+    for (int n : {static_cast<int>(form), size.width, size.height, dx, dy, out})
+      text.append(" ").append(std::to_string(n));
+    return text;
   }
 };
 
