@@ -1,4 +1,5 @@
 #include "block/metrics_activity_px.hpp"
+#include "block/metrics_activity_vec.hpp"
 #include "frame/arguments.hpp"
 #include "frame/generation.hpp"
 #include "moxvc/block_metrics.h"

@@ -1,4 +1,5 @@
 #include "block/metrics_sad_px.hpp"
+#include "block/metrics_sad_vec.hpp"
 #include "frame/arguments.hpp"
 #include "frame/generation.hpp"
 #include "moxvc/block_metrics.h"

@@ -354,6 +354,50 @@ MOX_INLINE void store_rows(u8<1> v, void* p, std::ptrdiff_t step) {
   if constexpr (I + 1 < kRows) store_rows<kBytes, kRows, I + 1>(v, static_cast<Mox8u*>(p) + step, step);
 }
 
+// What distances need.
+/// Words of b with the sign of a's: negated where a is below 0, 0 where a is 0.
+MOX_OP2(signed_by, s16, s16, sign_epi16)  // signed_by(b, a)
+/// Sums of absolute differences of the four bytes of b at 4 (N & 3) and the four bytes of a at offset + i, for words i
+/// of 0 to 7; the offset is 4 if bit 2 of N is set, else 0.
+template <int N>
+MOX_INLINE u16<1> sliding_sad(u8<1> a, u8<1> b) {
+  return {_mm_mpsadbw_epu8(a.r, b.r, N)};
+}
+MOX_WIDE(template <int N> MOX_INLINE u16<2> sliding_sad(u8<2> a, u8<2> b) {
+  return {_mm256_mpsadbw_epu8(a.r, b.r, N | N << 3)};
+})
+/// Doublewords 0 and 2, or 1 and 3, of a and then of b.
+MOX_INLINE s32<1> even32(s32<1> a, s32<1> b) {
+  return {_mm_castps_si128(_mm_shuffle_ps(_mm_castsi128_ps(a.r), _mm_castsi128_ps(b.r), 0x88))};
+}
+MOX_INLINE s32<1> odd32(s32<1> a, s32<1> b) {
+  return {_mm_castps_si128(_mm_shuffle_ps(_mm_castsi128_ps(a.r), _mm_castsi128_ps(b.r), 0xDD))};
+}
+MOX_WIDE(
+    MOX_INLINE s32<2> even32(s32<2> a, s32<2> b) {
+      return {_mm256_castps_si256(_mm256_shuffle_ps(_mm256_castsi256_ps(a.r), _mm256_castsi256_ps(b.r), 0x88))};
+    } MOX_INLINE s32<2>
+        odd32(s32<2> a, s32<2> b) {
+          return {_mm256_castps_si256(_mm256_shuffle_ps(_mm256_castsi256_ps(a.r), _mm256_castsi256_ps(b.r), 0xDD))};
+        })
+/// The first 12 bytes at p, the rest zero.
+MOX_INLINE u8<1> load12(const void* p) {
+  int last;
+  std::memcpy(&last, static_cast<const Mox8u*>(p) + 8, 4);
+  return {_mm_insert_epi32(raw8(p), last, 2)};
+}
+/// The smallest word, and the index of the first such.
+struct Smallest {
+  Mox32s value, index;
+};
+MOX_INLINE Smallest smallest(u16<1> v) {
+  const int both = _mm_cvtsi128_si32(_mm_minpos_epu16(v.r));
+  return {both & 0xFFFF, both >> 16};
+}
+/// The sum of elements 0 and 2 of each block: all that `sad` leaves.
+MOX_INLINE Mox32s total_of_sad(s32<1> v) { return _mm_cvtsi128_si32((v + permute<0x4E>(v)).r); }
+MOX_WIDE(MOX_INLINE Mox32s total_of_sad(s32<2> v) { return total_of_sad(part<0>(v) + part<1>(v)); })
+
 /// The sum of all elements, wrapping.
 MOX_INLINE Mox32s total(s32<1> v) {
   v = v + permute<0x4E>(v);

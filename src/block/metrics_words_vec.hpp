@@ -1,0 +1,94 @@
+/// Vector SADs of 16-bit samples. A vector holds 8 samples of a row in each block, or 4 samples of two rows.
+#pragma once
+
+#include <cstddef>
+
+#include "block/half_pel_px.hpp"
+#include "frame/access.hpp"
+#include "simd/vec.hpp"
+
+namespace mox::vec {
+
+/// The rows of a block of W 16-bit samples, of which a vector takes 8 B columns: W = 16 and B = 1 leave the right half
+/// to a second pass. Blocks of 4 or 8 columns are halved into strips, which lie below each other.
+template <int W, int Blocks>
+class WordRows {
+ public:
+  static constexpr int B = Blocks, kPasses = W == 16 ? 2 / B : 1, kRows = W == 16 ? 1 : 8 * B / W;
+  static_assert(W == 16 || W == 8 || (W == 4 && B == 1));
+
+  WordRows(const Mox16u* block, Mox32s step, int height) : p_(block), step_(step), strip_(step_ * (height / kRows)) {}
+  MOX_INLINE simd::u16<B> at(int dx) const {
+    if constexpr (W == 4) return simd::load8x2<simd::u16, 1>(p_ + dx, strip_, simd::strips<1>(0));
+    if constexpr (W == 8) return simd::load16<simd::u16, B>(p_ + dx, simd::strips<B>(strip_));
+    return simd::load_row<simd::u16, B>(p_ + dx);
+  }
+  void down() { p_ = step_bytes(p_, step_); }
+
+ private:
+  const Mox16u* p_;
+  std::ptrdiff_t step_, strip_;
+};
+
+/// P of one vector of rows after the other. Each call moves rows down by one; a half in y is one row ahead from the
+/// start. The sum of two neighbours saturates at 65535 before the shift, so their mean is 32767 at most.
+template <class R, HalfPel P>
+class SaturatingSampler {
+ public:
+  using Words = simd::u16<R::B>;
+  explicit SaturatingSampler(R& rows) {
+    if constexpr (half_in_y(P)) above_ = row(rows);
+  }
+  MOX_INLINE Words operator()(R& rows) {
+    const Words a = above_, b = row(rows);
+    if constexpr (half_in_y(P)) above_ = b;
+    if constexpr (P == HalfPel::kFH) return mean(a, b);
+    if constexpr (P == HalfPel::kHH) return simd::shr<2>(adds(adds(a, b), simd::splat<simd::u16, R::B>(2)));
+    return b;
+  }
+
+ private:
+  MOX_INLINE static Words mean(Words a, Words b) { return min(avg(a, b), simd::splat<simd::u16, R::B>(0x7FFF)); }
+  /// A row; for HF its half samples, for HH the sums of neighbours.
+  MOX_INLINE static Words row(R& rows) {
+    Words a = rows.at(0);
+    if constexpr (P == HalfPel::kHF) a = mean(a, rows.at(1));
+    if constexpr (P == HalfPel::kHH) a = adds(a, rows.at(1));
+    rows.down();
+    return a;
+  }
+  Words above_;
+};
+
+/// Sums of pairs of magnitudes of the differences a - b, which wrap; -32768 counts 32768.
+template <int B>
+MOX_INLINE simd::s32<B> magnitudes(simd::u16<B> a, simd::u16<B> b) {
+  const auto d = as<simd::s16>(a - b);
+  return madd(d, signed_by(simd::splat<simd::s16, B>(1), d));
+}
+
+/// The SAD in four doublewords a block.
+template <int W, int H, HalfPel P>
+MOX_INLINE auto sad_of_words(const Mox16u* src, Mox32s srcStep, const Mox16u* ref, Mox32s refStep) {
+  using R = WordRows<W, W == 4 ? 1 : simd::kBlocks>;
+  auto sum = simd::zero<simd::s32, R::B>();
+  for (int pass = 0; pass < R::kPasses; ++pass) {
+    R s(src + 8 * pass, srcStep, H), r(ref + 8 * pass, refStep, H);
+    SaturatingSampler<R, P> sample(r);
+    for (int i = 0; i < H / R::kRows; ++i, s.down()) sum = sum + magnitudes(s.at(0), sample(r));
+  }
+  return sum;
+}
+
+/// H rows of 16 samples: sums of columns 0 to 3, 4 to 7, 8 to 11, 12 to 15.
+template <int H>
+MOX_INLINE simd::s32<1> quarter_sums(const Mox16u* src, Mox32s srcStep, const Mox16u* ref, Mox32s refStep) {
+  auto left = simd::zero<simd::s32, 1>(), right = left;
+  for (int y = 0; y < H; ++y, src = step_bytes(src, srcStep), ref = step_bytes(ref, refStep)) {
+    const auto row = [](const Mox16u* p) { return simd::load_row<simd::u16, 1>(p); };
+    left = left + magnitudes(row(src), row(ref)), right = right + magnitudes(row(src + 8), row(ref + 8));
+  }
+  return even32(left, right) + odd32(left, right);
+}
+
+}  // namespace mox::vec
