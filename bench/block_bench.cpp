@@ -59,6 +59,12 @@ const Row kArithmeticRows[] = {
     call(MOX_FN(moxiCopy8x8_8u_C1R), "", kRef, kStep, kDst, kStep),
     call(MOX_FN(moxiCopy16x16_8u_C1R), "", kRef, kStep, kDst, kStep),
     call(MOX_FN(moxiAdd8x8_16s8u_C1IRS), "", kResidual, 16, kDst, kStep),
+    loop(MOX_FN(moxiAdd8x8_16s8u_C1IRS), "four blocks in turn",
+         [](auto* add) {
+           static int block = 0;
+           block = (block + 8) & 31;
+           add(kResidual, 16, kDst + block, kStep);
+         }),
     call(MOX_FN(moxiAddC8x8_16s8u_C1IR), "", Mox16s{3}, kDst, kStep),
     call(MOX_FN(moxiAverage8x8_8u_C1IR), "", kRef, kStep, kDst, kStep),
     call(MOX_FN(moxiAverage16x16_8u_C1IR), "", kRef, kStep, kDst, kStep),
