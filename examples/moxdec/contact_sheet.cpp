@@ -78,6 +78,17 @@ RgbImage small_copy(const Frame& frame, int scale) {
                                             : small_copy_of<std::uint16_t>(frame, scale);
 }
 
+void write_png(const RgbImage& image, const std::string& path) {
+  png_image png{};
+  png.version = PNG_IMAGE_VERSION;
+  png.width = static_cast<png_uint_32>(image.width);
+  png.height = static_cast<png_uint_32>(image.height);
+  png.format = PNG_FORMAT_RGB;
+  if (!png_image_write_to_file(&png, path.c_str(), 0, image.pixels.data(), 0, nullptr)) {
+    throw OutputError(path + ": " + png.message);
+  }
+}
+
 void ContactSheet::write(const Frame& frame, FrameRate) {
   if (frames_++ % stride_ != 0) return;
   const int side = std::max(frame.format().width, frame.format().height);
@@ -90,15 +101,7 @@ void ContactSheet::write(const Frame& frame, FrameRate) {
 
 void ContactSheet::finish() {
   if (copies_.empty()) throw OutputError(path_ + ": there is no frame to show");
-  const RgbImage sheet = arrange(copies_);
-  png_image image{};
-  image.version = PNG_IMAGE_VERSION;
-  image.width = static_cast<png_uint_32>(sheet.width);
-  image.height = static_cast<png_uint_32>(sheet.height);
-  image.format = PNG_FORMAT_RGB;
-  if (!png_image_write_to_file(&image, path_.c_str(), 0, sheet.pixels.data(), 0, nullptr)) {
-    throw OutputError(path_ + ": " + image.message);
-  }
+  write_png(arrange(copies_), path_);
 }
 
 }  // namespace moxdec

@@ -23,6 +23,9 @@ struct RgbImage {
 /// The frame in RGB (BT.601, limited range), each pixel the mean of `scale` x `scale` samples.
 RgbImage small_copy(const Frame& frame, int scale);
 
+/// Throws OutputError.
+void write_png(const RgbImage& image, const std::string& path);
+
 /// Shows the whole stream whatever its length: when there are too many copies, every second one is dropped, and of the
 /// frames that follow half as many are taken.
 class ContactSheet : public FrameWriter {

@@ -1,0 +1,98 @@
+#include "motion_search/y4m.hpp"
+
+#include <algorithm>
+#include <charconv>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+#include "moxdec/error.hpp"
+
+namespace motion_search {
+namespace {
+
+using moxdec::DecodeError;
+using moxdec::Frame;
+using moxdec::require;
+
+constexpr std::string_view kSignature = "YUV4MPEG2";
+constexpr int kMaxSide = 16384;
+
+std::string_view text_of(moxdec::Bytes data) { return {reinterpret_cast<const char*>(data.data()), data.size()}; }
+
+int parse_side(std::string_view text) {
+  int side = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), side);
+  require(error == std::errc{} && end == text.data() + text.size() && side >= 1 && side <= kMaxSide,
+          "Y4M header: sides must be 1 to 16384 samples");
+  return side;
+}
+
+void require_420(std::string_view chroma) {
+  constexpr std::string_view kKinds[] = {"420", "420jpeg", "420mpeg2", "420paldv"};
+  if (std::ranges::find(kKinds, chroma) == std::end(kKinds)) {
+    throw DecodeError("Y4M header: only 8-bit 4:2:0 is supported, not C" + std::string(chroma));
+  }
+}
+
+moxdec::FrameFormat parse_header(std::string_view header) {
+  moxdec::FrameFormat format;
+  header.remove_prefix(kSignature.size());
+  while (!header.empty()) {
+    const std::string_view field = header.substr(0, header.find(' '));
+    header.remove_prefix(std::min(header.size(), field.size() + 1));
+    if (field.empty()) continue;
+    if (field[0] == 'W') format.width = parse_side(field.substr(1));
+    if (field[0] == 'H') format.height = parse_side(field.substr(1));
+    if (field[0] == 'C') require_420(field.substr(1));
+  }
+  require(format.width > 0 && format.height > 0, "Y4M header: no width or no height");
+  return format;
+}
+
+class Y4mReader : public moxdec::Decoder {
+ public:
+  explicit Y4mReader(moxdec::Bytes data) : rest_(text_of(data)), format_(parse_header(take_line())) {}
+
+  std::shared_ptr<const Frame> next() override {
+    if (rest_.empty()) return nullptr;
+    if (!take_line().starts_with("FRAME")) fail("has no header");
+    const int even_width = (format_.width + 1) / 2 * 2, even_height = (format_.height + 1) / 2 * 2;
+    const auto frame = std::make_shared<Frame>(format_, moxdec::FrameLayout{even_width, even_height, 0, 0, 0});
+    for (int plane = 0; plane < 3; ++plane) {
+      for (int y = 0; y < format_.plane_height(plane); ++y) take_row(*frame, plane, y);
+    }
+    ++count_;
+    return frame;
+  }
+
+ private:
+  std::string_view take_line() {
+    const auto end = rest_.find('\n');
+    if (end == std::string_view::npos) throw DecodeError("Y4M: a header line has no end");
+    const std::string_view line = rest_.substr(0, end);
+    rest_.remove_prefix(end + 1);
+    return line;
+  }
+  void take_row(const Frame& frame, int plane, int y) {
+    const auto width = static_cast<std::size_t>(format_.plane_width(plane));
+    if (rest_.size() < width) fail("is cut off");
+    std::memcpy(frame.samples<char>(plane) + std::ptrdiff_t{y} * frame.step(plane), rest_.data(), width);
+    rest_.remove_prefix(width);
+  }
+  [[noreturn]] void fail(const char* what) const {
+    throw DecodeError("Y4M: frame " + std::to_string(count_) + " " + what);
+  }
+
+  std::string_view rest_;
+  moxdec::FrameFormat format_;
+  long long count_ = 0;
+};
+
+}  // namespace
+
+bool is_y4m(moxdec::Bytes data) { return text_of(data).starts_with(kSignature); }
+
+std::unique_ptr<moxdec::Decoder> open_y4m(moxdec::Bytes data) { return std::make_unique<Y4mReader>(data); }
+
+}  // namespace motion_search
