@@ -35,9 +35,13 @@ struct Row {
   std::function<void(const Library&, benchmark::State&)> measure;
 };
 
-/// Times a callable: the counter "ticks" becomes the median batch, per call.
+/// Times a callable that returns a status: the counter "ticks" becomes the median batch, per call.
 template <class Body>
 void measure(benchmark::State& state, Body body) {
+  if (const MoxStatus status = body(); status < moxStsOk) {
+    state.SkipWithError(("status " + std::to_string(status)).c_str());
+    return;
+  }
   std::vector<double> batches;
   for (auto _ : state) {
     const std::uint64_t start = __rdtsc();
@@ -58,15 +62,16 @@ std::string row_name(Symbol<Function> symbol, std::string_view variant) {
 template <class Function, class... Arguments>
 Row call(Symbol<Function> symbol, std::string_view variant, Arguments... arguments) {
   return {row_name(symbol, variant), [=](const Library& library, benchmark::State& state) {
-            measure(state, [=, function = library[symbol]] { function(arguments...); });
+            measure(state, [=, function = library[symbol]] { return function(arguments...); });
           }};
 }
 
-/// A row whose calls need more than that, such as a cursor to put back: `body(function)` makes one call.
+/// A row whose calls need more than that, such as a cursor to put back: `body(function)` makes one call and returns its
+/// status.
 template <class Function, class Body>
 Row loop(Symbol<Function> symbol, std::string_view variant, Body body) {
   return {row_name(symbol, variant), [=](const Library& library, benchmark::State& state) {
-            measure(state, [=, function = library[symbol]] { body(function); });
+            measure(state, [=, function = library[symbol]]() mutable { return body(function); });
           }};
 }
 
@@ -86,6 +91,13 @@ T* buffer(std::size_t count, int low, int high) {
   std::uniform_int_distribution<int> number(low, high);
   std::generate_n(values, count, [&] { return static_cast<T>(number(engine)); });
   return values;
+}
+
+/// The first of the samples of a picture area of 64 x 64, 16 samples away from its edges; rows are kPictureStep apart.
+inline constexpr Mox32s kPictureStep = 64;
+template <class T>
+T* picture(int low, int high) {
+  return buffer<T>(kPictureStep * 64, low, high) + 16 * kPictureStep + 16;
 }
 
 }  // namespace mox::bench

@@ -70,11 +70,17 @@ class Reporter : public benchmark::BenchmarkReporter {
 
   void ReportRuns(const std::vector<Run>& runs) override {
     for (const Run& run : runs) {
-      if (run.run_type == Run::RT_Iteration && !run.error_occurred) {
+      if (run.error_occurred) {
+        failed_ = true;
+        std::printf("%s: %s\n", run.run_name.function_name.c_str(), run.error_message.c_str());
+      } else if (run.run_type == Run::RT_Iteration) {
         note(run.run_name.function_name, run.counters.at("ticks"));
       }
     }
   }
+
+  /// A call has failed, so what was timed was not the function's work.
+  bool failed() const { return failed_; }
 
   void Finalize() override {
     std::erase_if(table(), [](const Line& line) { return !line.measured(); });
@@ -117,6 +123,8 @@ class Reporter : public benchmark::BenchmarkReporter {
     }
     return count ? std::exp(logarithms / count) : 0;
   }
+
+  bool failed_ = false;
 };
 
 }  // namespace
@@ -147,5 +155,5 @@ int main(int argc, char** argv) {
   benchmark::Initialize(&count, arguments.data());
   if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 1;
   mox::bench::Reporter reporter;
-  return benchmark::RunSpecifiedBenchmarks(&reporter) ? 0 : 1;
+  return benchmark::RunSpecifiedBenchmarks(&reporter) > 0 && !reporter.failed() ? 0 : 1;
 }

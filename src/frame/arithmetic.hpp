@@ -11,12 +11,6 @@ namespace mox {
 constexpr Mox32s clip(Mox32s value, Mox32s low, Mox32s high) { return value < low ? low : value > high ? high : value; }
 /// value limited to an 8-bit sample, 0..255.
 constexpr Mox8u clip8(Mox32s value) { return static_cast<Mox8u>(clip(value, 0, 255)); }
-/// Largest sample of a bit depth, 8 to 16.
-constexpr Mox32s sample_max(Mox32s depth) { return (1 << depth) - 1; }
-/// value limited to a sample of `depth` bits.
-constexpr Mox16u clip_depth(Mox32s value, Mox32s depth) {
-  return static_cast<Mox16u>(clip(value, 0, sample_max(depth)));
-}
 
 /// value limited to -32768..32767.
 constexpr Mox16s sat16(Mox32s value) { return static_cast<Mox16s>(clip(value, -32768, 32767)); }
@@ -41,6 +35,13 @@ constexpr Mox32s mul32(Mox32s a, Mox32s b) {
   return static_cast<Mox32s>(static_cast<Mox32u>(a) * static_cast<Mox32u>(b));
 }
 constexpr Mox32s shl32(Mox32s a, int n) { return static_cast<Mox32s>(static_cast<Mox32u>(a) << n); }
+
+/// Largest sample of a bit depth. Callers' depths are not tested: taken modulo 32, any of them gives some limit.
+constexpr Mox32s sample_max(Mox32s depth) { return sub32(shl32(1, depth & 31), 1); }
+/// value limited to a sample of `depth` bits.
+constexpr Mox16u clip_depth(Mox32s value, Mox32s depth) {
+  return static_cast<Mox16u>(clip(value, 0, sample_max(depth)));
+}
 
 /// Mean of two, halves upwards or downwards.
 constexpr Mox32s avg_up(Mox32s a, Mox32s b) { return (a + b + 1) >> 1; }

@@ -23,13 +23,13 @@ MoxStatus filter_record(const MoxiDeblockParams& r) {
 template <EdgeForm kForm>
 MoxStatus filter_record(const MoxiDeblockParams_16u& r) {
   return active::filter_block<kForm, active::filter_edge<kForm, Mox16u>>(
-      r.pSrcDstPlane, r.srcDstStep, r.pAlpha, r.pBeta, r.pThresholds, r.pBs, active::largest_sample(r.bitDepth));
+      r.pSrcDstPlane, r.srcDstStep, r.pAlpha, r.pBeta, r.pThresholds, r.pBs, sample_max(r.bitDepth));
 }
 
 template <EdgeForm kForm>
 MoxStatus filter_single(const MoxiDeblockParams_16u& r) {
   return active::filter_single_edge<kForm>(r.pSrcDstPlane, r.srcDstStep, *r.pAlpha, *r.pBeta, r.pThresholds, r.pBs,
-                                           active::largest_sample(r.bitDepth));
+                                           sample_max(r.bitDepth));
 }
 
 }  // namespace

@@ -132,9 +132,6 @@ void strong_side(Side<T> side, const Old<kLuma>& a, const Old<kLuma>& b, Mox32u 
   side[0] = static_cast<T>((2 * a[1] + a[0] + b[1] + 2) >> 2);
 }
 
-/// The largest sample of a bit depth. Callers' depths are not tested: any of them gives some limit.
-constexpr Mox32s largest_sample(Mox32s depth) { return sub32(shl32(1, depth & 31), 1); }
-
 /// Filters the line whose q0 is at `q0`. max is the largest sample.
 template <bool kLuma, class T>
 void filter_line(T* q0, std::ptrdiff_t across, Mox32u alpha, Mox32u beta, Mox32s tc0, bool strong, Mox32s max) {

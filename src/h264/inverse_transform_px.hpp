@@ -266,4 +266,49 @@ inline MoxStatus residual_8x8_add_32s(const Mox16u* pPred, Mox32s predStep, cons
   return moxStsOk;
 }
 
+// ---- SP and SI blocks: prediction and residual are added in the transform domain and quantised again. ----
+
+/// t quantised with the multiplier `forward` and back with `inverse`: sign(t) * (((|t| * forward + half) >> shift) *
+/// inverse). Products wrap.
+constexpr Mox32s requantise(Mox32s t, Mox32s forward, int shift, Mox32s inverse) {
+  const Mox32s magnitude = t > 0 ? t : sub32(0, t);
+  const Mox32s value = mul32(add32(mul32(magnitude, forward), 1 << (shift - 1)) >> shift, inverse);
+  return t > 0 ? value : sub32(0, value);
+}
+
+inline MoxStatus dequant_transform_residual_sisp(Mox16s* pSrcDst, const Mox16s* pPredictCoef, const Mox16s* pDC,
+                                                 Mox32s ac, Mox32s qp, Mox32s qs, Mox32s switchFlag) {
+  const auto& dequant = InvQuantTable[switchFlag ? qs : qp];
+  const int shift = h264_qp6[qs] + 15;
+  Mox16s block[16];
+  for (int i = 0; i < 16; ++i) {
+    const int position_class = QuantIndex[i];
+    const bool coded = ac || i == 0;
+    const Mox32s residual = coded ? mul32(pSrcDst[i] * dequant[position_class], MATR[i]) >> 6 : 0;
+    block[i] = wrap16(requantise(add32(residual, pPredictCoef[i]), QuantCoef[h264_qp_rem[qs]][i], shift,
+                                 InvQuantTable[qs][position_class]));
+  }
+  if (pDC) block[0] = *pDC;
+  inverse_4x4<Wrap16>(block);
+  std::transform(block, block + 16, pSrcDst, [](Mox16s value) { return Mox16s{clip8(value)}; });
+  return moxStsOk;
+}
+
+inline MoxStatus dequant_transform_chroma_dc_sisp(Mox16s* pSrcDst, const Mox16s* pDCPredict, Mox32s qp, Mox32s qs,
+                                                  Mox32s switchFlag) {
+  const Mox32s dequant = InvQuantTable[switchFlag ? qs : qp][0];
+  const int shift = h264_qp6[qs] + 16;
+  Mox16s prediction[4];
+  std::copy_n(pDCPredict, 4, prediction);
+  hadamard_2x2<Wrap16>(prediction);
+  Mox32s sums[4];  // of four 16-bit values: 18 bits, cut to 16 when they are stored
+  for (int i = 0; i < 4; ++i) {
+    const Mox32s t = prediction[i] + (pSrcDst[i] * dequant >> 1);
+    sums[i] = wrap16(requantise(t, QuantCoef[h264_qp_rem[qs]][0], shift, InvQuantTable[qs][0]));
+  }
+  hadamard_2x2<Wrap32>(sums);
+  for (int i = 0; i < 4; ++i) pSrcDst[i] = wrap16(sums[i] >> 1);
+  return moxStsOk;
+}
+
 }  // namespace mox::px

@@ -108,6 +108,8 @@ inline constexpr auto InvQuantLuma16x16DCTable = make_table<52>([]<std::size_t Q
   const int bare = kInvMultiplier4x4[h264_qp_rem[Qp]][0];
   return bare << std::max(h264_qp6[Qp] - 2, 0);
 });
+/// The shift to the right that goes with an entry of InvQuantLuma16x16DCTable.
+constexpr Mox32s luma_dc_shift(Mox32s qp) { return qp < 6 ? 2 : qp < 12 ? 1 : 0; }
 static_assert(InvQuantTable[51] == std::array<Mox32s, 3>{3584, 5888, 4608} && InvQuantTable[47][1] == 3712);
 static_assert(InvQuantTable_16s[51][5] == 5888 && InvQuantTable_16s[0] == InvQuantTable_def[0]);
 static_assert(InvQuantLuma16x16DCTable[5] == 18 && InvQuantLuma16x16DCTable[11] == 18 &&

@@ -75,15 +75,16 @@ constexpr void inverse_8x8(typename P::Value* block) {
   for (int x = 0; x < 8; ++x) inverse_8<P>(block + x, 8);
 }
 
-/// H4 * x for four values that lie `stride` apart; the rows of H4 have 0, 1, 2 and 3 changes of sign.
-template <class P>
-constexpr void hadamard_4(typename P::Value* x, std::ptrdiff_t stride) {
-  const auto a = P::add(x[0], x[3 * stride]), d = P::sub(x[0], x[3 * stride]);
-  const auto b = P::add(x[stride], x[2 * stride]), c = P::sub(x[stride], x[2 * stride]);
-  x[0] = P::add(a, b);
-  x[stride] = P::add(d, c);
-  x[2 * stride] = P::sub(a, b);
-  x[3 * stride] = P::sub(d, c);
+/// H4 * x for four values that lie `stride` apart; the rows of H4 have 0, 1, 2 and 3 changes of sign. Pair rules the
+/// sums and differences of two values, Sum what is made of those.
+template <class Pair, class Sum = Pair>
+constexpr void hadamard_4(typename Pair::Value* x, std::ptrdiff_t stride) {
+  const auto a = Pair::add(x[0], x[3 * stride]), d = Pair::sub(x[0], x[3 * stride]);
+  const auto b = Pair::add(x[stride], x[2 * stride]), c = Pair::sub(x[stride], x[2 * stride]);
+  x[0] = Sum::add(a, b);
+  x[stride] = Sum::add(d, c);
+  x[2 * stride] = Sum::sub(a, b);
+  x[3 * stride] = Sum::sub(d, c);
 }
 
 /// H4 * M * H4 of a 4x4 block, columns first.
@@ -102,15 +103,16 @@ constexpr void hadamard_2x2(typename P::Value* block) {
   block[2] = P::sub(a, c), block[3] = P::sub(b, d);
 }
 
-/// H4 * M * H2 of four rows of two. Pair rules the sum and the difference of each row, Sum what is made of those.
+/// H4 * M * H2 of four rows of two, columns first. Pair rules the first sums and differences of the columns, Sum what
+/// is made of those.
 template <class Pair, class Sum>
 constexpr void hadamard_2x4(typename Pair::Value* block) {
+  for (int x = 0; x < 2; ++x) hadamard_4<Pair, Sum>(block + x, 2);
   for (int y = 0; y < 4; ++y) {
     typename Pair::Value* row = block + 2 * y;
-    const auto sum = Pair::add(row[0], row[1]), difference = Pair::sub(row[0], row[1]);
+    const auto sum = Sum::add(row[0], row[1]), difference = Sum::sub(row[0], row[1]);
     row[0] = sum, row[1] = difference;
   }
-  for (int x = 0; x < 2; ++x) hadamard_4<Sum>(block + x, 2);
 }
 
 /// How a product of coefficient and scale becomes a dequantised value: a rounded shift to the right, or one to the

@@ -65,7 +65,9 @@ TEST(WordCursor, CountsZeros) {
         MoxWordCursor at{stream.word, stream.offset};
         const int counted = read_zeros(at, most);
         ASSERT_EQ(std::min(counted, most + 1), std::min(zeros, most + 1)) << offset;
-        if (zeros <= most) ASSERT_EQ((at.word - stream.word) * 32 + offset - at.offset, zeros + 1) << offset;
+        if (zeros <= most) {
+          ASSERT_EQ((at.word - stream.word) * 32 + offset - at.offset, zeros + 1) << offset;
+        }
       }
     }
     // Gives up before it leaves the second word.

@@ -1,8 +1,8 @@
 /// Hand-made streams of raw pictures, each in one shade: display order, picture boundaries, parameter sets, and one
 /// error message for each thing that can be wrong or is not supported.
-#include <functional>
-
 #include "moxdec/decoding.hpp"
+#include "moxdec/h264/nal.hpp"
+#include "moxdec/h264/parameter_sets.hpp"
 #include "moxdec/stream_builder.hpp"
 
 namespace mox::test {
@@ -159,6 +159,41 @@ TEST(ParameterSets, UsabilityInformation) {
   EXPECT_EQ(decoder->frame_rate().denominator, 2002u);
 }
 
+/// Parts that are read over, each followed by a value that shows where reading went on.
+TEST(ParameterSets, PartsWithoutUse) {
+  const auto reader_of = [](const BitWriter& w, moxdec::h264::Rbsp& payload) {
+    payload.assign(w.payload());
+    return payload.reader();
+  };
+  moxdec::h264::Rbsp payload;
+  // Slice groups of each kind, the number of groups and what it takes.
+  const std::pair<int, BitWriter> kGroups[] = {
+      {3, BitWriter().ue(0).ue(5).ue(600).ue(1)},
+      {2, BitWriter().ue(1)},
+      {3, BitWriter().ue(2).ue(1).ue(2).ue(3).ue(4)},
+      {2, BitWriter().ue(4).u(1, 1).ue(9)},
+      {2, BitWriter().ue(6).ue(6).u(7, 0x55)},
+      {3, BitWriter().ue(6).ue(6).u(14, 0x1555)},
+      {8, BitWriter().ue(6).ue(20).u(31, 0x2AAAAAAA).u(32, 7)},
+  };
+  for (const auto& [groups, fields] : kGroups) {
+    BitWriter w;
+    w.ue(0).ue(0).u(2, 0).ue(groups - 1).append(fields).ue(0).ue(0).u(3, 0).se(7).se(0).se(0).u(3, 0);
+    moxdec::h264::BitReader bits = reader_of(w, payload);
+    EXPECT_EQ(parse_pps(bits, {}).init_qp, 33) << groups;
+  }
+  // Scaling lists: none, one that ends at its fourth value, one of 64 values, a whole one of 16.
+  BitWriter w;
+  w.u(8, 100).u(8, 0).u(8, 30).ue(0).ue(1).ue(0).ue(0).u(1, 0).u(1, 1);
+  w.u(2, 1).se(2).se(-1).se(0).se(-9).u(4, 1);
+  for (int i = 0; i < 16; ++i) w.se(i % 3 - 1);
+  w.u(1, 0).u(1, 1);
+  for (int i = 0; i < 64; ++i) w.se(i % 5 - 2);
+  w.ue(0).ue(2).ue(1).u(1, 0).ue(6).ue(0).u(1, 1).u(1, 1).u(2, 0);
+  moxdec::h264::BitReader bits = reader_of(w, payload);
+  EXPECT_EQ(moxdec::h264::parse_sps(bits).mb_width, 7);
+}
+
 TEST(Slices, RedundantOnesAreLeftOut) {
   StreamBuilder b;
   SliceFields primary = kIdr, redundant = kIdr;
@@ -220,6 +255,8 @@ TEST(Errors, NameWhatIsWrong) {
            Case{with_sets({.mb_width = 2}, plain), "picture at byte 23: 1 of 2 macroblocks are missing"},
            Case{StreamBuilder().sps().pps().raw_slice(kIdr, {1, 1}), "data go on behind the last macroblock"},
            Case{StreamBuilder().sps().pps().nal(5, 1, StreamBuilder::slice_header(kIdr).ue(25)), "data end too early"},
+           Case{StreamBuilder().sps().pps().nal(5, 1, BitWriter().ue(0).ue(7)), "data end too early"},
+           Case{macroblock({15, 0, 0}), "data end too early"},  // luma coefficients
            Case{StreamBuilder().sps().pps(), "no picture found"},
            Case{macroblock({26}), "macroblock 0: mb_type is out of range"},
            Case{macroblock({3, 4}), "intra_chroma_pred_mode is out of range"},

@@ -21,6 +21,10 @@ class BitWriter {
     return u(length, 0).u(length + 1, value + 1);
   }
   BitWriter& se(int value) { return ue(value > 0 ? 2u * value - 1 : 2u * -value); }
+  BitWriter& append(const BitWriter& other) {
+    bits_.insert(bits_.end(), other.bits_.begin(), other.bits_.end());
+    return *this;
+  }
   BitWriter& align() { return u((8 - static_cast<int>(bits_.size() % 8)) % 8, 0); }
   /// The bytes with a stop bit behind the last bit.
   Stream payload() const {

@@ -94,6 +94,44 @@ TEST(Y4m, IsTheRawPlanesWithHeaders) {
   std::remove(path.c_str());
 }
 
+/// Formats that no bundled stream has: what is shown lies at an odd place of the coded size.
+TEST(Y4m, OtherFormats) {
+  struct Case {
+    moxdec::FrameFormat format;
+    const char* name;
+    std::size_t bytes;
+  };
+  for (const Case& c :
+       {Case{{6, 4, moxdec::Chroma::k422, 8}, "422", 48}, Case{{8, 2, moxdec::Chroma::k411, 8}, "411", 24},
+        Case{{6, 4, moxdec::Chroma::k420, 10}, "420p10", 72}, Case{{7, 3, moxdec::Chroma::k422, 12}, "422p12", 90}}) {
+    const moxdec::Frame frame(c.format, {32, 32, 8, 2, 16});
+    std::vector<std::uint8_t> expected;
+    for (int plane = 0; plane < 3; ++plane) {
+      const int bytes = c.format.plane_width(plane) * c.format.sample_bytes();
+      const int left = 8 * c.format.sample_bytes() >> (plane ? moxdec::chroma_shift_x(c.format.chroma) : 0);
+      const int top = 2 >> (plane ? moxdec::chroma_shift_y(c.format.chroma) : 0);
+      for (int y = 0; y < c.format.plane_height(plane); ++y) {
+        auto* row = frame.samples<std::uint8_t>(plane) + (top + y) * frame.step(plane) + left;
+        for (int x = 0; x < bytes; ++x) expected.push_back(row[x] = static_cast<std::uint8_t>(50 * plane + 10 * y + x));
+      }
+    }
+    EXPECT_EQ(expected.size(), c.bytes);
+    const std::string path = output_path("format.y4m");
+    const auto writer = moxdec::open_writer(path);
+    writer->write(frame, {30000, 1001});
+    const moxdec::Frame other({2, 2, c.format.chroma, 8}, {16, 16, 0, 0, 0});
+    EXPECT_THROW(writer->write(other, {}), moxdec::OutputError);
+    writer->finish();
+    const auto bytes = read_file(path);
+    std::remove(path.c_str());
+    const std::string size = " W" + std::to_string(c.format.width) + " H" + std::to_string(c.format.height);
+    const std::string header = "YUV4MPEG2" + size + " F30000:1001 Ip A0:0 C" + c.name + "\nFRAME\n";
+    EXPECT_EQ(std::string(bytes.begin(), bytes.begin() + std::min(std::ssize(header), std::ssize(bytes))), header);
+    EXPECT_TRUE(std::equal(bytes.begin() + std::ssize(header), bytes.end(), expected.begin(), expected.end()))
+        << c.name;
+  }
+}
+
 struct Png {
   int width = 0, height = 0;
   std::vector<std::uint8_t> pixels;
@@ -153,6 +191,23 @@ TEST(ContactSheet, ShowsTheFrames) {
         EXPECT_NEAR(pixel[channel], expected[static_cast<std::size_t>(channel)], 1) << c.file << " frame " << frame;
       }
     }
+  }
+}
+
+TEST(ContactSheet, DeepSamplesLookTheSame) {
+  const moxdec::Frame shallow({8, 4, moxdec::Chroma::k422, 8}, {16, 16, 0, 0, 0});
+  const moxdec::Frame deep({8, 4, moxdec::Chroma::k422, 10}, {16, 16, 0, 0, 0});
+  Random random;
+  for (int plane = 0; plane < 3; ++plane) {
+    for (int i = 0; i < shallow.step(plane) * 4; ++i) {
+      const int value = random(16, 235), x = i % shallow.step(plane), y = i / shallow.step(plane);
+      shallow.samples<std::uint8_t>(plane)[i] = static_cast<std::uint8_t>(value);
+      if (x < 16)
+        deep.samples<std::uint16_t>(plane)[y * deep.step(plane) / 2 + x] = static_cast<std::uint16_t>(4 * value);
+    }
+  }
+  for (const int scale : {1, 2}) {
+    EXPECT_EQ(moxdec::small_copy(deep, scale).pixels, moxdec::small_copy(shallow, scale).pixels) << scale;
   }
 }
 

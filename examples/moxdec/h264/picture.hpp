@@ -13,9 +13,6 @@ namespace moxdec::h264 {
 
 enum class MbKind : std::uint8_t { kIntra4x4, kIntra16x16, kRaw };
 
-/// Every kind so far; inter kinds come behind the last intra one.
-constexpr bool is_intra(MbKind kind) { return kind <= MbKind::kRaw; }
-
 /// What stays of a macroblock once it is rebuilt. One cache line. Blocks are in raster order.
 struct alignas(64) MbInfo {
   std::int32_t slice = -1;  // index into Picture::slices; -1 if the macroblock is still to come
