@@ -1,5 +1,6 @@
-/// Constant tables of H.264 decoding besides the code tables: coded block patterns, scans, quantisers, thresholds of
-/// the deblocking filter (ITU-T H.264 tables 8-15 to 8-17 and 9-4, 6.4.3 and 8.5.6).
+/// Constant tables of H.264 decoding besides the code tables: macroblock types, coded block patterns, scans,
+/// quantisers, thresholds of the deblocking filter (ITU-T H.264 tables 7-13 to 7-18, 8-15 to 8-17 and 9-4, 6.4.3
+/// and 8.5.6).
 #pragma once
 
 #include <array>
@@ -16,6 +17,41 @@ inline constexpr std::array<std::uint8_t, 48> kCbpIntra = {
 inline constexpr std::array<std::uint8_t, 48> kCbpInter = {
     0,  16, 1,  2,  4,  8,  32, 3,  5,  10, 12, 15, 47, 7,  11, 13, 14, 6,  9,  31, 35, 37, 42, 44,
     33, 34, 36, 40, 39, 43, 45, 46, 17, 18, 20, 24, 19, 21, 26, 28, 23, 27, 29, 30, 22, 25, 38, 41};
+
+/// How a macroblock or a quadrant is split for inter prediction: bit 0 into an upper and a lower half, bit 1 into a
+/// left and a right one.
+enum class Split : std::uint8_t { kNone, kRows, kColumns, kQuarters };
+
+/// A type of B macroblocks or of their quadrants. `lists` tells which reference lists each half uses: bit 0 list 0, bit
+/// 1 list 1; 0 for direct prediction. With kQuarters in a macroblock each quadrant has a type of its own.
+struct InterType {
+  Split split;
+  std::array<std::uint8_t, 2> lists;
+};
+inline constexpr std::array<InterType, 23> kMbTypesB = {{
+    {Split::kNone, {0, 0}}, {Split::kNone, {1, 1}},    {Split::kNone, {2, 2}}, {Split::kNone, {3, 3}},
+    {Split::kRows, {1, 1}}, {Split::kColumns, {1, 1}}, {Split::kRows, {2, 2}}, {Split::kColumns, {2, 2}},
+    {Split::kRows, {1, 2}}, {Split::kColumns, {1, 2}}, {Split::kRows, {2, 1}}, {Split::kColumns, {2, 1}},
+    {Split::kRows, {1, 3}}, {Split::kColumns, {1, 3}}, {Split::kRows, {2, 3}}, {Split::kColumns, {2, 3}},
+    {Split::kRows, {3, 1}}, {Split::kColumns, {3, 1}}, {Split::kRows, {3, 2}}, {Split::kColumns, {3, 2}},
+    {Split::kRows, {3, 3}}, {Split::kColumns, {3, 3}}, {Split::kQuarters, {}},
+}};
+/// All parts of a quadrant use the same lists.
+inline constexpr std::array<InterType, 13> kQuadrantTypesB = {{
+    {Split::kNone, {0, 0}},
+    {Split::kNone, {1, 1}},
+    {Split::kNone, {2, 2}},
+    {Split::kNone, {3, 3}},
+    {Split::kRows, {1, 1}},
+    {Split::kColumns, {1, 1}},
+    {Split::kRows, {2, 2}},
+    {Split::kColumns, {2, 2}},
+    {Split::kRows, {3, 3}},
+    {Split::kColumns, {3, 3}},
+    {Split::kQuarters, {1, 1}},
+    {Split::kQuarters, {2, 2}},
+    {Split::kQuarters, {3, 3}},
+}};
 
 /// Raster position of each 4x4 scan index.
 inline constexpr std::array<std::uint8_t, 16> kZigzag4x4 = {0, 1, 4, 8, 5, 2, 3, 6, 9, 12, 13, 10, 7, 11, 14, 15};

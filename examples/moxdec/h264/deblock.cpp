@@ -2,29 +2,12 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 
 #include "common/h264_tables.hpp"
+#include "moxdec/h264/strengths.hpp"
 
 namespace moxdec::h264 {
 namespace {
-
-/// The strengths of the four edges in one direction, outer edge first: [4 * edge + line / 4].
-using Strengths = std::array<std::uint8_t, 16>;
-
-constexpr Strengths intra_strengths(bool outer) {
-  Strengths strengths;
-  for (int i = 0; i < 16; ++i) strengths[i] = i >= 4 ? 3 : outer ? 4 : 0;
-  return strengths;
-}
-constexpr std::array<Strengths, 2> kIntraStrengths = {intra_strengths(false), intra_strengths(true)};
-
-/// The strengths between a macroblock and `outer`, its neighbour at the left or the top (null: not to be filtered), and
-/// inside of it. Inter macroblocks will get theirs here from coefficients, references and vectors.
-const Strengths& edge_strengths(const MbInfo& mb, const MbInfo* outer) {
-  static_cast<void>(mb);
-  return kIntraStrengths[outer ? 1 : 0];
-}
 
 /// What the library takes for the edges of one direction of one plane: [0] outer edge, [1] inner edges, and tc0 for
 /// each strength in use.
@@ -69,20 +52,22 @@ constexpr int mean(int a, int b) { return (a + b + 1) >> 1; }
 
 /// The two directions differ in the neighbour and in the functions.
 struct Direction {
+  EdgeDirection edges;
   using Filter = MoxStatus (*)(Mox8u*, Mox32s, const Mox8u*, const Mox8u*, const Mox8u*, const Mox8u*);
   Filter luma;
   Filter chroma;
 };
-constexpr Direction kVertical = {moxiFilterDeblockingLuma_VerEdge_H264_8u_C1IR,
+constexpr Direction kVertical = {EdgeDirection::kVertical, moxiFilterDeblockingLuma_VerEdge_H264_8u_C1IR,
                                  moxiFilterDeblockingChroma_VerEdge_H264_8u_C1IR};
-constexpr Direction kHorizontal = {moxiFilterDeblockingLuma_HorEdge_H264_8u_C1IR,
+constexpr Direction kHorizontal = {EdgeDirection::kHorizontal, moxiFilterDeblockingLuma_HorEdge_H264_8u_C1IR,
                                    moxiFilterDeblockingChroma_HorEdge_H264_8u_C1IR};
 
 /// Filters the edges of one direction in all planes. `outer` is null if the outer edge stays as it is.
 void filter_edges(const Picture& picture, int x, int y, const MbInfo& mb, const MbInfo* outer,
                   const Direction& direction) {
   const Slice& slice = picture.slices[static_cast<std::size_t>(mb.slice)];
-  const Strengths& strengths = edge_strengths(mb, outer);
+  Strengths strengths;
+  if (!find_strengths(picture, mb, outer, direction.edges, strengths)) return;
   const int outer_qp = outer ? outer->qp : mb.qp;
   const Thresholds luma = find_thresholds(slice.header, mean(outer_qp, mb.qp), mb.qp, strengths, 1);
   if (!luma.all_zero()) {

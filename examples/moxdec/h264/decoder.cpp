@@ -42,6 +42,7 @@ class H264Decoder : public Decoder {
       advance();
     }
   }
+  void expand_references() override { picture_.set_outside(OutsideSamples::kExpanded); }
   FrameRate frame_rate() const override { return sps_ ? sps_->frame_rate : FrameRate{}; }
 
  private:
@@ -59,8 +60,6 @@ class H264Decoder : public Decoder {
   PictureDecoder picture_;
   SliceHeader latest_;  // slice of the picture in work
   std::size_t picture_position_ = 0;
-  int picture_order_ = 0;
-  PictureOrder order_;
   OutputQueue output_;
   std::exception_ptr error_;
   bool at_end_ = false;
@@ -125,7 +124,6 @@ void H264Decoder::begin_picture(const SliceHeader& slice, std::size_t position) 
     require(!sps_ || slice.idr, "the sequence parameter set changes without an IDR picture");
     sps_ = slice.sps;
   }
-  picture_order_ = order_.next(slice).frame();
   picture_position_ = position;
   if (slice.idr || slice.resets_order) output_.flush();
   output_.set_window(sps_->reorder_frames);
@@ -138,7 +136,7 @@ void H264Decoder::begin_picture(const SliceHeader& slice, std::size_t position) 
 
 void H264Decoder::finish_picture() {
   if (!picture_.in_work()) return;
-  located("picture", picture_position_, [&] { output_.add(picture_.finish(), picture_order_); });
+  located("picture", picture_position_, [&] { output_.add(picture_.finish(), picture_.order()); });
 }
 
 /// A start code at once, then only units with whole headers, and a sequence parameter set before the first slice.

@@ -8,7 +8,9 @@
 namespace moxdec::h264 {
 namespace {
 
+/// mb_type of raw samples in I slices; in other slices the types of inter macroblocks come first.
 constexpr int kRawType = 25;
+constexpr int kInterTypes[] = {0, 5, 23};  // by the number of reference lists
 
 /// The coefficient counts that a plane's first column and first row of blocks see across the macroblock's edge.
 template <int Columns, int Rows>
@@ -56,6 +58,14 @@ struct ModeBorder {
   }
 };
 
+/// The neighbours that constrained intra prediction may use.
+Neighbours without_inter(Neighbours neighbours) {
+  for (const MbInfo** mb : {&neighbours.left, &neighbours.top, &neighbours.top_left, &neighbours.top_right}) {
+    if (*mb && is_inter(**mb)) *mb = nullptr;
+  }
+  return neighbours;
+}
+
 Mox32u denied_neighbours(const Neighbours& neighbours) {
   return (neighbours.left ? 0 : kDenyLeft) | (neighbours.top ? 0 : kDenyTop) |
          (neighbours.top_left ? 0 : kDenyTopLeft) | (neighbours.top_right ? 0 : kDenyTopRight);
@@ -68,14 +78,24 @@ const std::uint8_t* chroma_counts(const MbInfo* mb, int plane) {
 
 }  // namespace
 
-void MacroblockReader::read_intra(Macroblock& mb, MbInfo& info, const Neighbours& neighbours) {
-  const int type = bits_.ue(kRawType, "mb_type");
-  if (type == kRawType) return read_raw(mb, info);
-  mb.denied = denied_neighbours(neighbours);
+void MacroblockReader::read(Macroblock& mb, std::int32_t slice_index) {
+  MbInfo& info = picture_.at(mb.x, mb.y);
+  const Neighbours neighbours = picture_.neighbours(mb.x, mb.y, slice_index);
+  const int inter_types = kInterTypes[list_count(slice_.type)];
+  const int type = bits_.ue(static_cast<Mox32u>(inter_types + kRawType), "mb_type");
   mb.coded = 0;
+  info.coded_blocks = 0;
+  if (type < inter_types) return read_inter(mb, info, neighbours, type);
+  picture_.motion[mb.y * picture_.mb_width + mb.x] = kNoMotion;
+  info.motion_edges = 0;
+  read_intra(mb, info, neighbours, type - inter_types);
+}
+
+void MacroblockReader::read_intra(Macroblock& mb, MbInfo& info, const Neighbours& all, int type) {
+  if (type == kRawType) return read_raw(mb, info);
+  const Neighbours neighbours = slice_.pps->constrained_intra ? without_inter(all) : all;
+  mb.denied = denied_neighbours(neighbours);
   info.intra_modes.fill(kPlainMode);
-  info.luma_counts.fill(0);
-  for (auto& counts : info.chroma_counts) counts.fill(0);
 
   info.kind = mb.kind = type == 0 ? MbKind::kIntra4x4 : MbKind::kIntra16x16;
   if (mb.kind == MbKind::kIntra4x4) read_intra_modes(mb, info, neighbours);
@@ -87,6 +107,12 @@ void MacroblockReader::read_intra(Macroblock& mb, MbInfo& info, const Neighbours
     mb.intra_16x16_mode = static_cast<Mox32u>((type - 1) % 4);
     pattern = (type - 1) / 4 % 3 << 4 | (type > 12 ? 15 : 0);
   }
+  read_residual(mb, info, all, pattern);
+}
+
+void MacroblockReader::read_residual(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int pattern) {
+  info.luma_counts.fill(0);
+  for (auto& counts : info.chroma_counts) counts.fill(0);
   if (pattern != 0 || mb.kind == MbKind::kIntra16x16) {
     read_qp_delta();
     Mox16s* out = mb.coefficients.data();
@@ -136,7 +162,9 @@ void MacroblockReader::read_luma(Macroblock& mb, MbInfo& info, const Neighbours&
     const int raster = example::kBlockRaster[i];
     const int count = tables_.read_block(bits_, out, border.expected(counts, raster % 4, raster / 4), max);
     counts[raster] = static_cast<std::uint8_t>(count);
-    if (count > 0) mb.coded |= coded_luma(i);
+    if (count == 0) continue;
+    mb.coded |= coded_luma(i);
+    info.coded_blocks = static_cast<std::uint16_t>(info.coded_blocks | 1 << raster);
   }
 }
 

@@ -4,8 +4,11 @@
 #include <array>
 #include <cstdint>
 
+#include "common/h264_tables.hpp"
 #include "moxdec/h264/cavlc.hpp"
+#include "moxdec/h264/direct.hpp"
 #include "moxdec/h264/picture.hpp"
+#include "moxdec/h264/references.hpp"
 
 namespace moxdec::h264 {
 
@@ -17,6 +20,8 @@ constexpr Mox32u coded_chroma_ac(int plane, int block) { return 1u << (19 + 4 * 
 
 /// Bits of `Macroblock::denied`, in the library's order: neighbours that intra prediction may not use.
 inline constexpr Mox32u kDenyLeft = 1, kDenyTop = 4, kDenyTopLeft = 16, kDenyTopRight = 32;
+
+using example::Split;
 
 /// A macroblock as it came from the stream, ready to be rebuilt.
 struct Macroblock {
@@ -30,31 +35,70 @@ struct Macroblock {
   std::array<Mox32u, 16> intra_modes;  // in coding order
   Mox32u intra_16x16_mode = 0;
   Mox32u chroma_mode = 0;
+  Split split = Split::kNone;  // inter macroblocks; with kQuarters each quadrant is split on its own
+  std::array<Split, 4> quarter_splits;
   Mox32u coded = 0;
   /// Packed: blocks of 16 values (chroma DC: 4) in the order luma DC, luma, chroma DC, chroma AC.
   alignas(64) std::array<Mox16s, 16 + 16 * 16 + 2 * 4 + 8 * 16> coefficients;
   std::array<std::uint8_t, kRawBytes> raw;
 };
 
+/// What inter prediction needs to know of a slice.
+struct InterSlice {
+  ReferenceLists lists;
+  DirectPredictor direct;
+};
+
 /// Reads the macroblocks of one slice.
 class MacroblockReader {
  public:
-  MacroblockReader(BitReader& bits, const CavlcTables& tables, const SliceHeader& slice)
-      : bits_(bits), tables_(tables), qp_(slice.qp) {}
+  MacroblockReader(BitReader& bits, const CavlcTables& tables, const SliceHeader& slice, const InterSlice& inter,
+                   Picture& picture)
+      : bits_(bits), tables_(tables), slice_(slice), inter_(inter), picture_(picture), qp_(slice.qp) {}
 
-  /// Reads an intra macroblock. `info` gets all but the slice. Throws DecodeError.
-  void read_intra(Macroblock& mb, MbInfo& info, const Neighbours& neighbours);
+  /// Reads a macroblock, whose position and slice are set. Its place in the picture gets all but the slice. Throws
+  /// DecodeError.
+  void read(Macroblock& mb, std::int32_t slice_index);
+  /// Derives a macroblock of which the slice only says that it is skipped.
+  void skip(Macroblock& mb, std::int32_t slice_index);
 
  private:
+  struct Part {
+    BlockRect rect;
+    std::uint8_t lists;  // bit 0, bit 1; 0 for direct prediction
+    Split split = Split::kNone;
+  };
+  struct Parts {
+    std::array<Part, 4> part;
+    int count = 0;
+    bool first_references = false;  // all are 0 and not written
+  };
+
+  void read_intra(Macroblock& mb, MbInfo& info, const Neighbours& all, int type);
   void read_raw(Macroblock& mb, MbInfo& info);
   void read_intra_modes(Macroblock& mb, MbInfo& info, const Neighbours& neighbours);
   void read_qp_delta();
+  void read_residual(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int pattern);
   void read_luma(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int quarters, Mox16s** out);
   void read_chroma(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int part, Mox16s** out);
 
+  void read_inter(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int type);
+  void begin_inter(Macroblock& mb, MbInfo& info, const Neighbours& neighbours);
+  void finish_inter(Macroblock& mb, MbInfo& info);
+  Parts read_parts_p(Macroblock& mb, int type);
+  Parts read_parts_b(Macroblock& mb, int type);
+  void derive_direct(Macroblock& mb);
+  void read_motion(const Parts& parts, bool halves);
+  int read_reference(int list);
+  void read_vectors(int list, const Part& part, bool halves);
+
   BitReader& bits_;
   const CavlcTables& tables_;
-  int qp_;  // of the macroblock before
+  const SliceHeader& slice_;
+  const InterSlice& inter_;
+  Picture& picture_;
+  std::array<MotionWindow, 2> windows_;  // by list
+  int qp_;                               // of the macroblock before
 };
 
 }  // namespace moxdec::h264

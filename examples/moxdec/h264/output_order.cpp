@@ -28,10 +28,9 @@ FieldOrder PictureOrder::next(const SliceHeader& slice) {
     default: order = from_frame_num(slice); break;
   }
   if (!slice.resets_order) return order;
-  const std::int64_t first = order.frame();
-  order = {checked(order.top - first), checked(order.bottom - first)};
+  checked(std::int64_t{std::max(order.top, order.bottom)} - order.frame());
   *this = {};
-  previous_lsb_ = order.top;
+  previous_lsb_ = order.rebased().top;
   return order;
 }
 

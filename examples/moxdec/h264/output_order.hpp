@@ -16,12 +16,15 @@ struct FieldOrder {
   int top = 0;
   int bottom = 0;
   int frame() const { return top < bottom ? top : bottom; }
+  /// As pictures behind a memory management operation 5 see it.
+  FieldOrder rebased() const { return {top - frame(), bottom - frame()}; }
 };
 
 /// Order counts of the pictures of a stream, from their first slice headers (ITU-T H.264 8.2.1).
 class PictureOrder {
  public:
-  /// To be called once for each picture, in decoding order. Throws DecodeError for a count that 32 bits cannot hold.
+  /// To be called once for each picture, in decoding order. The counts are those before any memory management; they can
+  /// be rebased. Throws DecodeError for a count that 32 bits cannot hold.
   FieldOrder next(const SliceHeader& slice);
 
  private:

@@ -15,8 +15,9 @@ Slice::Slice(const SliceHeader& slice_header) : header(slice_header) {
   }
 }
 
-void Picture::begin(std::shared_ptr<Frame> new_frame, int new_mb_width, int new_mb_height) {
+void Picture::begin(std::shared_ptr<Frame> new_frame, MbMotion* new_motion, int new_mb_width, int new_mb_height) {
   frame = std::move(new_frame);
+  motion = new_motion;
   mb_width = new_mb_width;
   mb_height = new_mb_height;
   macroblocks.resize(static_cast<std::size_t>(mb_width * mb_height));

@@ -9,43 +9,89 @@
 namespace moxdec::h264 {
 
 void PictureDecoder::begin(const SliceHeader& first_slice) {
-  const Sps& sps = *first_slice.sps;
   in_work_ = false;
-  pool_.configure({sps.width(), sps.height(), Chroma::k420, 8},
-                  {16 * sps.mb_width, 16 * sps.mb_height, sps.crop.left, sps.crop.top, 0});
-  picture_.begin(pool_.take(), sps.mb_width, sps.mb_height);
+  if (first_slice.sps != sps_) configure(first_slice);
+  fill_gap(first_slice);
+  order_ = orders_.next(first_slice);
+  StoredPicture& stored = references_.begin(first_slice, order_, pool_.take());
+  picture_.begin(stored.frame, stored.motion.data(), sps_->mb_width, sps_->mb_height);
+  first_slice_ = first_slice;
   in_work_ = true;
   decoded_ = complete_ = filtered_rows_ = 0;
 }
 
+void PictureDecoder::configure(const SliceHeader& slice) {
+  sps_ = slice.sps;
+  // A block that leaves so small a picture at two sides is beyond what the library repeats samples for.
+  expands_ = outside_ == OutsideSamples::kExpanded || sps_->mb_width == 1 || sps_->mb_height == 1;
+  predictor_.set_outside(expands_ ? OutsideSamples::kExpanded : OutsideSamples::kOnDemand);
+  pool_.configure({sps_->width(), sps_->height(), Chroma::k420, 8},
+                  {16 * sps_->mb_width, 16 * sps_->mb_height, sps_->crop.left, sps_->crop.top, expands_ ? kMargin : 0});
+  references_.configure(sps_->max_ref_frames);
+}
+
+void PictureDecoder::fill_gap(const SliceHeader& slice) {
+  SliceHeader missing;
+  missing.sps = slice.sps;
+  missing.nal_ref_idc = 1;
+  const int range = sps_->max_frame_num();
+  for (int number = references_.first_missing(slice); number != slice.frame_num; number = (number + 1) % range) {
+    missing.frame_num = number;
+    references_.add_missing(missing, sps_->poc_type == 0 ? FieldOrder{} : orders_.next(missing));
+  }
+}
+
+void PictureDecoder::begin_slice(const SliceHeader& header) {
+  const int order = order_.frame();
+  inter_.lists = references_.lists(header);
+  if (header.type == SliceType::kB) inter_.direct.begin_slice(header, inter_.lists, references_, order);
+  if (header.type != SliceType::kI) predictor_.begin_slice(header, inter_.lists, references_, order);
+}
+
 void PictureDecoder::decode_slice(const SliceHeader& header, BitReader& bits) {
   const Slice& slice = picture_.slices.emplace_back(header);
-  const int end = static_cast<int>(picture_.macroblocks.size());
-  MacroblockReader reader(bits, tables_, header);
   int address = header.first_mb;
   try {
-    do {
-      require(address < end, "data go on behind the last macroblock");
-      decode_macroblock(reader, slice, address);
-      ++address;
-      if (address % picture_.mb_width == 0) filter_complete_rows();
-    } while (bits.more_data());
+    begin_slice(slice.header);
+    MacroblockReader reader(bits, tables_, slice.header, inter_, picture_);
+    decode_macroblocks(reader, slice, bits, address);
   } catch (const DecodeError& error) {
     in_work_ = false;
     throw DecodeError("macroblock " + std::to_string(address) + ": " + error.what());
   }
 }
 
-void PictureDecoder::decode_macroblock(MacroblockReader& reader, const Slice& slice, int address) {
+void PictureDecoder::decode_macroblocks(MacroblockReader& reader, const Slice& slice, BitReader& bits, int& address) {
+  const auto index = static_cast<std::int32_t>(picture_.slices.size() - 1);
+  const int end = static_cast<int>(picture_.macroblocks.size());
+  do {
+    if (slice.header.type != SliceType::kI) {
+      const int skipped = bits.ue(static_cast<Mox32u>(end - address), "mb_skip_run");
+      for (int i = 0; i < skipped; ++i) decode_macroblock(slice, address, [&] { reader.skip(mb_, index); });
+      if (skipped > 0 && !bits.more_data()) return;
+    }
+    require(address < end, "data go on behind the last macroblock");
+    decode_macroblock(slice, address, [&] { reader.read(mb_, index); });
+  } while (bits.more_data());
+}
+
+template <class Read>
+void PictureDecoder::decode_macroblock(const Slice& slice, int& address, Read read) {
   MbInfo& info = picture_.macroblocks[static_cast<std::size_t>(address)];
   require(info.slice < 0, "coded twice");
-  const auto slice_index = static_cast<std::int32_t>(picture_.slices.size() - 1);
   mb_.x = address % picture_.mb_width;
   mb_.y = address / picture_.mb_width;
-  reader.read_intra(mb_, info, picture_.neighbours(mb_.x, mb_.y, slice_index));
-  reconstruct_intra(picture_, slice, mb_);
-  info.slice = slice_index;
+  read();
+  if (mb_.kind == MbKind::kInter) {
+    predictor_.predict(picture_, mb_);
+    reconstruct_inter(picture_, slice, mb_);
+  } else {
+    reconstruct_intra(picture_, slice, mb_);
+  }
+  info.slice = static_cast<std::int32_t>(picture_.slices.size() - 1);
   ++decoded_;
+  ++address;
+  if (address % picture_.mb_width == 0) filter_complete_rows();
 }
 
 void PictureDecoder::filter_complete_rows() {
@@ -62,6 +108,8 @@ std::shared_ptr<const Frame> PictureDecoder::finish() {
     throw DecodeError(std::to_string(all - decoded_) + " of " + std::to_string(all) + " macroblocks are missing");
   }
   filter_complete_rows();
+  if (expands_ && first_slice_.nal_ref_idc != 0) expand(*picture_.frame);
+  references_.finish(first_slice_);
   return picture_.frame;
 }
 

@@ -1,15 +1,20 @@
-/// From slices to one finished picture.
+/// From slices to one finished picture, and the references that the next ones use.
 #pragma once
 
 #include <memory>
 
+#include "moxdec/h264/inter_prediction.hpp"
 #include "moxdec/h264/macroblock.hpp"
+#include "moxdec/h264/output_order.hpp"
 #include "moxdec/h264/picture.hpp"
+#include "moxdec/h264/references.hpp"
 
 namespace moxdec::h264 {
 
 class PictureDecoder {
  public:
+  /// To be called before the first picture, if at all.
+  void set_outside(OutsideSamples outside) { outside_ = outside; }
   /// Starts the picture of this slice; one that is still in work is given up.
   void begin(const SliceHeader& first_slice);
   bool in_work() const { return in_work_; }
@@ -18,15 +23,32 @@ class PictureDecoder {
   /// Decodes the macroblocks of a slice; `bits` stands behind its header. The slices of a picture may come in any
   /// order. Throws DecodeError, and then gives the picture up.
   void decode_slice(const SliceHeader& header, BitReader& bits);
-  /// Filters what is left to be filtered and hands the frame out. Throws DecodeError if macroblocks are missing.
+  /// The picture's place in display order, behind memory management.
+  int order() const { return first_slice_.resets_order ? 0 : order_.frame(); }
+  /// Filters what is left to be filtered, marks the references and hands the frame out. Throws DecodeError if
+  /// macroblocks are missing.
   std::shared_ptr<const Frame> finish();
 
  private:
-  void decode_macroblock(MacroblockReader& reader, const Slice& slice, int address);
+  void configure(const SliceHeader& slice);
+  void fill_gap(const SliceHeader& slice);
+  void begin_slice(const SliceHeader& header);
+  void decode_macroblocks(MacroblockReader& reader, const Slice& slice, BitReader& bits, int& address);
+  template <class Read>
+  void decode_macroblock(const Slice& slice, int& address, Read read);
   void filter_complete_rows();
 
   CavlcTables tables_;
   FramePool pool_;
+  OutsideSamples outside_ = OutsideSamples::kOnDemand;
+  std::shared_ptr<const Sps> sps_;  // for which pool and references are made
+  PictureOrder orders_;
+  ReferenceBuffer references_;
+  InterSlice inter_;
+  InterPredictor predictor_;
+  SliceHeader first_slice_;  // of the picture in work
+  FieldOrder order_;
+  bool expands_ = false;
   Picture picture_;
   Macroblock mb_;
   bool in_work_ = false;

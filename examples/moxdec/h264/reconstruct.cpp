@@ -44,4 +44,18 @@ void reconstruct_intra(Picture& picture, const Slice& slice, Macroblock& mb) {
   require(status == moxStsOk, "intra prediction from a neighbour that is not there");
 }
 
+void reconstruct_inter(Picture& picture, const Slice& slice, Macroblock& mb) {
+  if (mb.coded == 0) return;
+  Mox16s* coefficients = mb.coefficients.data();
+  MoxStatus status =
+      moxiReconstructLumaInterMB_H264_16s8u_C1R(&coefficients, picture.samples<Mox8u>(0, 16 * mb.x, 16 * mb.y),
+                                                picture.frame->step(0), mb.coded, static_cast<Mox32u>(mb.qp));
+  if (status == moxStsOk) {
+    status = moxiReconstructChromaInterMB_H264_16s8u_P2R(
+        &coefficients, picture.samples<Mox8u>(1, 8 * mb.x, 8 * mb.y), picture.samples<Mox8u>(2, 8 * mb.x, 8 * mb.y),
+        picture.frame->step(1), mb.coded, slice.chroma_qp[0][static_cast<std::size_t>(mb.qp)]);
+  }
+  require(status == moxStsOk, "the residual cannot be rebuilt");
+}
+
 }  // namespace moxdec::h264

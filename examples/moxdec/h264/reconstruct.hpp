@@ -10,4 +10,7 @@ namespace moxdec::h264 {
 /// Throws DecodeError if a mode needs a neighbour that is denied.
 void reconstruct_intra(Picture& picture, const Slice& slice, Macroblock& mb);
 
+/// Adds the residual of an inter macroblock to its prediction in the picture. The coefficients are used up.
+void reconstruct_inter(Picture& picture, const Slice& slice, Macroblock& mb);
+
 }  // namespace moxdec::h264

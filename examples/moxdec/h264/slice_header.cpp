@@ -1,5 +1,6 @@
 #include "moxdec/h264/slice_header.hpp"
 
+#include <iterator>
 #include <string>
 
 #include "moxdec/error.hpp"
@@ -23,10 +24,10 @@ void expect_supported(const Sps& sps, const Pps& pps) {
 }
 
 SliceType parse_type(BitReader& bits) {
-  constexpr const char* kNames[] = {"P slices", "B slices", "", "SP slices", "SI slices"};
-  const int type = bits.ue(9, "slice_type") % 5;
-  if (type != static_cast<int>(SliceType::kI)) unsupported(kNames[type], "are");
-  return static_cast<SliceType>(type);
+  const auto type = static_cast<SliceType>(bits.ue(9, "slice_type") % 5);
+  if (type == SliceType::kSP) unsupported("SP slices", "are");
+  if (type == SliceType::kSI) unsupported("SI slices", "are");
+  return type;
 }
 
 void parse_picture_structure(BitReader& bits, SliceHeader& slice) {
@@ -49,18 +50,79 @@ void parse_picture_order(BitReader& bits, SliceHeader& slice) {
   }
 }
 
+void parse_list_changes(BitReader& bits, SliceHeader& slice) {
+  const Mox32u highest = static_cast<Mox32u>(slice.sps->max_frame_num()) - 1;
+  for (int list = 0; list < list_count(slice.type); ++list) {
+    if (!bits.flag()) continue;
+    auto& changes = slice.list_changes[list];
+    for (int operation; (operation = bits.ue(3, "modification_of_pic_nums_idc")) != 3;) {
+      require(std::ssize(changes) < slice.ref_count[list], "too many changes to a reference list");
+      changes.push_back({operation, bits.ue(operation == 2 ? 15 : highest, "picture number")});
+    }
+  }
+}
+
+void parse_reference_lists(BitReader& bits, SliceHeader& slice) {
+  const int lists = list_count(slice.type);
+  if (lists == 2) slice.direct_spatial = bits.flag();
+  const bool has_counts = lists > 0 && bits.flag();
+  for (int list = 0; list < lists; ++list) {
+    slice.ref_count[list] =
+        has_counts ? 1 + bits.ue(kMaxListEntries - 1, "num_ref_idx_active_minus1") : slice.pps->default_ref_count[list];
+  }
+  parse_list_changes(bits, slice);
+}
+
+void parse_weight(BitReader& bits, Weight& weight) {
+  weight.weight = static_cast<std::int16_t>(bits.se(-128, 127, "prediction weight"));
+  weight.offset = static_cast<std::int16_t>(bits.se(-128, 127, "prediction offset"));
+}
+
+void parse_weights(BitReader& bits, SliceHeader& slice) {
+  slice.explicit_weights = slice.type == SliceType::kP   ? slice.pps->weighted_pred
+                           : slice.type == SliceType::kB ? slice.pps->weighted_bipred_idc == 1
+                                                         : false;
+  if (!slice.explicit_weights) return;
+  auto& log2 = slice.weights.log2_denominator;
+  log2[0] = bits.ue(7, "luma_log2_weight_denom");
+  log2[1] = log2[2] = bits.ue(7, "chroma_log2_weight_denom");
+  for (int list = 0; list < list_count(slice.type); ++list) {
+    for (int i = 0; i < slice.ref_count[list]; ++i) {
+      auto& planes = slice.weights.weights[list][i];
+      for (int plane = 0; plane < 3; ++plane) planes[plane] = {static_cast<std::int16_t>(1 << log2[plane]), 0};
+      if (bits.flag()) parse_weight(bits, planes[0]);
+      if (bits.flag()) parse_weight(bits, planes[1]), parse_weight(bits, planes[2]);
+    }
+  }
+}
+
+MarkingOperation parse_marking_operation(BitReader& bits, const SliceHeader& slice, int operation) {
+  constexpr Mox32u kHighestIndex = 15;
+  const Mox32u highest = static_cast<Mox32u>(slice.sps->max_frame_num()) - 1;
+  switch (operation) {
+    case 1: return {operation, bits.ue(highest, "difference_of_pic_nums_minus1")};
+    case 2: return {operation, bits.ue(kHighestIndex, "long_term_pic_num")};
+    case 3: {
+      const int difference = bits.ue(highest, "difference_of_pic_nums_minus1");
+      return {operation, difference, bits.ue(kHighestIndex, "long_term_frame_idx")};
+    }
+    case 4: return {operation, bits.ue(kHighestIndex + 1, "max_long_term_frame_idx_plus1")};
+    case 5: return {operation};
+    default: return {operation, bits.ue(kHighestIndex, "long_term_frame_idx")};
+  }
+}
+
 void parse_reference_marking(BitReader& bits, SliceHeader& slice) {
   if (slice.idr) {
-    bits.skip(2);  // all frames are shown and the long-term mark has no use yet
+    bits.skip(1);  // all frames are shown
+    slice.long_term = bits.flag();
     return;
   }
-  if (!bits.flag()) return;
-  for (;;) {
-    const int operation = bits.ue(6, "memory_management_control_operation");
-    if (operation == 0) return;
+  slice.adaptive_marking = bits.flag();
+  if (!slice.adaptive_marking) return;
+  while (const int operation = bits.ue(6, "memory_management_control_operation")) {
     slice.resets_order |= operation == 5;
-    if (operation != 5) bits.ue();
-    if (operation == 3) bits.ue();
+    slice.marking.push_back(parse_marking_operation(bits, slice, operation));
   }
 }
 
@@ -80,6 +142,7 @@ SliceHeader parse_slice_header(BitReader& bits, const Nal& nal, const ParameterS
   require(!slice.idr || slice.nal_ref_idc != 0, "nal_ref_idc is out of range");
   const Mox32u first_mb = bits.ue();
   slice.type = parse_type(bits);
+  require(!slice.idr || slice.type == SliceType::kI, "slice_type is out of range");
   slice.pps = sets.pps(bits.ue());
   slice.sps = sets.sps(static_cast<Mox32u>(slice.pps->sps_id));
   expect_supported(*slice.sps, *slice.pps);
@@ -91,6 +154,8 @@ SliceHeader parse_slice_header(BitReader& bits, const Nal& nal, const ParameterS
   if (slice.idr) slice.idr_pic_id = bits.ue(65535, "idr_pic_id");
   parse_picture_order(bits, slice);
   if (slice.pps->redundant_pic_count) slice.redundant_pic_count = bits.ue(127, "redundant_pic_cnt");
+  parse_reference_lists(bits, slice);
+  parse_weights(bits, slice);
   if (slice.nal_ref_idc != 0) parse_reference_marking(bits, slice);
   slice.qp = slice.pps->init_qp + bits.se(-87, 77, "slice_qp_delta");
   require(slice.qp >= 0 && slice.qp <= 51, "slice_qp_delta is out of range");

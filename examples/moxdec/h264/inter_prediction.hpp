@@ -1,0 +1,81 @@
+/// Inter prediction: blocks of reference pictures, averaged or weighted, put into the picture.
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "moxdec/h264/macroblock.hpp"
+#include "moxdec/h264/picture.hpp"
+#include "moxdec/h264/references.hpp"
+#include "moxvc.h"
+
+namespace moxdec::h264 {
+
+/// Where blocks outside a reference come from.
+enum class OutsideSamples {
+  kOnDemand,  // the library repeats the nearest samples for each block that needs them
+  kExpanded,  // references have margins with those samples; only blocks beyond the margins are treated so
+};
+/// Samples of luma on each side. A block of 16x16 with its filter's footprint lies in the margin if its vector leaves
+/// the picture by no more than 13 samples.
+inline constexpr int kMargin = 32;
+
+/// Fills the margins of a finished frame.
+void expand(const Frame& frame);
+
+class InterPredictor {
+ public:
+  void set_outside(OutsideSamples outside) { expanded_ = outside == OutsideSamples::kExpanded; }
+  /// `order` is that of the picture in work. The lists must stay while the slice is decoded.
+  void begin_slice(const SliceHeader& slice, const ReferenceLists& lists, const ReferenceBuffer& references, int order);
+  /// Predicts all planes of a macroblock. Throws DecodeError if the library refuses, which no motion should cause.
+  void predict(const Picture& picture, const Macroblock& mb);
+
+ private:
+  enum class Weighting { kNone, kExplicit, kImplicit };
+
+  struct Planes {
+    std::array<const Mox8u*, 3> plane;
+  };
+  /// Where predicted samples go.
+  struct Target {
+    std::array<Mox8u*, 3> plane;
+    Mox32s luma_step;
+    Mox32s chroma_step;
+    Mox32s step(int i) const { return i == 0 ? luma_step : chroma_step; }
+  };
+  /// A block in work, in samples of luma.
+  struct Block {
+    const Picture& picture;
+    const MbMotion& motion;
+    MoxiPoint position;  // in the picture
+    MoxiSize size;
+    int index;  // of its first 4x4 block in the macroblock
+    int reference(int list) const { return motion.references[list][quadrant_of(index)]; }
+    int slot(int list) const { return motion.picture_slots[list][quadrant_of(index)]; }
+  };
+
+  void find_implicit_weights(const ReferenceLists& lists, const ReferenceBuffer& references, int order);
+  void predict_block(const Block& block) const;
+  void fetch(const Block& block, int list, const Target& target) const;
+  void fetch_luma(const Block& block, int list, const Target& target) const;
+  void fetch_chroma(const Block& block, int list, const Target& target) const;
+  void weight(const Block& block, int list, const Target& target) const;
+  void combine(const Block& block, const std::array<Target, 2>& sources, const Target& target) const;
+  MoxStatus combine_plane(const Block& block, int plane, const std::array<Target, 2>& sources,
+                          const Target& target) const;
+
+  bool expanded_ = false;
+  Weighting weighting_ = Weighting::kNone;
+  const WeightTable* explicit_ = nullptr;
+  /// Of list 1, by the indices of both lists; of list 0 it is 64 less this one.
+  std::array<std::array<std::int16_t, kMaxListEntries>, kMaxListEntries> implicit_;
+  std::array<Planes, kPictureSlots> sources_;
+  struct Scratch {
+    alignas(64) std::array<Mox8u, 16 * 16> luma;
+    alignas(64) std::array<std::array<Mox8u, 8 * 8>, 2> chroma;
+  };
+  mutable std::array<Scratch, 2> scratch_;  // predictions from both lists
+};
+
+}  // namespace moxdec::h264

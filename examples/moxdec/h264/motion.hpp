@@ -1,0 +1,82 @@
+/// Motion of macroblocks, and the prediction of vectors from the neighbours.
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+namespace moxdec::h264 {
+
+/// In quarter samples of luma.
+struct MotionVector {
+  std::int16_t x = 0;
+  std::int16_t y = 0;
+  bool operator==(const MotionVector&) const = default;
+};
+
+/// The 8x8 quadrant that a 4x4 block, in raster order, lies in.
+constexpr int quadrant_of(int block) { return block >> 3 << 1 | (block >> 1 & 1); }
+
+inline constexpr std::int8_t kNoReference = -1;
+
+/// What stays of a macroblock's motion. Where a list is not used, index and picture are kNoReference and the vector 0.
+struct MbMotion {
+  std::array<std::array<MotionVector, 16>, 2> vectors;      // [list][4x4 block in raster order]
+  std::array<std::array<std::int8_t, 4>, 2> references;     // [list][quadrant], indices into the slice's lists
+  std::array<std::array<std::int8_t, 4>, 2> picture_slots;  // the same as places in the reference buffer
+};
+
+inline constexpr MbMotion kNoMotion = {
+    {}, {{{-1, -1, -1, -1}, {-1, -1, -1, -1}}}, {{{-1, -1, -1, -1}, {-1, -1, -1, -1}}}};
+
+/// Reference index and vector of one list.
+struct Motion {
+  std::int8_t reference = kNoReference;
+  MotionVector vector;
+};
+
+/// A rectangle of 4x4 blocks in a macroblock.
+struct BlockRect {
+  int x, y, width, height;
+};
+inline constexpr BlockRect kWholeMb = {0, 0, 4, 4};
+constexpr BlockRect quadrant_rect(int quadrant) { return {quadrant % 2 * 2, quadrant / 2 * 2, 2, 2}; }
+
+/// The motion of a macroblock in work for one list, with the blocks around it: a row above from the top left to the top
+/// right neighbour, and a column at the left.
+class MotionWindow {
+ public:
+  MotionWindow() { references_.fill(kNotThere); }
+
+  /// Null stands for a neighbour that is not available.
+  void load(int list, const MbMotion* left, const MbMotion* top, const MbMotion* top_left, const MbMotion* top_right);
+  /// Writes the whole list of a macroblock, picture slots excepted.
+  void store(int list, MbMotion& out) const;
+
+  void set_reference(const BlockRect& rect, int reference);
+  void set_vector(const BlockRect& rect, MotionVector vector);
+  Motion at(int x, int y) const { return {references_[index(x, y)], vectors_[index(x, y)]}; }
+
+  /// The median of the neighbours, or the vector of the only one that has the same reference index.
+  MotionVector predict(const BlockRect& rect, int reference) const;
+  /// For the halves of a macroblock, which prefer one neighbour.
+  MotionVector predict_half(const BlockRect& rect, int reference) const;
+  /// For a P macroblock without any data.
+  MotionVector predict_skip() const;
+  /// The lowest index that the neighbours of the macroblock have; negative if they have none.
+  int lowest_reference() const;
+
+  /// Whether all blocks of the rectangle have the same vector.
+  bool has_one_vector(const BlockRect& rect) const;
+
+ private:
+  static constexpr std::int8_t kNotThere = -2;
+  static constexpr int kRow = 8;
+  static constexpr int index(int x, int y) { return kRow * (y + 1) + x + 1; }
+  /// The neighbour above at the right, or the one at the left where that is not there or not yet decoded.
+  int diagonal_neighbour(const BlockRect& rect) const;
+
+  std::array<std::int8_t, 5 * kRow> references_;  // the column at the right is never there
+  std::array<MotionVector, 5 * kRow> vectors_{};  // 0 where there is no reference
+};
+
+}  // namespace moxdec::h264
