@@ -125,4 +125,11 @@ Row restoring(const char* name, Restore restore) {
           false};
 }
 
+/// The first of the samples of a picture area of 64 x 64, 16 samples away from its edges; rows are kPictureStep apart.
+inline constexpr Mox32s kPictureStep = 64;
+template <class T>
+T* picture(int low, int high) {
+  return buffer<T>(kPictureStep * 64, low, high) + 16 * kPictureStep + 16;
+}
+
 }  // namespace mox::bench
