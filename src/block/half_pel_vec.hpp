@@ -142,7 +142,7 @@ class WordSampler {
   MOX_INLINE Words mean(Words a, Words b) const {
     return combine(a, b, [this](auto c, auto d) { return rounding_.mean(c, d); });
   }
-  /// A row, or for a half in x the sums of neighbours.
+  /// A row, or for a half in x the sums of neighbours, 0 to 510.
   MOX_INLINE Words pair(const Mox8u* p) const {
     const Words a = R::load(p, step_);
     if constexpr (half_in_x(P))
