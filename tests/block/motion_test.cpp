@@ -240,7 +240,9 @@ class Scene {
     for (std::size_t i = 0; i < block16.size(); ++i) {
       EXPECT_TRUE(block16_[i] == block16[i]) << "16-bit block " << i << ", step " << block16[i].step();
     }
-    if (predictor) EXPECT_TRUE(*predictor_ == *predictor) << "predictor, step " << predictor->step();
+    if (predictor) {
+      EXPECT_TRUE(*predictor_ == *predictor) << "predictor, step " << predictor->step();
+    }
   }
 
  private:
