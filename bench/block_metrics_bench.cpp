@@ -62,9 +62,15 @@ Row squares(int i) {
   return call(MOX_FN(moxiSqrDiff16x16_8u32s), kPositions[i], k8u.source, k8u.kStep, k8u.reference + kOdd, k8u.kStep,
               4 * i, results<Mox32s>());
 }
-Row squares_of_two(const char* variant, int first, int second) {
-  return call(MOX_FN(moxiSqrDiff16x16B_8u32s), variant, k8u.source, k8u.kStep, k8u.reference + kOdd, k8u.kStep, first,
-              k8u.reference + kOdd + 5, k8u.kStep, second, results<Mox32s>());
+Row squares_of_two(int first, int second) {
+  return call(MOX_FN(moxiSqrDiff16x16B_8u32s), std::string(kPositions[first]) + ", " + kPositions[second], k8u.source,
+              k8u.kStep, k8u.reference + kOdd, k8u.kStep, 4 * first, k8u.reference + kOdd + 5, k8u.kStep, 4 * second,
+              results<Mox32s>());
+}
+std::vector<Row> all_squares_of_two() {
+  std::vector<Row> rows;
+  for (int i = 0; i < 16; ++i) rows.push_back(squares_of_two(i / 4, i % 4));
+  return rows;
 }
 
 /// Rows and groups of rows in one list.
@@ -94,7 +100,7 @@ const std::vector<Row> kSsdRows = list({
     group(positions(MOX_FN(moxiSSD8x8_8u32s_C1R))),
     group(positions(MOX_FN(moxiSSD4x4_8u32s_C1R))),
     {squares(0), squares(1), squares(2), squares(3)},
-    {squares_of_two("full, full", 0, 0), squares_of_two("FH, HF", 4, 8), squares_of_two("HH, HH", 12, 12)},
+    all_squares_of_two(),
 });
 const Family kSsd("block_ssd", kSsdRows);
 

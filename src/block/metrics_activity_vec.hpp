@@ -57,7 +57,7 @@ inline MoxStatus subtract_sad_8x8(const Mox8u* src1, Mox32s src1Step, const Mox8
     store_row(simd::wide_low(a) - simd::wide_low(b), dst);
     sum = sum + sad(a, b);
   }
-  *sad8x8 = _mm_cvtsi128_si32(sum.r);  // the upper eight bytes are zero
+  *sad8x8 = simd::element<0>(sum);  // the upper eight bytes are zero
   return moxStsOk;
 }
 

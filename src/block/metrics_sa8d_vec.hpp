@@ -31,7 +31,7 @@ template <int B>
 MOX_INLINE Butterfly<simd::s32<B>> across_doublewords(simd::s32<B> a, simd::s32<B> b) {
   return {even32(a, b), odd32(a, b)};
 }
-/// The last two steps, across doublewords and words: up to [-8160, 8160] between them, each result below 8160.
+/// The last two steps, across doublewords and words: up to [-8160, 8160] between them, each result at most 8160.
 template <int B>
 MOX_INLINE simd::s16<B> fold(simd::s16<B> a, simd::s16<B> b) {
   const auto x = as<simd::s32>(a), y = as<simd::s32>(b);
@@ -46,7 +46,7 @@ MOX_INLINE Mox32s sa8d_sum(const Mox8u* src, Mox32s srcStep, const Mox8u* ref, M
   simd::s16<B> v[kRows];
   for (int y = 0; y < kRows; ++y) v[y] = first_step<8, 8 * B>(src + y * s, s, ref + y * r, r).v[0];
   across_vectors(v);
-  auto sum = simd::zero<simd::s16, B>();  // below 4 * 8160 = 32640
+  auto sum = simd::zero<simd::s16, B>();  // at most 4 * 8160 = 32640
   for (int y = 0; y < kRows; y += 2) {
     if constexpr (B == 2) {
       const auto rows = across_halves(v[y], v[y + 1]);
@@ -59,7 +59,7 @@ MOX_INLINE Mox32s sa8d_sum(const Mox8u* src, Mox32s srcStep, const Mox8u* ref, M
 }
 
 /// Rows of sums or of differences of neighbouring 16-bit differences. Values double in each step, from [-65536, 65534]:
-/// coefficients are below 2^22.
+/// coefficients are 2^21 at most.
 template <int B>
 MOX_INLINE simd::s32<B> sa8d_of_rows(simd::s32<B> (&v)[8]) {
   across_vectors(v);

@@ -76,7 +76,7 @@ MOX_INLINE simd::s16<B> fold_words(simd::s16<B> a, simd::s16<B> b) {
   return max(abs(even), abs(odd));
 }
 
-/// Half the SATD of four rows, in words below 4 * 2040 = 8160.
+/// Half the SATD of four rows, in words of 4 * 2040 = 8160 at most.
 template <int W, int kBytes>
 MOX_INLINE auto four_rows(const Mox8u* src, std::ptrdiff_t srcStep, const Mox8u* ref, std::ptrdiff_t refStep) {
   const auto row = [=](int y) { return first_step<W, kBytes>(src + y * srcStep, srcStep, ref + y * refStep, refStep); };
@@ -100,7 +100,7 @@ MOX_INLINE Mox32s twice_total(simd::s16<B> words) {
 template <int W, int H>
 MoxStatus satd_block(const Mox8u* src, Mox32s srcStep, const Mox8u* ref, Mox32s refStep, Mox32s* result) {
   constexpr int kBytes = W * H == 32 ? 8 : 16, kStep = kBytes / W * 4;
-  static_assert(H % kStep == 0 && H / kStep <= 4);  // words below 4 * 8160 = 32640
+  static_assert(H % kStep == 0 && H / kStep <= 4);  // words of 4 * 8160 = 32640 at most
   const std::ptrdiff_t s = srcStep, r = refStep;
   auto sum = four_rows<W, kBytes>(src, s, ref, r);
   for (int y = kStep; y < H; y += kStep) sum = sum + four_rows<W, kBytes>(src + y * s, s, ref + y * r, r);
