@@ -64,7 +64,7 @@ TEST_P(ChromaInterpolation, InterleavedEqualsTheOracle) {
       const int dx = fraction % 8, dy = fraction / 8, width = Chroma::written(size.width), sign = fraction % 3 ? 1 : -1;
       const int columns = 2 * (width + (dx != 0));
       const Plane<Mox8u> source(columns, size.height + (dy != 0), sign * (columns + fraction % 5),
-                                fraction / 2 % 2 ? Placement::at_end() : Placement::at_start());
+                                (dx + dy) % 2 ? Placement::at_end() : Placement::at_start());
       fill_samples(source.memory(), Content(fraction % 3), 255, random);
       const Plane<Mox8u> u(width, size.height, sign * (width + 3)), v(width, size.height, u.step());
       const Plane<Mox8u> expected(width, size.height, u.step());
