@@ -1,29 +1,20 @@
-#include <cstring>
-
 #include "support/bench.hpp"
 
 namespace mox::bench {
 namespace {
 
-/// The samples of a macroblock and 16 more on each side, smooth enough to be filtered: neighbours differ by less than
-/// beta, and alpha exceeds their largest difference.
+/// The luma samples of a macroblock and the rows and columns around it, smooth enough to be filtered: neighbours differ
+/// by less than beta, and alpha exceeds their largest difference.
 template <class T>
 struct Area {
   static constexpr int kDepth = sizeof(T) == 1 ? 8 : 10;
   static constexpr int kScale = 1 << (kDepth - 8);
   static constexpr Mox32s kStep = 48;
-  static constexpr std::size_t kSamples = 48 * 48;
-  const T* fresh = buffer<T>(kSamples, 100 * kScale, 112 * kScale);
-  T* work = buffer<T>(kSamples, 0, 0);
-  T* block = work + 16 * kStep + 16;
+  Fresh<T> samples{20 * kStep, 100 * kScale, 112 * kScale};
+  T* block = samples.data() + 4 * kStep + 16;
   const T* alpha = buffer<T>(2, 40 * kScale, 40 * kScale);
   const T* beta = buffer<T>(2, 13 * kScale, 13 * kScale);
   const T* thresholds = buffer<T>(16, 2 * kScale, 2 * kScale);
-  /// The rows that any of the functions touches: 3 above the block to the last of the block.
-  void restore() const {
-    constexpr std::size_t kFirst = 13 * kStep, kCount = (3 + 16) * kStep;
-    std::memcpy(work + kFirst, fresh + kFirst, kCount * sizeof(T));
-  }
 };
 const Area<Mox8u> k8u;
 const Area<Mox16u> k16u;
@@ -37,20 +28,10 @@ constexpr Strengths kIntra = {"intra", {4, 4, 4, 4, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3
 constexpr Strengths kInter = {"inter", {2, 2, 0, 1, 0, 0, 0, 0, 2, 0, 0, 2, 0, 0, 1, 0}};
 constexpr Strengths kNone = {"nothing to do", {}};
 
-Row copy_alone(const char* name, auto& area) {
-  return {name, [&area](const Library&, benchmark::State& state) {
-            measure(state, [&area] {
-              area.restore();
-              benchmark::ClobberMemory();
-              return moxStsOk;
-            });
-          }};
-}
-
 template <class Function>
 Row plane(Symbol<Function> symbol, const Strengths& strengths) {
   return loop(symbol, strengths.name, [&strengths](Function* function) {
-    k8u.restore();
+    k8u.samples.restore();
     return function(k8u.block, k8u.kStep, k8u.alpha, k8u.beta, k8u.thresholds, strengths.values);
   });
 }
@@ -58,7 +39,7 @@ Row plane(Symbol<Function> symbol, const Strengths& strengths) {
 template <class Function>
 Row mbaff(Symbol<Function> symbol, const Strengths& strengths) {
   return loop(symbol, strengths.name, [&strengths](Function* function) {
-    k8u.restore();
+    k8u.samples.restore();
     return function(k8u.block, k8u.kStep, k8u.alpha[0], k8u.beta[0], k8u.thresholds, strengths.values);
   });
 }
@@ -66,7 +47,7 @@ Row mbaff(Symbol<Function> symbol, const Strengths& strengths) {
 Row record(Symbol<MoxStatus(const MoxiDeblockParams*)> symbol, const Strengths& strengths) {
   const MoxiDeblockParams params = {k8u.block, k8u.kStep, k8u.alpha, k8u.beta, k8u.thresholds, strengths.values};
   return loop(symbol, strengths.name, [params](auto* function) {
-    k8u.restore();
+    k8u.samples.restore();
     return function(&params);
   });
 }
@@ -75,15 +56,14 @@ Row record(Symbol<MoxStatus(const MoxiDeblockParams_16u*)> symbol, const Strengt
   const MoxiDeblockParams_16u params = {k16u.block,      k16u.kStep,       k16u.alpha, k16u.beta,
                                         k16u.thresholds, strengths.values, k16u.kDepth};
   return loop(symbol, strengths.name, [params](auto* function) {
-    k16u.restore();
+    k16u.samples.restore();
     return function(&params);
   });
 }
 
-// Every call filters a fresh copy of the samples; the copy is part of its time.
 const Row kRows[] = {
-    copy_alone("the copy of 8-bit samples alone", k8u),
-    copy_alone("the copy of 16-bit samples alone", k16u),
+    restoring("copy of the 8-bit samples alone", [] { k8u.samples.restore(); }),
+    restoring("copy of the 16-bit samples alone", [] { k16u.samples.restore(); }),
     plane(MOX_FN(moxiFilterDeblockingLuma_VerEdge_H264_8u_C1IR), kIntra),
     plane(MOX_FN(moxiFilterDeblockingLuma_VerEdge_H264_8u_C1IR), kInter),
     plane(MOX_FN(moxiFilterDeblockingLuma_VerEdge_H264_8u_C1IR), kNone),

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <functional>
 #include <random>
 #include <span>
@@ -33,6 +34,7 @@ inline constexpr int kBatch = 64;
 struct Row {
   std::string name;
   std::function<void(const Library&, benchmark::State&)> measure;
+  bool counted = true;  ///< in the mean ratios of the family
 };
 
 /// Times a callable that returns a status: the counter "ticks" becomes the median batch, per call.
@@ -93,11 +95,34 @@ T* buffer(std::size_t count, int low, int high) {
   return values;
 }
 
-/// The first of the samples of a picture area of 64 x 64, 16 samples away from its edges; rows are kPictureStep apart.
-inline constexpr Mox32s kPictureStep = 64;
+/// Input that a call overwrites, put back before each call. That is part of the call's time; a row of `restoring` tells
+/// how much.
 template <class T>
-T* picture(int low, int high) {
-  return buffer<T>(kPictureStep * 64, low, high) + 16 * kPictureStep + 16;
+class Fresh {
+ public:
+  Fresh(std::size_t count, int low, int high)
+      : bytes_(count * sizeof(T)), source_(buffer<T>(count, low, high)), work_(buffer<T>(count, 0, 0)) {}
+  T* data() const { return work_; }
+  void restore() const { std::memcpy(work_, source_, bytes_); }
+
+ private:
+  std::size_t bytes_;
+  const T* source_;
+  T* work_;
+};
+
+/// A row of what the other rows of a family do before each call.
+template <class Restore>
+Row restoring(const char* name, Restore restore) {
+  return {name,
+          [=](const Library&, benchmark::State& state) {
+            measure(state, [=] {
+              restore();
+              benchmark::ClobberMemory();
+              return moxStsOk;
+            });
+          },
+          false};
 }
 
 }  // namespace mox::bench

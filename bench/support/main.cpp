@@ -11,7 +11,7 @@ namespace {
 
 constexpr const char* kGenerations[] = {"px", "e9", "v3"};
 constexpr std::size_t kColumns = std::size(kGenerations);
-constexpr int kNameWidth = 66;
+constexpr int kNameWidth = 70;
 
 std::string processor() {
   std::ifstream info("/proc/cpuinfo");
@@ -34,6 +34,7 @@ double ticks_per_second() {
 /// One row of the printed table; a time of 0 was not measured.
 struct Line {
   std::string family, name;
+  bool counted;
   double ticks[kColumns] = {};
   bool measured() const {
     return std::any_of(std::begin(ticks), std::end(ticks), [](double t) { return t > 0; });
@@ -61,8 +62,8 @@ class Reporter : public benchmark::BenchmarkReporter {
   bool ReportContext(const Context&) override {
     std::printf(
         "Time-stamp ticks (%.2f GHz) for one of many calls in a row, argument tests included, nothing subtracted.\n"
-        "Median of batches of %d calls, the least of the repetitions. Data hot in the first-level cache; functions\n"
-        "that work in place meet their own results. Ratios are of ticks: below 1 is faster than px.\n"
+        "Median of batches of %d calls, the least of the repetitions; data hot in the first-level cache. Input that a\n"
+        "function overwrites is copied afresh for each call. Ratios are of ticks: below 1 is faster than px.\n"
         "%s, compiler %s\n",
         ticks_per_second() / 1e9, kBatch, processor().c_str(), __VERSION__);
     return true;
@@ -119,7 +120,7 @@ class Reporter : public benchmark::BenchmarkReporter {
     double logarithms = 0;
     int count = 0;
     for (const Line& line : lines) {
-      if (line.ratio(column) > 0) logarithms += std::log(line.ratio(column)), ++count;
+      if (line.counted && line.ratio(column) > 0) logarithms += std::log(line.ratio(column)), ++count;
     }
     return count ? std::exp(logarithms / count) : 0;
   }
@@ -131,7 +132,7 @@ class Reporter : public benchmark::BenchmarkReporter {
 
 Family::Family(const char* name, std::span<const Row> rows) {
   for (const Row& row : rows) {
-    const Line line{name, row.name};
+    const Line line{name, row.name, row.counted};
     table().push_back(line);
     for (const char* generation : kGenerations) {
       const Library* library = Library::open(generation);

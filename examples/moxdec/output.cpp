@@ -1,5 +1,6 @@
 #include "moxdec/output.hpp"
 
+#include <array>
 #include <bit>
 #include <cerrno>
 #include <cstdio>
@@ -87,14 +88,14 @@ class Y4mWriter : public RawWriter {
     rate = divisor == 0 ? FrameRate{25, 1} : FrameRate{rate.numerator / divisor, rate.denominator / divisor};
     std::string chroma = format.chroma == Chroma::k411 ? "411" : format.chroma == Chroma::k422 ? "422" : "420";
     if (format.bit_depth > 8) {
-      chroma += "p" + std::to_string(format.bit_depth);
+      chroma.append("p").append(std::to_string(format.bit_depth));
     } else if (format.chroma == Chroma::k420) {
-      chroma += "mpeg2";
+      chroma.append("mpeg2");
     }
-    const std::string header = "YUV4MPEG2 W" + std::to_string(format.width) + " H" + std::to_string(format.height) +
-                               " F" + std::to_string(rate.numerator) + ":" + std::to_string(rate.denominator) +
-                               " Ip A0:0 C" + chroma + "\n";
-    file_.write(header.data(), header.size());
+    std::array<char, 120> header;
+    const int size = std::snprintf(header.data(), header.size(), "YUV4MPEG2 W%d H%d F%u:%u Ip A0:0 C%s\n", format.width,
+                                   format.height, rate.numerator, rate.denominator, chroma.c_str());
+    file_.write(header.data(), static_cast<std::size_t>(size));
   }
 
   std::optional<FrameFormat> format_;

@@ -149,11 +149,10 @@ MOX_API MoxStatus moxiTransformQuantInvAddPred4x4_H264_32s_C1IR(const Mox16u* pP
  *  @param         qp          the QP of chroma, 0 to 39 (32s: 0 to 75)
  *  @param[in]     pLevelScale one scale, or null
  *  @retval moxStsNullPointer pSrcDst is null
- *  @retval moxStsOutOfRange  qp is out of its range
- *  @{ */
+ *  @retval moxStsOutOfRange  qp is out of its range */
 MOX_API MoxStatus moxiTransformQuantInvChromaDC2x2_H264_16s_C1I(Mox16s* pSrcDst, Mox32s qp, const Mox16s* pLevelScale);
+/** @copydoc moxiTransformQuantInvChromaDC2x2_H264_16s_C1I */
 MOX_API MoxStatus moxiTransformQuantInvChromaDC2x2_H264_32s_C1I(Mox32s* pSrcDst, Mox32s qp, const Mox16s* pLevelScale);
-/** @} */
 
 /** 4:2:2 chroma DC with a scaling list: f = H4 * c * H2. With per and rem of qp + 3: (f * s + 2^(5 - per)) >> (6 - per)
  *  for per below 6, (f * s) << (per - 6) from there on. The 16s form saturates, in each column, the sums and the
@@ -163,11 +162,10 @@ MOX_API MoxStatus moxiTransformQuantInvChromaDC2x2_H264_32s_C1I(Mox32s* pSrcDst,
  *  @param         qp          the QP of chroma, 0 to 39 (32s: 0 to 75); the function adds 3
  *  @param[in]     pLevelScale one scale, that of (qp + 3) % 6, or null
  *  @retval moxStsNullPointer pSrcDst is null
- *  @retval moxStsOutOfRange  qp is out of its range
- *  @{ */
+ *  @retval moxStsOutOfRange  qp is out of its range */
 MOX_API MoxStatus moxiTransformQuantInvChromaDC2x4_H264_16s_C1I(Mox16s* pSrcDst, Mox32s qp, const Mox16s* pLevelScale);
+/** @copydoc moxiTransformQuantInvChromaDC2x4_H264_16s_C1I */
 MOX_API MoxStatus moxiTransformQuantInvChromaDC2x4_H264_32s_C1I(Mox32s* pSrcDst, Mox32s qp, const Mox16s* pLevelScale);
-/** @} */
 
 /** Luma DC of an Intra 16x16 macroblock with a scaling list: f = H4 * c * H4, then (f * s + 2^(5 - per)) >> (6 - per)
  *  below QP 36, (f * s) << (per - 6) from there on. The 16s form saturates every sum of the transform, columns first,
@@ -177,20 +175,18 @@ MOX_API MoxStatus moxiTransformQuantInvChromaDC2x4_H264_32s_C1I(Mox32s* pSrcDst,
  *  @param         qp          0 to 51 (32s: 0 to 87)
  *  @param[in]     pLevelScale one scale, or null
  *  @retval moxStsNullPointer pSrcDst is null
- *  @retval moxStsOutOfRange  qp is out of its range
- *  @{ */
+ *  @retval moxStsOutOfRange  qp is out of its range */
 MOX_API MoxStatus moxiTransformQuantInvLumaDC4x4_H264_16s_C1I(Mox16s* pSrcDst, Mox32s qp, const Mox16s* pLevelScale);
+/** @copydoc moxiTransformQuantInvLumaDC4x4_H264_16s_C1I */
 MOX_API MoxStatus moxiTransformQuantInvLumaDC4x4_H264_32s_C1I(Mox32s* pSrcDst, Mox32s qp, const Mox16s* pLevelScale);
-/** @} */
 
 /** The 4x4 inverse transform alone, final rounding included. Every sum wraps at the width of an element.
  *  @param[in]  pSrc 16 dequantised coefficients
  *  @param[out] pDst 16 residual values; may be pSrc
- *  @retval moxStsNullPointer pSrc or pDst is null
- *  @{ */
+ *  @retval moxStsNullPointer pSrc or pDst is null */
 MOX_API MoxStatus moxiTransformResidual4x4Inv_H264_16s_C1(const Mox16s* pSrc, Mox16s* pDst);
+/** @copydoc moxiTransformResidual4x4Inv_H264_16s_C1 */
 MOX_API MoxStatus moxiTransformResidual4x4Inv_H264_32s_C1(const Mox32s* pSrc, Mox32s* pDst);
-/** @} */
 
 /** Dequantisation of an 8x8 block: (c * s + 2^(5 - qpPer)) >> (6 - qpPer) for qpPer below 6, saturated to 16 bits;
  *  (c * s) << (qpPer - 6) from there on, wrapped to 16 bits.

@@ -1,22 +1,23 @@
 /** @file
  *  H.264 macroblock reconstruction, 8-bit 4:2:0 (ITU-T H.264 8.3, 8.5).
  *
- *  One luma and one chroma call, in any order, finish a macroblock. An intra function predicts its blocks in the plane
- *  itself, from the samples around them; for an inter function the caller has written the prediction into the plane.
- *  The residual is then dequantised, transformed and added, and the sum is limited to 0..255.
+ *  One luma and one chroma call, in any order, finish a macroblock. An intra function predicts its blocks in the
+ *  plane itself, from the samples around them; for an inter function the caller has written the prediction into the
+ *  plane. The residual is then dequantised, transformed and added, and the sum is limited to 0..255.
  *
  *  Planes point at the macroblock's first sample; a step is the distance of two rows in bytes, may be negative and is
  *  not tested unless the function says so. Written are the 16 x 16 luma (half macroblock: 16 x 8) or 8 x 8 chroma
- *  samples of the macroblock. Read besides are the neighbours that the mode of a block uses, as far as edgeType allows
- *  them: at most the row above (with 4x4 and 8x8 blocks from the macroblock above and right 4 and 8 samples more), the
- *  column to the left, and the corner.
+ *  samples of the macroblock. Read besides are the neighbours that the mode of a block uses, as far as edgeType
+ *  allows them: at most the row above (with 4x4 and 8x8 blocks from the macroblock above and right 4 and 8 samples
+ *  more), the column to the left, and the corner.
  *
- *  Packed coefficients. ppSrcCoeff points to a pointer to 16-bit coefficients, which is left behind the last block that
- *  was used. Blocks lie one behind the other, in the order in which they are reconstructed; only blocks whose bit is
- *  set in the coded block pattern take room. A 4x4 block takes 16 coefficients in raster order, coefficient 0 always
- *  included; an 8x8 block 64; an Intra 16x16 DC block 16; a chroma DC block 4. The DC blocks stand before the blocks
- *  they belong to, those of chroma both before the first U block. Coefficients that were used have no defined value
- *  afterwards; those behind the last used block are not touched.
+ *  Packed coefficients. ppSrcCoeff points to a pointer to 16-bit coefficients, which is left behind the last block
+ *  that was used. Blocks lie one behind the other, in the order in which they are reconstructed; only blocks whose
+ *  bit is set in the coded block pattern take room. A 4x4 block takes 16 coefficients in raster order, coefficient 0
+ *  always included; an 8x8 block 64; an Intra 16x16 DC block 16; a chroma DC block 4. The DC blocks stand before the
+ *  blocks they belong to, those of chroma both before the first U block. Used coefficients may be overwritten, DC
+ *  blocks by their DC values, other blocks by their residual; lossless blocks and all behind the last used one stay
+ *  as they are.
  *
  *  Coded block pattern, cbp4x4:
  *
@@ -31,7 +32,7 @@
  *  Bits of cbp8x8: 0..3 for the 8x8 luma blocks; of cbp4x2: 0..7 for the 4x4 blocks of a half macroblock; of cbp8x2:
  *  0 and 1 for its 8x8 blocks. Other bits are ignored. Coding order of 4x4 blocks goes through the 8x8 quadrants: the
  *  first samples of blocks 0 to 15 are at (0,0) (4,0) (0,4) (4,4), (8,0) (12,0) (8,4) (12,4), (0,8) (4,8) (0,12)
- * (4,12), (8,8) (12,8) (8,12) (12,12). Chroma blocks are at (0,0) (4,0) (0,4) (4,4).
+ *  (4,12), (8,8) (12,8) (8,12) (12,12). Chroma blocks are at (0,0) (4,0) (0,4) (4,4).
  *
  *  Modes of 4x4 and 8x8 blocks, in coding order, and of 16x16 and chroma: as in h264_intra.h.
  *
@@ -40,7 +41,7 @@
  *
  *  Half macroblocks serve pictures in which the upper and the lower half of a macroblock have different left
  *  neighbours. A luma half form works on the upper 16 x 8 samples, blocks 0 to 7 (8x8 blocks 0 and 1); the lower half
- * is a second call with the plane 8 rows further down and modes, pattern bits and edges of that half.
+ *  is a second call with the plane 8 rows further down and modes, pattern bits and edges of that half.
  *
  *  Functions with 4x4MB, 8x8MB or _16x16MB in their names take scaling tables: pQuantTable holds the inverse scale of
  *  each coefficient, 16 or 64 in raster order, for the QP modulo 6 (as from moxiGenScaleLevel4x4_H264_8u16s_C1). In
@@ -48,8 +49,8 @@
  *  differences of samples, added as they are; DC values take the place of their blocks' coefficient 0.
  *
  *  Order of tests: ppSrcCoeff, *ppSrcCoeff (even if no block is coded), planes, pMBIntraTypes, tables; then the QP,
- * luma 0 to 51, chroma 0 to 39; then what the function names. Unless a function says otherwise, an error comes before
- *  anything is written. With no bit set that the function uses, it ends after the tests and the prediction. */
+ *  luma 0 to 51, chroma 0 to 39; then what the function names. Unless a function says otherwise, an error comes
+ *  before anything is written. With no bit set that the function uses, it ends after the tests and the prediction. */
 #ifndef MOXVC_H264_RECONSTRUCT_H
 #define MOXVC_H264_RECONSTRUCT_H
 
@@ -112,9 +113,9 @@ MOX_API MoxStatus moxiReconstructLumaIntra16x16MB_H264_16s8u_C1R(Mox16s** ppSrcC
  *  @param         qp            0 to 51
  *  @param         edgeType      neighbours that cannot be used
  *  @retval moxStsNullPointer     a pointer or *ppSrcCoeff is null
- *  @retval moxStsOutOfRange      qp is not 0 to 51
- *  @retval moxStsBadStep         srcDstYStep is 0 or below
- *  @retval moxStsOutOfRange      a mode is above 8: the blocks before it are done and their coefficients used
+ *  @retval moxStsOutOfRange      qp is not 0 to 51. Or, found when its block is due, a mode is above 8: the
+ *                                blocks before it are done and their coefficients used
+ *  @retval moxStsBadStep         srcDstYStep is 0 or below; tested after qp
  *  @retval moxStsEdgeSubstituted a warning: all blocks are done, at least one with 128 for a denied edge */
 MOX_API MoxStatus moxiReconstructLumaIntraHalfMB_H264_16s8u_C1R(Mox16s** ppSrcCoeff, Mox8u* pSrcDstYPlane,
                                                                 Mox32s srcDstYStep, const Mox32u* pMBIntraTypes,
@@ -159,13 +160,12 @@ MOX_API MoxStatus moxiReconstructChromaIntraMB_H264_16s8u_P2R(Mox16s** ppSrcCoef
  *  @param         intraChromaMode 0 or 2, in chroma's order
  *  @param         cbp4x4          bits 17 to 26 count
  *  @param         chromaQp        0 to 39; up to 51 it passes the first test
- *  @param         edgeTypeTop     1 denies the column to the left of the upper rows, 4 the row above; no other bit
- * counts
- *  @param         edgeTypeBottom  1 denies the column to the left of the lower rows; no other bit counts
+ *  @param         edgeTypeTop     1 denies the column left of the upper rows, 4 the row above; no other bit counts
+ *  @param         edgeTypeBottom  1 denies the column left of the lower rows; no other bit counts
  *  @retval moxStsNullPointer     a pointer or *ppSrcCoeff is null
- *  @retval moxStsOutOfRange      chromaQp is not 0 to 51
- *  @retval moxStsEdgeUnavailable mode 2 with the row above denied, or any mode but 0 and 2; nothing is written
- *  @retval moxStsOutOfRange      chromaQp is above 39: the prediction is written, no coefficient is used */
+ *  @retval moxStsOutOfRange      chromaQp is not 0 to 51. Or, tested last, it is above 39: the prediction is
+ *                                written, no coefficient is used
+ *  @retval moxStsEdgeUnavailable mode 2 with the row above denied, or any mode but 0 and 2; nothing is written */
 MOX_API MoxStatus moxiReconstructChromaIntraHalfsMB_H264_16s8u_P2R(Mox16s** ppSrcCoeff, Mox8u* pSrcDstUPlane,
                                                                    Mox8u* pSrcDstVPlane, Mox32s srcDstUVStep,
                                                                    Mox32u intraChromaMode, Mox32u cbp4x4,
@@ -312,9 +312,8 @@ MOX_API MoxStatus moxiReconstructChromaIntra4x4MB_H264_16s8u_P2R(Mox16s** ppSrcC
  *  with a QP and a scaling table for each plane. Only DC and vertical are possible. As
  *  moxiReconstructChromaInter4x4MB_H264_16s8u_P2R, the planes needing no prediction, and:
  *  @param         intraChromaMode 0 or 2, in chroma's order
- *  @param         edgeTypeTop     1 denies the column to the left of the upper rows, 4 the row above; no other bit
- * counts
- *  @param         edgeTypeBottom  1 denies the column to the left of the lower rows; no other bit counts
+ *  @param         edgeTypeTop     1 denies the column left of the upper rows, 4 the row above; no other bit counts
+ *  @param         edgeTypeBottom  1 denies the column left of the lower rows; no other bit counts
  *  @retval moxStsOutOfRange      a QP is not 0 to 39; unlike the plain form, nothing is written
  *  @retval moxStsEdgeUnavailable mode 2 with the row above denied, or any mode but 0 and 2; nothing is written */
 MOX_API MoxStatus moxiReconstructChromaIntraHalfs4x4MB_H264_16s8u_P2R(

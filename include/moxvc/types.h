@@ -19,6 +19,10 @@
 
 #include <stdint.h>
 
+/** @def MOX_BEGIN_DECLS
+ *  Begins declarations that C and C++ share.
+ *  @def MOX_END_DECLS
+ *  Ends them. */
 #ifdef __cplusplus
 #define MOX_BEGIN_DECLS extern "C" {
 #define MOX_END_DECLS }
@@ -38,22 +42,22 @@ typedef int32_t Mox32s;  /**< signed 32-bit value */
 
 /** Width and height in samples; passed by value. */
 typedef struct MoxiSize {
-  Mox32s width;
-  Mox32s height;
+  Mox32s width;  /**< columns */
+  Mox32s height; /**< rows */
 } MoxiSize;
 
 /** A position in samples. */
 typedef struct MoxiPoint {
-  Mox32s x;
-  Mox32s y;
+  Mox32s x; /**< column, to the right */
+  Mox32s y; /**< row, downwards */
 } MoxiPoint;
 
 /** A rectangle in samples. */
 typedef struct MoxiRect {
-  Mox32s x;
-  Mox32s y;
-  Mox32s width;
-  Mox32s height;
+  Mox32s x;      /**< first column */
+  Mox32s y;      /**< first row */
+  Mox32s width;  /**< columns */
+  Mox32s height; /**< rows */
 } MoxiRect;
 
 /** Result of a function: 0 success, negative an error, positive a warning (the work was done). */

@@ -4,8 +4,8 @@
 /// count samples, which for 8-bit planes are bytes, and depth is the number of bits of a sample.
 #pragma once
 
+#include <algorithm>
 #include <bit>
-#include <type_traits>
 
 #include "h264/intra_directions_px.hpp"
 
@@ -36,12 +36,12 @@ void predict_dc(Block<Pixel> block, bool top, bool left, Mox32s depth) {
 
 template <int W, int H, class Pixel>
 void predict_vertical(Block<Pixel> block) {
-  each_sample<W, H>(block, [&](int x, int) { return block(x, -1); });
+  for (int y = 0; y < H; ++y) std::copy_n(&block(0, -1), W, &block(0, y));
 }
 
 template <int W, int H, class Pixel>
 void predict_horizontal(Block<Pixel> block) {
-  each_sample<W, H>(block, [&](int, int y) { return block(-1, y); });
+  for (int y = 0; y < H; ++y) std::fill_n(&block(0, y), W, Pixel{block(-1, y)});
 }
 
 /// Slope of N neighbours around their middle, in 1/32 of a sample for each sample. `first` is the one beside the

@@ -127,29 +127,25 @@ class Cavlc : public PerGeneration {
     expect(kind, nC, bits + "11111111", {moxStsBadBitstream, 0, count, 0, block});
   }
 
+  /// The function of an element type.
+  template <class Coeff, class Narrow, class Wide>
+  static auto form(const Library& lib, Symbol<Narrow> narrow, Symbol<Wide> wide) {
+    if constexpr (sizeof(Coeff) == 2) return lib[narrow];
+    if constexpr (sizeof(Coeff) == 4) return lib[wide];
+  }
   template <class Coeff>
   static auto coeffs(const Library& lib) {
-    if constexpr (sizeof(Coeff) == 2) {
-      return lib[MOX_FN(moxiDecodeCAVLCCoeffs_H264_1u16s)];
-    } else {
-      return lib[MOX_FN(moxiDecodeCAVLCCoeffs_H264_1u32s)];
-    }
+    return form<Coeff>(lib, MOX_FN(moxiDecodeCAVLCCoeffs_H264_1u16s), MOX_FN(moxiDecodeCAVLCCoeffs_H264_1u32s));
   }
   template <class Coeff>
   static auto dc2x2(const Library& lib) {
-    if constexpr (sizeof(Coeff) == 2) {
-      return lib[MOX_FN(moxiDecodeCAVLCChromaDcCoeffs_H264_1u16s)];
-    } else {
-      return lib[MOX_FN(moxiDecodeCAVLCChromaDcCoeffs_H264_1u32s)];
-    }
+    return form<Coeff>(lib, MOX_FN(moxiDecodeCAVLCChromaDcCoeffs_H264_1u16s),
+                       MOX_FN(moxiDecodeCAVLCChromaDcCoeffs_H264_1u32s));
   }
   template <class Coeff>
   static auto dc2x4(const Library& lib) {
-    if constexpr (sizeof(Coeff) == 2) {
-      return lib[MOX_FN(moxiDecodeCAVLCChroma422DcCoeffs_H264_1u16s)];
-    } else {
-      return lib[MOX_FN(moxiDecodeCAVLCChroma422DcCoeffs_H264_1u32s)];
-    }
+    return form<Coeff>(lib, MOX_FN(moxiDecodeCAVLCChroma422DcCoeffs_H264_1u16s),
+                       MOX_FN(moxiDecodeCAVLCChroma422DcCoeffs_H264_1u32s));
   }
 
   std::unique_ptr<Tables> tables_;
@@ -210,6 +206,8 @@ TEST_P(Cavlc, BlocksByHand) {
   // The 6-bit code: 000011 is empty, 000000 is one coefficient that is no trailing one: level -2, total_zeros 0.
   expect(kFull, 8, "000011", {moxStsOk, 6, 0, 0, old_block(kFull)});
   expect_block(kFull, 100, "000000 01 1", 1, {-2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0});
+  // 000010 says two ones of one coefficient: both signs are read, the first one is placed.
+  expect_block(kFull, 8, "000010 10 1", 1, {-1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0});
   // 15 coefficients of 15: no total_zeros. nC 8, three ones, levels 1 (suffix length 0, then 1).
   expect_block(kAc, 8, "111011 000 1 10 10 10 10 10 10 10 10 10 10 10", 15,
                {0, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1});

@@ -2,6 +2,7 @@
 /// error message for each thing that can be wrong or is not supported.
 #include "moxdec/decoding.hpp"
 #include "moxdec/h264/nal.hpp"
+#include "moxdec/h264/output_order.hpp"
 #include "moxdec/h264/parameter_sets.hpp"
 #include "moxdec/stream_builder.hpp"
 
@@ -41,6 +42,16 @@ TEST(DisplayOrder, StartsAnewAtMemoryOperation5) {
   EXPECT_EQ(decoded.shades(), (std::vector<int>{10, 20, 30, 40, 50}));
 }
 
+TEST(DisplayOrder, OfTwoFields) {
+  // The bottom field comes 4 before the top one. After the new start the top field has 4, so 12 is not -4.
+  SliceFields idr = kIdr, reset = picture(1, 6), next = picture(1, 12);
+  idr.delta_poc = reset.delta_poc = next.delta_poc = {-4};
+  reset.operations = {5, 0};
+  StreamBuilder b;
+  b.sps().pps({.bottom_field_poc = true}).raw_slice(idr, {10}).raw_slice(reset, {20}).raw_slice(next, {30});
+  EXPECT_EQ(decode_all(b.stream()).shades(), (std::vector<int>{10, 20, 30}));
+}
+
 TEST(DisplayOrder, ByCycleOfOffsets) {
   // Offsets 4 and 6, -3 for pictures that are no reference. Frame numbers 1 2 3 4 have the counts 4 10 14 20.
   const SpsFields sps = {.poc_type = 1, .offset_for_non_ref = -3, .offsets_for_ref_frame = {4, 6}};
@@ -71,6 +82,22 @@ TEST(DisplayOrder, ByFrameNumber) {
     expected.push_back(i);
   }
   EXPECT_EQ(decode_all(b.stream()).shades(), expected);
+}
+
+TEST(DisplayOrder, CountsThatOnlyTheCallerSees) {
+  moxdec::h264::SliceHeader slice;
+  auto count = [&, order = moxdec::h264::PictureOrder()](bool idr, int ref_idc, int frame_num) mutable {
+    slice.idr = idr, slice.nal_ref_idc = ref_idc, slice.frame_num = frame_num;
+    return order.next(slice).frame();
+  };
+  moxdec::h264::Sps sps;
+  sps.poc_type = 2;
+  slice.sps = std::make_shared<const moxdec::h264::Sps>(sps);
+  EXPECT_EQ(count(true, 1, 0), 0);
+  EXPECT_EQ(count(false, 1, 15), 30);
+  EXPECT_EQ(count(false, 0, 0), 31);  // frame number 16
+  EXPECT_EQ(count(false, 1, 0), 32);
+  EXPECT_EQ(count(true, 1, 0), 0);
 }
 
 /// Each pair of headers belongs to two pictures; only one element differs.
@@ -118,7 +145,7 @@ TEST(ParameterSets, SeveralAtATimeAndNewOnes) {
       .pps({.id = 255, .sps_id = 31})
       .pps({.id = 7, .sps_id = 3});
   b.raw_slice({.pps_id = 7, .poc_lsb = 0}, {10, 10}).raw_slice({.pps_id = 255, .poc_lsb = 0}, {20});
-  b.sps({.id = 31}).pps({.id = 255, .sps_id = 31});  // a repetition
+  b.sps({.id = 31}).zeros(3).pps({.id = 255, .sps_id = 31});  // a repetition
   SliceFields next = picture(1, 2);
   next.pps_id = 255;
   b.raw_slice(next, {30});
@@ -256,7 +283,8 @@ TEST(Errors, NameWhatIsWrong) {
            Case{StreamBuilder().sps().pps().raw_slice(kIdr, {1, 1}), "data go on behind the last macroblock"},
            Case{StreamBuilder().sps().pps().nal(5, 1, StreamBuilder::slice_header(kIdr).ue(25)), "data end too early"},
            Case{StreamBuilder().sps().pps().nal(5, 1, BitWriter().ue(0).ue(7)), "data end too early"},
-           Case{macroblock({15, 0, 0}), "data end too early"},  // luma coefficients
+           Case{macroblock({3, 0, 0}), "data end too early"},   // by the last bit
+           Case{macroblock({15, 0, 0}), "data end too early"},  // by all luma coefficients
            Case{StreamBuilder().sps().pps(), "no picture found"},
            Case{macroblock({26}), "macroblock 0: mb_type is out of range"},
            Case{macroblock({3, 4}), "intra_chroma_pred_mode is out of range"},

@@ -56,7 +56,7 @@ struct SpsFields {
 
 struct PpsFields {
   int id = 0, sps_id = 0;
-  bool cabac = false;
+  bool cabac = false, bottom_field_poc = false, deblocking_control = false;
   int slice_groups = 1, init_qp = 26;
   bool redundant_pic_count = false;
   bool high_fields = false, transform_8x8 = false, scaling_lists = false;
@@ -72,10 +72,11 @@ struct SliceFields {
   int field_pic = -1;  // written if not negative
   int idr_pic_id = 0;
   int poc_lsb = -1;               // written if not negative
-  std::vector<int> delta_poc{};   // for order type 1
+  std::vector<int> delta_poc{};   // as the parameter sets want them
   int redundant_pic_count = -1;   // written if not negative
   std::vector<int> operations{};  // memory management, each with its numbers, closed by 0
   int qp_delta = 0;
+  int deblocking = -1;  // the mode, written if not negative
 };
 
 class StreamBuilder {
@@ -88,6 +89,11 @@ class StreamBuilder {
       zeros = byte == 0 ? zeros + 1 : 0;
       out_.push_back(byte);
     }
+    return *this;
+  }
+
+  StreamBuilder& zeros(std::size_t count) {
+    out_.resize(out_.size() + count);
     return *this;
   }
 
@@ -118,9 +124,10 @@ class StreamBuilder {
 
   StreamBuilder& pps(const PpsFields& f = {}) {
     BitWriter w;
-    w.ue(f.id).ue(f.sps_id).u(1, f.cabac).u(1, 0).ue(f.slice_groups - 1);
+    w.ue(f.id).ue(f.sps_id).u(1, f.cabac).u(1, f.bottom_field_poc).ue(f.slice_groups - 1);
     if (f.slice_groups > 1) w.ue(1);  // dispersed: has no further fields
-    w.ue(0).ue(0).u(3, 0).se(f.init_qp - 26).se(0).se(f.chroma_offset).u(2, 0).u(1, f.redundant_pic_count);
+    w.ue(0).ue(0).u(3, 0).se(f.init_qp - 26).se(0).se(f.chroma_offset);
+    w.u(1, f.deblocking_control).u(1, 0).u(1, f.redundant_pic_count);
     if (f.high_fields) {
       w.u(1, f.transform_8x8).u(1, f.scaling_lists);
       if (f.scaling_lists) w.u(f.transform_8x8 ? 8 : 6, 0);
@@ -141,15 +148,20 @@ class StreamBuilder {
     if (f.ref_idc > 0 && f.nal_type == 5) w.u(2, 0);
     if (f.ref_idc > 0 && f.nal_type != 5) w.u(1, !f.operations.empty());
     for (const int number : f.operations) w.ue(number);
-    return w.se(f.qp_delta);
+    w.se(f.qp_delta);
+    if (f.deblocking >= 0) w.ue(f.deblocking);
+    if (f.deblocking >= 0 && f.deblocking != 1) w.se(0).se(0);
+    return w;
+  }
+  static BitWriter& raw_macroblock(BitWriter& w, int shade) {
+    w.ue(25).align();
+    for (int i = 0; i < 384; ++i) w.u(8, shade);
+    return w;
   }
   /// A slice of raw macroblocks, all of whose samples are `shades[i]`.
   StreamBuilder& raw_slice(const SliceFields& f, const std::vector<int>& shades) {
     BitWriter w = slice_header(f);
-    for (const int shade : shades) {
-      w.ue(25).align();
-      for (int i = 0; i < 384; ++i) w.u(8, shade);
-    }
+    for (const int shade : shades) raw_macroblock(w, shade);
     return nal(f.nal_type, f.ref_idc, w);
   }
 

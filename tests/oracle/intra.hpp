@@ -4,7 +4,7 @@
 #include <functional>
 #include <vector>
 
-namespace mox::test::oracle {
+namespace mox::oracle {
 
 /// The sample at (x, y) relative to a block; called for its neighbours only.
 using At = std::function<int(int x, int y)>;
@@ -148,4 +148,4 @@ inline int chroma(int h, int mode, int x, int y, const At& p, bool top, bool upp
   return mean(above, depth);
 }
 
-}  // namespace mox::test::oracle
+}  // namespace mox::oracle

@@ -16,7 +16,8 @@ struct Thresholds {
   std::array<std::uint8_t, 2> beta;
   std::array<std::uint8_t, 16> tc0;
 
-  bool all_zero() const { return (alpha[0] | alpha[1]) == 0 || (beta[0] | beta[1]) == 0; }
+  /// No sample can change: each step across an edge must be below alpha.
+  bool all_zero() const { return (alpha[0] | alpha[1]) == 0; }
 };
 
 /// tc0 by the quantiser index and the strength 0 to 4; strengths 0 and 4 need none.

@@ -165,10 +165,9 @@ SliceHeader parse_slice_header(BitReader& bits, const Nal& nal, const ParameterS
 }
 
 bool begins_new_picture(const SliceHeader& slice, const SliceHeader& next) {
-  return slice.pps->id != next.pps->id || slice.sps != next.sps || slice.frame_num != next.frame_num ||
-         slice.field_pic != next.field_pic || slice.bottom_field != next.bottom_field ||
-         (slice.nal_ref_idc == 0) != (next.nal_ref_idc == 0) || slice.idr != next.idr ||
-         slice.idr_pic_id != next.idr_pic_id || slice.poc_lsb != next.poc_lsb ||
+  return slice.pps->id != next.pps->id || slice.frame_num != next.frame_num || slice.field_pic != next.field_pic ||
+         slice.bottom_field != next.bottom_field || (slice.nal_ref_idc == 0) != (next.nal_ref_idc == 0) ||
+         slice.idr != next.idr || slice.idr_pic_id != next.idr_pic_id || slice.poc_lsb != next.poc_lsb ||
          slice.delta_poc_bottom != next.delta_poc_bottom || slice.delta_poc != next.delta_poc;
 }
 

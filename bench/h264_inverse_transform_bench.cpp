@@ -1,0 +1,73 @@
+#include "support/bench.hpp"
+
+namespace mox::bench {
+namespace {
+
+constexpr Mox32s kStep = 32, kStepBytes = 2 * 4, kQp = 28, kQs = 30, kPer = 4, kBitDepth = 10;
+constexpr Mox32s kDcAlone = 0, kAc = 1;
+
+// Predictions, and where the results go.
+const Mox8u* const kPred = buffer<Mox8u>(8 * kStep, 60, 190);
+const Mox16u* const kPred10 = buffer<Mox16u>(8 * kStep, 240, 760);
+Mox8u* const kDst = buffer<Mox8u>(8 * kStep, 0, 0);
+Mox16u* const kDst10 = buffer<Mox16u>(8 * kStep, 0, 0);
+
+// Coefficients of up to 8x8, in both widths; a second block, a DC value, scales.
+const Fresh<Mox16s> kFresh(64, -12, 12);
+const Fresh<Mox32s> kFresh32(64, -12, 12);
+Mox16s* const kBlock = kFresh.data();
+Mox32s* const kBlock32 = kFresh32.data();
+const Mox16s* const kOther = buffer<Mox16s>(16, -500, 500);
+const Mox16s* const kDc = buffer<Mox16s>(1, 700, 700);
+const Mox32s* const kDc32 = buffer<Mox32s>(1, 700, 700);
+const Mox16s* const kScales = buffer<Mox16s>(64, 160, 320);
+
+void restore() { kFresh.restore(), kFresh32.restore(); }
+
+template <class Function, class... Arguments>
+Row block(Symbol<Function> symbol, std::string_view variant, Arguments... arguments) {
+  return loop(symbol, variant, [=](Function* function) {
+    restore();
+    return function(arguments...);
+  });
+}
+
+const Row kRows[] = {
+    restoring("copy of the coefficients alone", restore),
+    block(MOX_FN(moxiDequantTransformResidual_H264_16s_C1I), "", kBlock, kStepBytes, nullptr, kAc, kQp),
+    block(MOX_FN(moxiDequantTransformResidualAndAdd_H264_16s_C1I), "", kPred, kBlock, nullptr, kDst, kStep, kStep, kQp,
+          kAc),
+    block(MOX_FN(moxiDequantTransformResidualAndAdd_H264_16s_C1I), "DC given", kPred, kBlock, kDc, kDst, kStep, kStep,
+          kQp, kAc),
+    block(MOX_FN(moxiDequantTransformResidualAndAdd_H264_16s_C1I), "DC alone", kPred, kBlock, kDc, kDst, kStep, kStep,
+          kQp, kDcAlone),
+    block(MOX_FN(moxiDequantTransformResidual_SISP_H264_16s_C1I), "", kBlock, kOther, nullptr, kAc, kQp, kQs, 0),
+    block(MOX_FN(moxiTransformDequantLumaDC_H264_16s_C1I), "", kBlock, kQp),
+    block(MOX_FN(moxiTransformDequantChromaDC_H264_16s_C1I), "", kBlock, kQp),
+    block(MOX_FN(moxiTransformDequantChromaDC_SISP_H264_16s_C1I), "", kBlock, kOther, kQp, kQs, 0),
+    block(MOX_FN(moxiTransformQuantInvAddPred4x4_H264_16s_C1IR), "", kPred, kStep, kBlock, nullptr, kDst, kStep, kQp,
+          kAc, kScales),
+    block(MOX_FN(moxiTransformQuantInvAddPred4x4_H264_16s_C1IR), "DC alone", kPred, kStep, kBlock, kDc, kDst, kStep,
+          kQp, kDcAlone, kScales),
+    block(MOX_FN(moxiTransformQuantInvAddPred4x4_H264_32s_C1IR), "", kPred10, kStep, kBlock32, nullptr, kDst10, kStep,
+          kQp, kAc, kBitDepth, kScales),
+    block(MOX_FN(moxiTransformQuantInvAddPred4x4_H264_32s_C1IR), "DC alone", kPred10, kStep, kBlock32, kDc32, kDst10,
+          kStep, kQp, kDcAlone, kBitDepth, kScales),
+    block(MOX_FN(moxiTransformQuantInvChromaDC2x2_H264_16s_C1I), "", kBlock, kQp, kScales),
+    block(MOX_FN(moxiTransformQuantInvChromaDC2x2_H264_32s_C1I), "", kBlock32, kQp, kScales),
+    block(MOX_FN(moxiTransformQuantInvChromaDC2x4_H264_16s_C1I), "", kBlock, kQp, kScales),
+    block(MOX_FN(moxiTransformQuantInvChromaDC2x4_H264_32s_C1I), "", kBlock32, kQp, kScales),
+    block(MOX_FN(moxiTransformQuantInvLumaDC4x4_H264_16s_C1I), "", kBlock, kQp, kScales),
+    block(MOX_FN(moxiTransformQuantInvLumaDC4x4_H264_32s_C1I), "", kBlock32, kQp, kScales),
+    block(MOX_FN(moxiTransformResidual4x4Inv_H264_16s_C1), "", kOther, kBlock),
+    block(MOX_FN(moxiTransformResidual4x4Inv_H264_32s_C1), "", kBlock32, kBlock32),
+    block(MOX_FN(moxiQuantLuma8x8Inv_H264_16s_C1I), "", kBlock, kPer, kScales),
+    block(MOX_FN(moxiQuantInvLuma8x8_H264_32s_C1I), "", kBlock32, kPer, kScales),
+    block(MOX_FN(moxiTransformLuma8x8InvAddPred_H264_16s8u_C1R), "", kPred, kStep, kBlock, kDst, kStep),
+    block(MOX_FN(moxiTransformInvAddPredLuma8x8_H264_32s16u_C1R), "", kPred10, kStep, kBlock32, kDst10, kStep,
+          kBitDepth),
+};
+const Family kInverseTransform("h264_inverse_transform", kRows);
+
+}  // namespace
+}  // namespace mox::bench
