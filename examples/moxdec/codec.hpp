@@ -25,6 +25,8 @@ class Decoder {
   /// The next frame in display order; null behind the last one. Frames of a stream may differ in format. A stream with
   /// an error gives the frames before it, then throws DecodeError.
   virtual std::shared_ptr<const Frame> next() = 0;
+  /// Chooses another way to the same frames, where there is one: references with margins. To be called before next().
+  virtual void expand_references() {}
   /// Known once the first frame is out.
   virtual FrameRate frame_rate() const { return {}; }
 };

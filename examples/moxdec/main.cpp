@@ -27,7 +27,7 @@ using Clock = std::chrono::steady_clock;
 constexpr const char* kUsage = "usage: moxdec INPUT [-o OUT.yuv|OUT.y4m|OUT.png] [--frames N] [--quiet]\n";
 constexpr const char* kHelp =
     "\n"
-    "Decodes a video stream. Known so far: H.264 byte streams of I pictures, CAVLC, 8-bit 4:2:0.\n"
+    "Decodes a video stream. Known so far: H.264 byte streams of frame pictures, CAVLC, 8-bit 4:2:0.\n"
     "\n"
     "  -o OUT      .yuv  raw planes Y, U, V of each frame in display order, cropped (any other ending too)\n"
     "              .y4m  the same with headers\n"
@@ -50,6 +50,7 @@ struct Options {
   std::string output;
   long long frames = std::numeric_limits<long long>::max();
   bool quiet = false;
+  bool expand = false;  // for tests, not in the help: references with margins
   bool help = false;
 };
 
@@ -76,6 +77,8 @@ Options parse_options(const std::vector<std::string>& arguments) {
       options.frames = parse_count(value());
     } else if (argument == "--quiet") {
       options.quiet = true;
+    } else if (argument == "--expand") {
+      options.expand = true;
     } else if (argument == "--help") {
       options.help = true;
     } else if (argument.starts_with("-") || !options.input.empty()) {
@@ -163,6 +166,7 @@ void run(const Options& options) {
   const std::vector<std::uint8_t> data = read_file(options.input);
   const Codec& codec = find_codec(data, options.input);
   const auto decoder = codec.open(data);
+  if (options.expand) decoder->expand_references();
   const auto writer = options.output.empty() ? nullptr : open_writer(options.output);
   Totals totals;
   decode(*decoder, writer.get(), options, totals);

@@ -42,6 +42,7 @@ class H264Decoder : public Decoder {
       advance();
     }
   }
+  void expand_references() override { picture_.set_outside(OutsideSamples::kExpanded); }
   FrameRate frame_rate() const override { return sps_ ? sps_->frame_rate : FrameRate{}; }
 
  private:

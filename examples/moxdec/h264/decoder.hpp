@@ -1,4 +1,4 @@
-/// H.264 byte streams: I pictures coded with CAVLC, 8-bit 4:2:0 frames.
+/// H.264 byte streams: frame pictures of I, P and B slices coded with CAVLC, 8-bit 4:2:0.
 #pragma once
 
 #include "moxdec/codec.hpp"
