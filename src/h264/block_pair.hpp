@@ -1,10 +1,8 @@
 /// The walk over two prediction blocks that become one, for averages and for weighted prediction.
 #pragma once
 
-#include <array>
 #include <cstddef>
 
-#include "frame/access.hpp"
 #include "frame/arithmetic.hpp"
 #include "moxvc/types.h"
 
@@ -32,19 +30,13 @@ constexpr int fixed_width(int width) { return width == 2 || width == 4 || width 
 
 namespace mox::px {
 
-/// Stores rule(a, b) for each pair of samples. A width or height of 0 as template argument is taken from `size`; a row
-/// of fixed width is stored when all of it has been read.
+/// Stores rule(a, b) for each pair of samples. A width or height of 0 as template argument is taken from `size`.
 template <int W, int H, class T, class Rule>
 MoxStatus combine(BlockPair<T> at, MoxiSize size, Rule rule) {
   const int width = W > 0 ? W : size.width, height = H > 0 ? H : size.height;
   for (int y = 0; y < height; ++y) {
-    if constexpr (W > 0) {
-      std::array<T, W> row;
-      for (int x = 0; x < W; ++x) row[x] = rule(at.src1[x], at.src2[x]);
-      store(at.dst, row);
-    } else {
-      for (int x = 0; x < width; ++x) at.dst[x] = rule(at.src1[x], at.src2[x]);
-    }
+#pragma GCC unroll 1  // unrolled loops of few samples are no longer vectorised
+    for (int x = 0; x < width; ++x) at.dst[x] = rule(at.src1[x], at.src2[x]);
     at.src1 += at.step1, at.src2 += at.step2, at.dst += at.dstStep;
   }
   return moxStsOk;

@@ -11,8 +11,8 @@
 
 namespace mox {
 
-/// The rows of a plane that belong to a frame or to one of its fields, and what is to be added around them. Of a margin
-/// that lies on both fields' rows, each field gets its own.
+/// The rows of a frame or of one of its fields, and what is to be added around them. A field is a plane of twice the
+/// step.
 struct ExpandedRows {
   Mox8u* first;  ///< first sample of the first row
   std::ptrdiff_t step;
@@ -26,7 +26,7 @@ struct ExpandedRows {
 
 enum class ExpandMode { kFrame, kTopField, kBottomField };
 
-/// The height is even. Row -1 belongs to the bottom field, the row below the last one to the top field.
+/// The height is even: row -1 belongs to the bottom field, the row below the last one to the top field.
 constexpr ExpandedRows expanded_rows(Mox8u* plane, Mox32s width, Mox32s height, std::ptrdiff_t step, Mox32s expandSize,
                                      ExpandMode mode) {
   const std::ptrdiff_t more = (std::ptrdiff_t{expandSize} + 1) >> 1, less = expandSize >> 1;

@@ -32,17 +32,21 @@ constexpr Mox32s chroma_value(const T* s, std::ptrdiff_t right, std::ptrdiff_t s
          6;
 }
 
+template <int kType, class T>
+void chroma_row(const T* src, std::ptrdiff_t step, T* __restrict dst, int width, Mox32s dx, Mox32s dy) {
+  for (int x = 0; x < width; ++x) dst[x] = static_cast<T>(chroma_value<kType>(src + x, 1, step, dx, dy));
+}
+
 /// Interpolates a block W columns wide, or of any width if W is 0. Reads one more column right of the block if the type
 /// has a horizontal fraction, one more row below if it has a vertical one.
 template <class T, int W, int kType>
 MoxStatus interpolate_chroma(const MoxiInterpKernelArgs<T>& a) {
   const int width = W > 0 ? W : a.width;
   const Mox32s dx = a.dx, dy = a.dy;
+  const std::ptrdiff_t step = a.srcStep, dstStep = a.dstStep;
   const T* src = a.pSrc;
-  T* __restrict dst = a.pDst;
-  for (int y = 0; y < a.height; ++y, src += a.srcStep, dst += a.dstStep) {
-    for (int x = 0; x < width; ++x) dst[x] = static_cast<T>(chroma_value<kType>(src + x, 1, a.srcStep, dx, dy));
-  }
+  T* dst = a.pDst;
+  for (int y = a.height; y > 0; --y, src += step, dst += dstStep) chroma_row<kType>(src, step, dst, width, dx, dy);
   return moxStsOk;
 }
 
@@ -60,15 +64,18 @@ MoxStatus interpolate_chroma_nv12(const MoxiInterpKernelArgs<Mox8u>& a) {
   return moxStsOk;
 }
 
+inline void split_row(const Mox8u* src, Mox8u* __restrict u, Mox8u* __restrict v, int width) {
+  for (int x = 0; x < width; ++x) u[x] = src[2 * x], v[x] = src[2 * x + 1];
+}
+
 /// Parts the U and V samples that the kernel of a type reads for W columns.
 template <int W, int kType>
 MoxStatus split_chroma_nv12(const MoxiInterpKernelArgs<Mox8u>& a) {
+  const std::ptrdiff_t srcStep = a.srcStep, dstStep = a.dstStep;
   const Mox8u* src = a.pSrc;
-  Mox8u* __restrict u = a.pDst;
-  Mox8u* __restrict v = a.pDst2;
-  for (int y = 0; y < a.height + (kType >> 1); ++y, src += a.srcStep, u += a.dstStep, v += a.dstStep) {
-    for (int x = 0; x < W + (kType & 1); ++x) u[x] = src[2 * x], v[x] = src[2 * x + 1];
-  }
+  Mox8u *u = a.pDst, *v = a.pDst2;
+  for (int y = a.height + (kType >> 1); y > 0; --y, src += srcStep, u += dstStep, v += dstStep)
+    split_row(src, u, v, W + (kType & 1));
   return moxStsOk;
 }
 

@@ -80,27 +80,32 @@ Mox32s luma_value(const T* src, std::ptrdiff_t step, const LumaSum<T>* sums, Mox
   return clip((six_tap(sums + 2, 1) + 512) >> 10, 0, max);
 }
 
+template <LumaPosition kPosition, class T>
+void luma_row(const T* src, std::ptrdiff_t step, const LumaSum<T>* sums, T* __restrict dst, int width, Mox32s max) {
+  constexpr bool kHasSums = kPosition.has(LumaSample::kJ);
+  for (int x = 0; x < width; ++x) {
+    Mox32s value = luma_value<kPosition.u, kHasSums>(src + x, step, sums + x, max);
+    if constexpr (kPosition.v.sample != LumaSample::kNone)
+      value = avg_up(value, luma_value<kPosition.v, kHasSums>(src + x, step, sums + x, max));
+    dst[x] = static_cast<T>(value);
+  }
+}
+
 /// Interpolates a block W columns wide, or of any width up to kWidestLuma if W is 0. Reads 2 columns left and 3 right
 /// of the block if the position has a horizontal fraction, 2 rows above and 3 below if it has a vertical one.
 template <class T, int W, LumaPosition kPosition>
 MoxStatus interpolate_luma(const MoxiInterpKernelArgs<T>& a) {
-  constexpr bool kHasSums = kPosition.has(LumaSample::kJ);
   const Mox32s max = sizeof(T) == 1 ? 255 : sample_max(a.bitDepth);
   const int width = W > 0 ? W : a.width;
-  const std::ptrdiff_t step = a.srcStep;
+  const std::ptrdiff_t step = a.srcStep, dstStep = a.dstStep;
   const T* src = a.pSrc;
-  T* __restrict dst = a.pDst;
+  T* dst = a.pDst;
   LumaSum<T> sums[(W > 0 ? W : kWidestLuma) + 5];
-  for (int y = 0; y < a.height; ++y, src += step, dst += a.dstStep) {
-    if constexpr (kHasSums) {
+  for (int y = a.height; y > 0; --y, src += step, dst += dstStep) {
+    if constexpr (kPosition.has(LumaSample::kJ)) {
       for (int x = 0; x < width + 5; ++x) sums[x] = static_cast<LumaSum<T>>(six_tap(src + x - 2, step));
     }
-    for (int x = 0; x < width; ++x) {
-      Mox32s value = luma_value<kPosition.u, kHasSums>(src + x, step, sums + x, max);
-      if constexpr (kPosition.v.sample != LumaSample::kNone)
-        value = avg_up(value, luma_value<kPosition.v, kHasSums>(src + x, step, sums + x, max));
-      dst[x] = static_cast<T>(value);
-    }
+    luma_row<kPosition>(src, step, sums, dst, width, max);
   }
   return moxStsOk;
 }

@@ -57,7 +57,7 @@ constexpr T weighted(const Weighting& by, Mox32s sum) {
 /// Two blocks.
 template <int W, int H, class T>
 MoxStatus weight_pair(BlockPair<T> at, Weighting by, MoxiSize size) {
-  return combine<W, H>(at, size, [&by](Mox32s a, Mox32s b) {
+  return combine<W, H>(at, size, [by](Mox32s a, Mox32s b) {
     return weighted<T>(by, add32(mul32(a, by.weight1), mul32(b, by.weight2)));
   });
 }
@@ -66,7 +66,7 @@ MoxStatus weight_pair(BlockPair<T> at, Weighting by, MoxiSize size) {
 template <int W, class T>
 MoxStatus weight_single(T* block, std::ptrdiff_t step, Weighting by, MoxiSize size) {
   return combine<W, 0>(BlockPair<T>{block, step, block, step, block, step}, size,
-                       [&by](Mox32s a, Mox32s) { return weighted<T>(by, mul32(a, by.weight1)); });
+                       [by](Mox32s a, Mox32s) { return weighted<T>(by, mul32(a, by.weight1)); });
 }
 
 /// Two 8-bit blocks. A width and height of 0 stand for those of `size`, whatever they are.

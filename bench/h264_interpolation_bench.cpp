@@ -1,0 +1,70 @@
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "support/bench.hpp"
+
+namespace mox::bench {
+namespace {
+
+constexpr int kStep = 96;
+const Mox8u* const kSource_8u = buffer<Mox8u>(kStep * kStep, 0, 255);
+const Mox16u* const kSource_16u = buffer<Mox16u>(kStep * kStep, 0, 1023);
+constexpr int kBlock = 32 * kStep + 32;  ///< the block in the middle of the source
+Mox8u* const kDst_8u = buffer<Mox8u>(2 * 16 * 16, 0, 0);
+Mox16u* const kDst_16u = buffer<Mox16u>(2 * 16 * 16, 0, 0);
+
+std::string variant(int width, int height, int dx, int dy) {
+  return std::to_string(width) + "x" + std::to_string(height) + " " + std::to_string(dx) + "," + std::to_string(dy);
+}
+
+std::vector<Row> luma_rows() {
+  std::vector<Row> rows;
+  for (int size : {4, 8, 16}) {
+    for (auto [dx, dy] : {std::pair{0, 0}, {1, 0}, {2, 0}, {0, 1}, {0, 2}, {1, 1}, {2, 1}, {1, 2}, {2, 2}}) {
+      rows.push_back(call(MOX_FN(moxiInterpolateLuma_H264_8u_C1R), variant(size, size, dx, dy), kSource_8u + kBlock,
+                          kStep, kDst_8u, 16, dx, dy, MoxiSize{size, size}));
+    }
+  }
+  for (auto [dx, dy] : {std::pair{0, 0}, {2, 0}, {0, 2}, {1, 1}, {2, 2}}) {
+    auto* region = new MoxiInterpRegion_16u{kSource_16u + kBlock, kStep, kDst_16u, 16, dx, dy, 16, 16, 10};
+    rows.push_back(call(MOX_FN(moxiInterpolateLuma_H264_16u_C1R), variant(16, 16, dx, dy), region));
+  }
+  return rows;
+}
+
+std::vector<Row> chroma_rows() {
+  std::vector<Row> rows;
+  for (int size : {2, 4, 8}) {
+    for (auto [dx, dy] : {std::pair{0, 0}, {3, 0}, {0, 3}, {3, 5}}) {
+      rows.push_back(call(MOX_FN(moxiInterpolateChroma_H264_8u_C1R), variant(size, size, dx, dy), kSource_8u + kBlock,
+                          kStep, kDst_8u, 16, dx, dy, MoxiSize{size, size}));
+    }
+  }
+  rows.push_back(call(MOX_FN(moxiInterpolateChroma_H264_8u_C2P2R), "8x8 3,5", kSource_8u + kBlock, kStep, kDst_8u,
+                      kDst_8u + 256, 16, 3, 5, MoxiSize{8, 8}));
+  auto* region = new MoxiInterpRegion_16u{kSource_16u + kBlock, kStep, kDst_16u, 16, 3, 5, 8, 8, 10};
+  rows.push_back(call(MOX_FN(moxiInterpolateChroma_H264_16u_C1R), "8x8 3,5", region));
+  return rows;
+}
+
+std::vector<Row> block_rows() {
+  std::vector<Row> rows;
+  for (int x : {32, 80}) {  // inside the picture, and across its right edge
+    const std::string place = x == 32 ? "inside" : "at the edge";
+    auto* luma = new MoxiInterpBlock_8u{{kSource_8u}, kStep, {kDst_8u}, 16, {kStep, kStep}, {16, 16}, {x, 40}, {6, 6}};
+    rows.push_back(call(MOX_FN(moxiInterpolateLumaBlock_H264_8u_P1R), place, luma));
+    auto* chroma = new MoxiInterpBlock_8u{
+        {kSource_8u, kSource_8u}, kStep, {kDst_8u, kDst_8u + 256}, 16, {88, 88}, {8, 8}, {x, 40}, {11, 5}};
+    rows.push_back(call(MOX_FN(moxiInterpolateChromaBlock_H264_8u_P2R), place, chroma));
+  }
+  return rows;
+}
+
+const std::vector<Row> kLumaRows = luma_rows(), kChromaRows = chroma_rows(), kBlockRows = block_rows();
+const Family kLuma("h264_luma_interpolation", kLumaRows);
+const Family kChroma("h264_chroma_interpolation", kChromaRows);
+const Family kBlocks("h264_block_interpolation", kBlockRows);
+
+}  // namespace
+}  // namespace mox::bench
