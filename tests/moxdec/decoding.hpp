@@ -55,10 +55,13 @@ inline Stream raw_planes(const moxdec::Frame& frame) {
   return samples;
 }
 
-inline Decoded decode_all(const Stream& stream, const std::string& name = "stream.264") {
+enum class References { kPlain, kExpanded };
+
+inline Decoded decode_all(const Stream& stream, References references = References::kPlain) {
   Decoded result;
   try {
-    const auto decoder = moxdec::find_codec(stream, name).open(stream);
+    const auto decoder = moxdec::find_codec(stream, "stream.264").open(stream);
+    if (references == References::kExpanded) decoder->expand_references();
     while (auto frame = decoder->next()) result.frames.push_back(std::move(frame));
   } catch (const moxdec::DecodeError& error) {
     result.error = error.what();

@@ -262,9 +262,9 @@ TEST(Errors, NameWhatIsWrong) {
            Case{with_sets({.frame_mbs_only = false}, plain, {.field_pic = 1, .poc_lsb = 0}), "field pictures are not"},
            Case{with_sets({.frame_mbs_only = false, .mb_adaptive = true}, plain, {.field_pic = 0, .poc_lsb = 0}),
                 "frame/field adaptive coding is not supported"},
-           Case{slice({.type = 5, .poc_lsb = 0}), "slice at byte 22: P slices are not supported"},
-           Case{slice({.type = 1, .poc_lsb = 0}), "B slices are not supported"},
-           Case{slice({.type = 3, .poc_lsb = 0}), "SP slices are not supported"},
+           Case{slice({.type = 3, .poc_lsb = 0}), "slice at byte 22: SP slices are not supported"},
+           Case{slice({.type = 9, .poc_lsb = 0}), "SI slices are not supported"},
+           Case{slice({.type = 5, .poc_lsb = 0}), "slice_type is out of range"},
            Case{slice({.nal_type = 2, .poc_lsb = 0}), "data partitioning is not supported"},
            Case{slice({.type = 10}), "slice_type is out of range"},
            Case{slice({.first_mb = 1}), "first_mb_in_slice is out of range"},
@@ -297,6 +297,74 @@ TEST(Errors, NameWhatIsWrong) {
     const Decoded decoded = decode_all(c.stream.stream());
     EXPECT_NE(decoded.error.find(c.message), std::string::npos) << c.message << "; got: " << decoded.error;
     EXPECT_TRUE(decoded.frames.empty()) << c.message;
+  }
+}
+
+/// A picture behind an IDR picture of two macroblocks; what is wrong in it, in its header or its first macroblocks.
+TEST(Errors, OfInterSlices) {
+  const BitWriter plain = BitWriter().u(2, 0), three_references = BitWriter().u(1, 1).ue(2).u(1, 0);
+  const BitWriter spatial = BitWriter().u(1, 1).u(3, 0);
+  const auto change = [](std::initializer_list<std::uint32_t> codes) {
+    BitWriter w = BitWriter().u(1, 0).u(1, 1);
+    for (const auto code : codes) w.ue(code);
+    return w;
+  };
+  // Behind the header: how many are skipped, mb_type, ...
+  const auto data = [](std::initializer_list<int> unsigned_codes, std::initializer_list<int> vectors = {}) {
+    BitWriter w;
+    for (const int code : unsigned_codes) w.ue(static_cast<std::uint32_t>(code));
+    for (const int vector : vectors) w.se(vector);
+    return w;
+  };
+  struct Case {
+    int type;
+    BitWriter list_fields, data;
+    const char* message;
+    std::vector<int> operations{};
+    PpsFields pps{};
+  };
+  for (const Case& c : {
+           Case{0, plain, data({3}), "macroblock 0: mb_skip_run is out of range"},
+           Case{0, plain, data({0, 31}), "mb_type is out of range"},
+           Case{1, spatial, data({0, 49}), "mb_type is out of range"},
+           Case{0, plain, data({0, 3, 4}), "sub_mb_type is out of range"},
+           Case{1, spatial, data({0, 22, 13}), "sub_mb_type is out of range"},
+           Case{0, three_references, data({0, 0, 3}), "ref_idx is out of range"},
+           Case{0, three_references, data({0, 0, 1}, {0, 0}), "macroblock 0: a reference picture is missing"},
+           Case{0, plain, data({0, 0}, {40000, 0}), "mvd is out of range"},
+           Case{0, plain, data({0, 0}, {30000, 0}).append(data({0, 0, 0}, {30000, 0})),
+                "macroblock 1: motion vector is out of range"},
+           Case{0, plain, data({0, 0}, {0, 0}).append(data({48})), "coded_block_pattern is out of range"},
+           Case{0, plain, data({2}).append(data({0, 0})), "data go on behind the last macroblock"},
+           Case{0, plain, data({1}), "picture at byte 803: 1 of 2 macroblocks are missing"},
+           Case{0, change({4}), {}, "modification_of_pic_nums_idc is out of range"},
+           Case{0, change({0, 16}), {}, "picture number is out of range"},
+           Case{0, change({2, 16}), {}, "picture number is out of range"},
+           Case{0, change({0, 0, 0, 0}), {}, "too many changes to a reference list"},
+           Case{0, change({2, 3, 3}), data({2}), "a reference picture is missing"},
+           Case{1, BitWriter().u(1, 1).u(1, 0).append(change({2, 3, 3})), data({2}), "of direct prediction is"},
+           Case{0, BitWriter().u(1, 1).ue(32), {}, "num_ref_idx_active_minus1 is out of range"},
+           Case{0, plain, {}, "memory_management_control_operation is out of range", {7}},
+           Case{0, plain, {}, "long_term_pic_num is out of range", {2, 16}},
+           Case{0, plain, {}, "difference_of_pic_nums_minus1 is out of range", {1, 16}},
+           Case{0, plain, {}, "max_long_term_frame_idx_plus1 is out of range", {4, 17}},
+           Case{0, plain, data({2}), "too many reference pictures", {4, 0, 0}},
+           Case{0, BitWriter(plain).ue(8), {}, "luma_log2_weight_denom is out of range", {}, {.weighted_pred = true}},
+           Case{0,
+                BitWriter(plain).ue(0).ue(0).u(1, 1).se(128),
+                {},
+                "prediction weight is",
+                {},
+                {.weighted_pred = true}},
+       }) {
+    StreamBuilder b;
+    b.sps({.mb_width = 2}).pps(c.pps).raw_slice(kIdr, {10, 20});
+    SliceFields fields = picture(1, 2);
+    fields.type = c.type, fields.list_fields = c.list_fields, fields.operations = c.operations;
+    b.nal(1, 1, StreamBuilder::slice_header(fields).append(c.data));
+    const Decoded decoded = decode_all(b.stream());
+    EXPECT_NE(decoded.error.find(c.message), std::string::npos) << c.message << "; got: " << decoded.error;
+    EXPECT_EQ(decoded.shades(), std::vector<int>{10}) << c.message;
   }
 }
 

@@ -45,7 +45,7 @@ struct SpsFields {
   int profile = 66, level = 30, id = 0;
   int chroma_format = 1, bit_depth = 8;  // from here to bypass for profile 100 and higher
   bool bypass = false;
-  int poc_type = 0;
+  int poc_type = 0, max_ref_frames = 1;
   int offset_for_non_ref = 0, offset_top_to_bottom = 0;
   std::vector<int> offsets_for_ref_frame{};
   int mb_width = 1, mb_height = 1;
@@ -58,7 +58,7 @@ struct PpsFields {
   int id = 0, sps_id = 0;
   bool cabac = false, bottom_field_poc = false, deblocking_control = false;
   int slice_groups = 1, init_qp = 26;
-  bool redundant_pic_count = false;
+  bool weighted_pred = false, redundant_pic_count = false;
   bool transform_8x8 = false;  // with the other fields of High, if set
   int chroma_offset = 0;
 };
@@ -74,6 +74,7 @@ struct SliceFields {
   int poc_lsb = -1;               // written if not negative
   std::vector<int> delta_poc{};   // as the parameter sets want them
   int redundant_pic_count = -1;   // written if not negative
+  BitWriter list_fields{};        // P and B slices: from the direct mode to the weights
   std::vector<int> operations{};  // memory management, each with its numbers, closed by 0
   int qp_delta = 0;
   int deblocking = -1;  // the mode, written if not negative
@@ -112,7 +113,7 @@ class StreamBuilder {
           .ue(static_cast<std::uint32_t>(f.offsets_for_ref_frame.size()));
       for (const int offset : f.offsets_for_ref_frame) w.se(offset);
     }
-    w.ue(1).u(1, 0).ue(f.mb_width - 1).ue(f.mb_height - 1).u(1, f.frame_mbs_only);
+    w.ue(f.max_ref_frames).u(1, 0).ue(f.mb_width - 1).ue(f.mb_height - 1).u(1, f.frame_mbs_only);
     if (!f.frame_mbs_only) w.u(1, f.mb_adaptive);
     w.u(1, f.direct_inference).u(1, !f.crop.empty());
     for (const auto crop : f.crop) w.ue(crop);
@@ -125,7 +126,7 @@ class StreamBuilder {
     BitWriter w;
     w.ue(f.id).ue(f.sps_id).u(1, f.cabac).u(1, f.bottom_field_poc).ue(f.slice_groups - 1);
     if (f.slice_groups > 1) w.ue(1);  // dispersed: has no further fields
-    w.ue(0).ue(0).u(3, 0).se(f.init_qp - 26).se(0).se(f.chroma_offset);
+    w.ue(0).ue(0).u(1, f.weighted_pred).u(2, 0).se(f.init_qp - 26).se(0).se(f.chroma_offset);
     w.u(1, f.deblocking_control).u(1, 0).u(1, f.redundant_pic_count);
     if (f.transform_8x8) w.u(1, 1).u(1, 0).se(f.chroma_offset);
     return nal(8, 3, w);
@@ -140,6 +141,7 @@ class StreamBuilder {
     if (f.poc_lsb >= 0) w.u(4, f.poc_lsb);
     for (const int delta : f.delta_poc) w.se(delta);
     if (f.redundant_pic_count >= 0) w.ue(f.redundant_pic_count);
+    w.append(f.list_fields);
     if (f.ref_idc > 0 && f.nal_type == 5) w.u(2, 0);
     if (f.ref_idc > 0 && f.nal_type != 5) w.u(1, !f.operations.empty());
     for (const int number : f.operations) w.ue(number);

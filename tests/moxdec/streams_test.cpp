@@ -21,7 +21,7 @@ TEST_P(Streams, DecodeToTheReference) {
   const std::string generation = GetParam();
   const std::string environment = "LD_LIBRARY_PATH='" MOXVC_LIB_DIR "/" + generation + ":" MOXVC_LIB_DIR "' ";
   const std::vector<Vector> vectors = manifest();
-  ASSERT_GE(vectors.size(), 6u);
+  ASSERT_GE(vectors.size(), 18u);
   for (const Vector& vector : vectors) {
     const Ran ran =
         run("{ " + environment + kMoxdec + vector_path(vector.file) + " -o - --quiet; echo $? >&2; } | md5sum");
@@ -44,8 +44,10 @@ TEST(Report, TellsSizeAndFrames) {
 
 /// The slices of each picture in a random order give the same picture: prediction stays inside slices, and the filter
 /// does not care.
-TEST(Slices, MayComeInAnyOrder) {
-  const auto stream = read_file(vector_path("h264_i_slices_crop.264"));
+class SliceOrder : public testing::TestWithParam<const char*> {};
+
+TEST_P(SliceOrder, MayBeAny) {
+  const auto stream = read_file(vector_path(GetParam()));
   const std::uint8_t start[] = {0, 0, 1};
   std::vector<Stream> units;
   for (auto at = std::search(stream.begin(), stream.end(), start, start + 3); at != stream.end();) {
@@ -77,6 +79,22 @@ TEST(Slices, MayComeInAnyOrder) {
   ASSERT_EQ(decoded.frames.size(), expected.frames.size());
   for (std::size_t i = 0; i < expected.frames.size(); ++i) {
     EXPECT_TRUE(raw_planes(*decoded.frames[i]) == raw_planes(*expected.frames[i])) << "frame " << i;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(, SliceOrder, testing::Values("h264_i_slices_crop.264", "h264_base_p_multiref.264"));
+
+/// Prediction from margins and prediction with samples repeated on demand are two ways to the same pictures.
+TEST(Expansion, GivesTheSameFrames) {
+  for (const Vector& vector : manifest()) {
+    const Stream stream = read_file(vector_path(vector.file));
+    const Decoded plain = decode_all(stream), expanded = decode_all(stream, References::kExpanded);
+    EXPECT_EQ(expanded.error, "") << vector.file;
+    ASSERT_EQ(expanded.frames.size(), plain.frames.size()) << vector.file;
+    for (std::size_t i = 0; i < plain.frames.size(); ++i) {
+      EXPECT_GT(expanded.frames[i]->layout().margin, 0);
+      ASSERT_TRUE(raw_planes(*expanded.frames[i]) == raw_planes(*plain.frames[i])) << vector.file << " frame " << i;
+    }
   }
 }
 

@@ -8,29 +8,31 @@
 namespace mox::test {
 namespace {
 
-constexpr std::uint32_t kSliceP = 5, kSliceB = 6;
+constexpr int kSliceP = 5, kSliceB = 6;
 
-/// The header of a picture with one reference in each list, without deblocking.
-BitWriter inter_slice(std::uint32_t type) {
-  BitWriter w;
-  w.ue(0).ue(type).ue(0).u(4, 1).u(4, 2);
-  if (type == kSliceB) w.u(1, 1);                       // spatial direct prediction
-  w.u(1, 0).u(type == kSliceB ? 2 : 1, 0).se(0).ue(1);  // counts and lists as they are, quantiser 26
-  return w.ue(0);                                       // no skipped macroblocks
+/// The header of a picture with one reference in each list and quantiser 26, without deblocking.
+BitWriter inter_slice(int type) {
+  const bool is_b = type == kSliceB;
+  BitWriter lists;
+  if (is_b) lists.u(1, 1);           // spatial direct prediction
+  lists.u(1, 0).u(is_b ? 2 : 1, 0);  // counts and lists as they are
+  return StreamBuilder::slice_header(
+      {.nal_type = 1, .ref_idc = 0, .type = type, .frame_num = 1, .poc_lsb = 2, .list_fields = lists, .deblocking = 1});
 }
 
 /// A macroblock with a type and quadrants of these types, all vectors 0, of which the first quadrant has one
 /// coefficient, a DC of 1.
 struct InterCase {
   const char* name;
-  std::uint32_t slice, type;
+  int slice;
+  std::uint32_t type;
   std::vector<std::uint32_t> quadrants;
   int vectors;
   bool direct_inference, has_flag;
 };
 
 std::vector<int> decode_inter(const InterCase& c, bool transform_8x8) {
-  BitWriter w = inter_slice(c.slice).ue(c.type);
+  BitWriter w = inter_slice(c.slice).ue(0).ue(c.type);  // none skipped
   for (const auto quadrant : c.quadrants) w.ue(quadrant);
   for (int i = 0; i < c.vectors; ++i) w.se(0).se(0);
   w.ue(2);  // luma of the first quadrant
