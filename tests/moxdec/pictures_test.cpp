@@ -209,7 +209,7 @@ TEST(ParameterSets, PartsWithoutUse) {
     moxdec::h264::BitReader bits = reader_of(w, payload);
     EXPECT_EQ(parse_pps(bits, {}).init_qp, 33) << groups;
   }
-  // Scaling lists: none, one that ends at its fourth value, one of 64 values, a whole one of 16.
+  // Scaling lists: one left out, one that ends at its fourth value, a whole one of 16, one of 64.
   BitWriter w;
   w.u(8, 100).u(8, 0).u(8, 30).ue(0).ue(1).ue(0).ue(0).u(1, 0).u(1, 1);
   w.u(2, 1).se(2).se(-1).se(0).se(-9).u(4, 1);
@@ -218,7 +218,14 @@ TEST(ParameterSets, PartsWithoutUse) {
   for (int i = 0; i < 64; ++i) w.se(i % 5 - 2);
   w.ue(0).ue(2).ue(1).u(1, 0).ue(6).ue(0).u(1, 1).u(1, 1).u(2, 0);
   moxdec::h264::BitReader bits = reader_of(w, payload);
-  EXPECT_EQ(moxdec::h264::parse_sps(bits).mb_width, 7);
+  const moxdec::h264::Sps sps = moxdec::h264::parse_sps(bits);
+  EXPECT_EQ(sps.mb_width, 7);
+  ASSERT_TRUE(sps.scaling_lists);
+  EXPECT_FALSE((*sps.scaling_lists)[0]);
+  const auto& ended = (*sps.scaling_lists)[1];
+  ASSERT_TRUE(ended);
+  EXPECT_EQ(std::vector<int>(ended->begin(), ended->begin() + 16),
+            (std::vector<int>{10, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9}));
 }
 
 TEST(Slices, RedundantOnesAreLeftOut) {
@@ -245,7 +252,6 @@ TEST(Errors, NameWhatIsWrong) {
     StreamBuilder stream;
     const char* message;
   };
-  const SpsFields high = {.profile = 100};
   const PpsFields plain;
   for (const Case& c : {
            Case{with_sets({}, {.cabac = true}), "CABAC is not supported"},
@@ -253,11 +259,6 @@ TEST(Errors, NameWhatIsWrong) {
            Case{with_sets({.profile = 122, .chroma_format = 2}, plain), "chroma format 2 is not supported"},
            Case{with_sets({.profile = 110, .bit_depth = 10}, plain), "a bit depth above 8 is not supported"},
            Case{with_sets({.profile = 244, .bypass = true}, plain), "lossless coding is not supported"},
-           Case{with_sets({.profile = 100, .scaling_lists = true}, plain), "scaling lists are not supported"},
-           Case{with_sets(high, {.high_fields = true, .scaling_lists = true}), "scaling lists are not supported"},
-           Case{with_sets(high, {.high_fields = true, .transform_8x8 = true}), "the 8x8 transform is not supported"},
-           Case{with_sets(high, {.high_fields = true, .second_chroma_offset = 1}),
-                "one chroma plane alone is not supported"},
            Case{with_sets({.frame_mbs_only = false}, plain, {.field_pic = 1, .poc_lsb = 0}), "field pictures are not"},
            Case{with_sets({.frame_mbs_only = false, .mb_adaptive = true}, plain, {.field_pic = 0, .poc_lsb = 0}),
                 "frame/field adaptive coding is not supported"},

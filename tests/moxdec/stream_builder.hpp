@@ -43,13 +43,13 @@ class BitWriter {
 
 struct SpsFields {
   int profile = 66, level = 30, id = 0;
-  int chroma_format = 1, bit_depth = 8;  // from here to scaling_lists for profile 100 and higher
-  bool bypass = false, scaling_lists = false;
+  int chroma_format = 1, bit_depth = 8;  // from here to bypass for profile 100 and higher
+  bool bypass = false;
   int poc_type = 0, max_ref_frames = 1;
   int offset_for_non_ref = 0, offset_top_to_bottom = 0;
   std::vector<int> offsets_for_ref_frame{};
   int mb_width = 1, mb_height = 1;
-  bool frame_mbs_only = true, mb_adaptive = false;
+  bool frame_mbs_only = true, mb_adaptive = false, direct_inference = true;
   std::vector<std::uint32_t> crop{};  // left, right, top, bottom
   int reorder_frames = -1;            // in the VUI, if not negative
 };
@@ -59,8 +59,8 @@ struct PpsFields {
   bool cabac = false, bottom_field_poc = false, deblocking_control = false;
   int slice_groups = 1, init_qp = 26;
   bool weighted_pred = false, redundant_pic_count = false;
-  bool high_fields = false, transform_8x8 = false, scaling_lists = false;
-  int chroma_offset = 0, second_chroma_offset = 0;  // the second one among the fields of High
+  bool transform_8x8 = false;  // with the other fields of High, if set
+  int chroma_offset = 0;
 };
 
 /// frame_num has 4 bits, pic_order_cnt_lsb 4 bits.
@@ -102,8 +102,7 @@ class StreamBuilder {
     BitWriter w;
     w.u(8, f.profile).u(8, 0).u(8, f.level).ue(f.id);
     if (f.profile >= 100) {
-      w.ue(f.chroma_format).ue(f.bit_depth - 8).ue(f.bit_depth - 8).u(1, f.bypass).u(1, f.scaling_lists);
-      if (f.scaling_lists) w.u(8, 0);
+      w.ue(f.chroma_format).ue(f.bit_depth - 8).ue(f.bit_depth - 8).u(1, f.bypass).u(1, 0);
     }
     w.ue(0).ue(f.poc_type);
     if (f.poc_type == 0) w.ue(0);
@@ -116,7 +115,7 @@ class StreamBuilder {
     }
     w.ue(f.max_ref_frames).u(1, 0).ue(f.mb_width - 1).ue(f.mb_height - 1).u(1, f.frame_mbs_only);
     if (!f.frame_mbs_only) w.u(1, f.mb_adaptive);
-    w.u(1, 1).u(1, !f.crop.empty());
+    w.u(1, f.direct_inference).u(1, !f.crop.empty());
     for (const auto crop : f.crop) w.ue(crop);
     w.u(1, f.reorder_frames >= 0);
     if (f.reorder_frames >= 0) w.u(8, 0).u(2, 3).ue(0).ue(0).ue(9).ue(9).ue(f.reorder_frames).ue(f.reorder_frames);
@@ -129,11 +128,7 @@ class StreamBuilder {
     if (f.slice_groups > 1) w.ue(1);  // dispersed: has no further fields
     w.ue(0).ue(0).u(1, f.weighted_pred).u(2, 0).se(f.init_qp - 26).se(0).se(f.chroma_offset);
     w.u(1, f.deblocking_control).u(1, 0).u(1, f.redundant_pic_count);
-    if (f.high_fields) {
-      w.u(1, f.transform_8x8).u(1, f.scaling_lists);
-      if (f.scaling_lists) w.u(f.transform_8x8 ? 8 : 6, 0);
-      w.se(f.second_chroma_offset);
-    }
+    if (f.transform_8x8) w.u(1, 1).u(1, 0).se(f.chroma_offset);
     return nal(8, 3, w);
   }
 

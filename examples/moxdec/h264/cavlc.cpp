@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "common/h264_scaling_tables.hpp"
 #include "common/h264_tables.hpp"
 #include "common/h264_vlc_tables.hpp"
 #include "moxdec/error.hpp"
@@ -16,6 +17,13 @@ constexpr std::array<Mox32s, 17> kScan = [] {
   std::ranges::copy(example::kZigzag4x4, scan.begin());
   scan[16] = 15;
   return scan;
+}();
+
+/// By part. The library clears 16 elements at its target before it stores a part, so the target lies behind the block.
+constexpr std::array<std::array<Mox32s, 16>, 4> kScans8x8 = [] {
+  std::array<std::array<Mox32s, 16>, 4> scans{};
+  for (int i = 0; i < 64; ++i) scans[i % 4][i / 4] = example::kZigzag8x8[i] - 64;
+  return scans;
 }();
 
 }  // namespace
@@ -39,14 +47,23 @@ const MoxVlcTable* CavlcTables::build(const MoxVlcSpec* spec) {
   return table;
 }
 
-int CavlcTables::read_block(BitReader& bits, Mox16s** out, int context, int max) const {
+int CavlcTables::read(BitReader& bits, Mox16s** out, int context, int max, const Mox32s* scan) const {
   Mox16s count = 0;
   const MoxStatus status =
       moxiDecodeCAVLCCoeffs_H264_1u16s(bits.word(), bits.offset(), &count, out, context, static_cast<Mox16s>(max),
-                                       coeff_token_.data(), total_zeros_.data(), run_before_.data(), kScan.data());
+                                       coeff_token_.data(), total_zeros_.data(), run_before_.data(), scan);
   require(status == moxStsOk && count <= max, "broken coefficients");
   bits.expect_no_overrun();
   return count;
+}
+
+int CavlcTables::read_block(BitReader& bits, Mox16s** out, int context, int max) const {
+  return read(bits, out, context, max, kScan.data());
+}
+
+int CavlcTables::read_part_8x8(BitReader& bits, Mox16s* block, int part, int context) const {
+  Mox16s* target = block + 64;
+  return read(bits, &target, context, 16, kScans8x8[part].data());
 }
 
 int CavlcTables::read_chroma_dc(BitReader& bits, Mox16s** out) const {

@@ -40,21 +40,26 @@ std::uint8_t find_motion_edges(const Macroblock& mb) {
 void MacroblockReader::read_inter(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int type) {
   begin_inter(mb, info, neighbours);
   const bool is_p = slice_.type == SliceType::kP;
+  bool allows_8x8 = slice_.sps->direct_8x8_inference;
   if (!is_p && type == 0) {
     derive_direct(mb);
   } else {
     const Parts parts = is_p ? read_parts_p(mb, type) : read_parts_b(mb, type);
     read_motion(parts, mb.split == Split::kRows || mb.split == Split::kColumns);
+    allows_8x8 = allows_transform_8x8(mb, parts);
   }
   finish_inter(mb, info);
-  read_residual(mb, info, neighbours, example::kCbpInter[bits_.ue(47, "coded_block_pattern")]);
+  const int pattern = example::kCbpInter[bits_.ue(47, "coded_block_pattern")];
+  if (slice_.pps->transform_8x8 && allows_8x8 && (pattern & 15) != 0) {
+    mb.transform_8x8 = info.transform_8x8 = bits_.flag();
+  }
+  read_residual(mb, info, neighbours, pattern);
 }
 
 void MacroblockReader::skip(Macroblock& mb, std::int32_t slice_index) {
   MbInfo& info = picture_.at(mb.x, mb.y);
   begin_inter(mb, info, picture_.neighbours(mb.x, mb.y, slice_index));
-  mb.coded = 0;
-  info.coded_blocks = 0;
+  clear_residual(mb, info);
   if (slice_.type == SliceType::kP) {
     mb.split = Split::kNone;
     windows_[0].set_reference(kWholeMb, 0);
@@ -165,6 +170,13 @@ void MacroblockReader::read_motion(const Parts& parts, bool halves) {
       }
     }
   }
+}
+
+/// No part may be smaller than 8x8. Direct quadrants without inference count as if they were.
+bool MacroblockReader::allows_transform_8x8(const Macroblock& mb, const Parts& parts) const {
+  return mb.split != Split::kQuarters || std::ranges::all_of(parts.part, [&](const Part& part) {
+           return part.split == Split::kNone && (part.lists != 0 || slice_.sps->direct_8x8_inference);
+         });
 }
 
 int MacroblockReader::read_reference(int list) {

@@ -83,12 +83,17 @@ void MacroblockReader::read(Macroblock& mb, std::int32_t slice_index) {
   const Neighbours neighbours = picture_.neighbours(mb.x, mb.y, slice_index);
   const int inter_types = kInterTypes[list_count(slice_.type)];
   const int type = bits_.ue(static_cast<Mox32u>(inter_types + kRawType), "mb_type");
-  mb.coded = 0;
-  info.coded_blocks = 0;
+  clear_residual(mb, info);
   if (type < inter_types) return read_inter(mb, info, neighbours, type);
   picture_.motion[mb.y * picture_.mb_width + mb.x] = kNoMotion;
   info.motion_edges = 0;
   read_intra(mb, info, neighbours, type - inter_types);
+}
+
+void MacroblockReader::clear_residual(Macroblock& mb, MbInfo& info) {
+  mb.transform_8x8 = info.transform_8x8 = false;
+  mb.coded = mb.coded_8x8 = 0;
+  info.coded_blocks = 0;
 }
 
 void MacroblockReader::read_intra(Macroblock& mb, MbInfo& info, const Neighbours& all, int type) {
@@ -97,11 +102,13 @@ void MacroblockReader::read_intra(Macroblock& mb, MbInfo& info, const Neighbours
   mb.denied = denied_neighbours(neighbours);
   info.intra_modes.fill(kPlainMode);
 
-  info.kind = mb.kind = type == 0 ? MbKind::kIntra4x4 : MbKind::kIntra16x16;
-  if (mb.kind == MbKind::kIntra4x4) read_intra_modes(mb, info, neighbours);
+  const bool in_blocks = type == 0;
+  mb.transform_8x8 = info.transform_8x8 = in_blocks && slice_.pps->transform_8x8 && bits_.flag();
+  info.kind = mb.kind = !in_blocks ? MbKind::kIntra16x16 : mb.transform_8x8 ? MbKind::kIntra8x8 : MbKind::kIntra4x4;
+  if (in_blocks) read_intra_modes(mb, info, neighbours);
   mb.chroma_mode = static_cast<Mox32u>(bits_.ue(3, "intra_chroma_pred_mode"));
   int pattern;  // bits 0 to 3: luma quarters; from bit 4: chroma part
-  if (mb.kind == MbKind::kIntra4x4) {
+  if (in_blocks) {
     pattern = example::kCbpIntra[bits_.ue(47, "coded_block_pattern")];
   } else {
     mb.intra_16x16_mode = static_cast<Mox32u>((type - 1) % 4);
@@ -116,7 +123,11 @@ void MacroblockReader::read_residual(Macroblock& mb, MbInfo& info, const Neighbo
   if (pattern != 0 || mb.kind == MbKind::kIntra16x16) {
     read_qp_delta();
     Mox16s* out = mb.coefficients.data();
-    read_luma(mb, info, neighbours, pattern & 15, &out);
+    if (mb.transform_8x8) {
+      read_luma_8x8(mb, info, neighbours, pattern & 15, &out);
+    } else {
+      read_luma(mb, info, neighbours, pattern & 15, &out);
+    }
     read_chroma(mb, info, neighbours, pattern >> 4, &out);
   }
   mb.qp = qp_;
@@ -134,14 +145,17 @@ void MacroblockReader::read_raw(Macroblock& mb, MbInfo& info) {
 
 void MacroblockReader::read_intra_modes(Macroblock& mb, MbInfo& info, const Neighbours& neighbours) {
   const ModeBorder border(neighbours.left, neighbours.top);
-  for (int i = 0; i < 16; ++i) {
-    const int raster = example::kBlockRaster[i];
+  const int size = mb.transform_8x8 ? 2 : 1;  // in 4x4 blocks
+  for (int i = 0; i < 16 / (size * size); ++i) {
+    const int raster = example::kBlockRaster[size * size * i];
     int mode = border.expected(info.intra_modes, raster % 4, raster / 4);
     if (!bits_.flag()) {
       const int other = static_cast<int>(bits_.bits(3));
       mode = other + (other >= mode ? 1 : 0);
     }
-    info.intra_modes[raster] = static_cast<std::int8_t>(mode);
+    for (int y = 0; y < size; ++y) {
+      std::fill_n(info.intra_modes.begin() + raster + 4 * y, size, static_cast<std::int8_t>(mode));
+    }
     mb.intra_modes[i] = static_cast<Mox32u>(mode);
   }
 }
@@ -165,6 +179,28 @@ void MacroblockReader::read_luma(Macroblock& mb, MbInfo& info, const Neighbours&
     if (count == 0) continue;
     mb.coded |= coded_luma(i);
     info.coded_blocks = static_cast<std::uint16_t>(info.coded_blocks | 1 << raster);
+  }
+}
+
+/// Each 8x8 block is coded as four blocks of 4x4 coefficients, which the neighbours see as 4x4 blocks.
+void MacroblockReader::read_luma_8x8(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int quarters,
+                                     Mox16s** out) {
+  const CountBorder<4, 4> border(luma_counts(neighbours.left), luma_counts(neighbours.top));
+  std::uint8_t* counts = info.luma_counts.data();
+  for (int i = 0; i < 4; ++i) {
+    if (!(quarters >> i & 1)) continue;
+    std::fill_n(*out, 64, Mox16s{0});
+    int all = 0;
+    for (int part = 0; part < 4; ++part) {
+      const int raster = example::kBlockRaster[4 * i + part];
+      const int count = tables_.read_part_8x8(bits_, *out, part, border.expected(counts, raster % 4, raster / 4));
+      counts[raster] = static_cast<std::uint8_t>(count);
+      all += count;
+    }
+    if (all == 0) continue;
+    *out += 64;
+    mb.coded_8x8 |= 1u << i;
+    info.coded_blocks = static_cast<std::uint16_t>(info.coded_blocks | 0x33 << example::kBlockRaster[4 * i]);
   }
 }
 

@@ -32,13 +32,15 @@ struct Macroblock {
   MbKind kind = MbKind::kIntra4x4;
   int qp = 0;
   Mox32u denied = 0;
-  std::array<Mox32u, 16> intra_modes;  // in coding order
+  std::array<Mox32u, 16> intra_modes;  // in coding order; of 8x8 blocks the first 4
   Mox32u intra_16x16_mode = 0;
   Mox32u chroma_mode = 0;
   Split split = Split::kNone;  // inter macroblocks; with kQuarters each quadrant is split on its own
   std::array<Split, 4> quarter_splits;
+  bool transform_8x8 = false;
   Mox32u coded = 0;
-  /// Packed: blocks of 16 values (chroma DC: 4) in the order luma DC, luma, chroma DC, chroma AC.
+  Mox32u coded_8x8 = 0;  // bits 0 to 3: luma blocks of the 8x8 transform
+  /// Packed: blocks of 16 values (8x8: 64, chroma DC: 4) in the order luma DC, luma, chroma DC, chroma AC.
   alignas(64) std::array<Mox16s, 16 + 16 * 16 + 2 * 4 + 8 * 16> coefficients;
   std::array<std::uint8_t, kRawBytes> raw;
 };
@@ -80,15 +82,18 @@ class MacroblockReader {
   void read_qp_delta();
   void read_residual(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int pattern);
   void read_luma(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int quarters, Mox16s** out);
+  void read_luma_8x8(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int quarters, Mox16s** out);
   void read_chroma(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int part, Mox16s** out);
 
   void read_inter(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int type);
+  static void clear_residual(Macroblock& mb, MbInfo& info);
   void begin_inter(Macroblock& mb, MbInfo& info, const Neighbours& neighbours);
   void finish_inter(Macroblock& mb, MbInfo& info);
   Parts read_parts_p(Macroblock& mb, int type);
   Parts read_parts_b(Macroblock& mb, int type);
   void derive_direct(Macroblock& mb);
   void read_motion(const Parts& parts, bool halves);
+  bool allows_transform_8x8(const Macroblock& mb, const Parts& parts) const;
   int read_reference(int list);
   void read_vectors(int list, const Part& part, bool halves);
 

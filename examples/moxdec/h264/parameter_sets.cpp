@@ -19,20 +19,6 @@ bool has_chroma_format(int profile) {
   return std::ranges::find(kProfiles, profile) != std::end(kProfiles);
 }
 
-void skip_scaling_list(BitReader& bits, int size) {
-  int last = 8, next = 8;
-  for (int i = 0; i < size && next != 0; ++i) {
-    next = (last + bits.se(-128, 127, "scaling list value") + 256) % 256;
-    last = next == 0 ? last : next;
-  }
-}
-
-void skip_scaling_lists(BitReader& bits, int count_8x8) {
-  for (int i = 0; i < 6 + count_8x8; ++i) {
-    if (bits.flag()) skip_scaling_list(bits, i < 6 ? 16 : 64);
-  }
-}
-
 void skip_hrd(BitReader& bits) {
   const int count = 1 + bits.ue(31, "cpb_cnt_minus1");
   bits.skip(8);
@@ -102,8 +88,7 @@ void parse_chroma_format(BitReader& bits, Sps& sps) {
   sps.bit_depth_luma = 8 + bits.ue(6, "bit_depth_luma_minus8");
   sps.bit_depth_chroma = 8 + bits.ue(6, "bit_depth_chroma_minus8");
   sps.transform_bypass = bits.flag();
-  sps.scaling_lists = bits.flag();
-  if (sps.scaling_lists) skip_scaling_lists(bits, sps.chroma_format_idc == 3 ? 6 : 2);
+  if (bits.flag()) sps.scaling_lists = parse_scaling_lists(bits, sps.chroma_format_idc == 3 ? 6 : 2);
 }
 
 void parse_picture_order(BitReader& bits, Sps& sps) {
@@ -192,10 +177,9 @@ Pps parse_pps(BitReader& bits, const ParameterSets& sets) {
   pps.redundant_pic_count = bits.flag();
   if (!bits.more_data()) return pps;
   pps.transform_8x8 = bits.flag();
-  pps.scaling_lists = bits.flag();
-  if (pps.scaling_lists) {
+  if (bits.flag()) {
     const int lists_8x8 = sets.sps(static_cast<Mox32u>(pps.sps_id))->chroma_format_idc == 3 ? 6 : 2;
-    skip_scaling_lists(bits, pps.transform_8x8 ? lists_8x8 : 0);
+    pps.scaling_lists = parse_scaling_lists(bits, pps.transform_8x8 ? lists_8x8 : 0);
   }
   pps.chroma_qp_offset[1] = bits.se(-12, 12, "second_chroma_qp_index_offset");
   bits.expect_inside();

@@ -4,10 +4,12 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "moxdec/codec.hpp"
 #include "moxdec/h264/bit_reader.hpp"
+#include "moxdec/h264/scaling.hpp"
 
 namespace moxdec::h264 {
 
@@ -21,7 +23,7 @@ struct Sps {
   int bit_depth_luma = 8;
   int bit_depth_chroma = 8;
   bool transform_bypass = false;
-  bool scaling_lists = false;
+  std::optional<CodedScalingLists> scaling_lists;
   int log2_max_frame_num = 4;
   int poc_type = 0;
   int log2_max_poc_lsb = 4;
@@ -64,7 +66,7 @@ struct Pps {
   bool constrained_intra = false;
   bool redundant_pic_count = false;
   bool transform_8x8 = false;
-  bool scaling_lists = false;
+  std::optional<CodedScalingLists> scaling_lists;
 };
 
 /// The sets of a stream by their number. A set that comes again replaces the earlier one for the pictures behind it;

@@ -7,7 +7,8 @@
 
 namespace moxdec::h264 {
 
-Slice::Slice(const SliceHeader& slice_header) : header(slice_header) {
+Slice::Slice(const SliceHeader& slice_header, std::shared_ptr<const LevelScales> level_scales)
+    : header(slice_header), scales(std::move(level_scales)) {
   for (int plane = 0; plane < 2; ++plane) {
     for (int qp = 0; qp < 52; ++qp) {
       chroma_qp[plane][qp] = example::kChromaQp[std::clamp(qp + header.pps->chroma_qp_offset[plane], 0, 51)];

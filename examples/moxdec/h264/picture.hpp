@@ -12,7 +12,7 @@
 
 namespace moxdec::h264 {
 
-enum class MbKind : std::uint8_t { kIntra4x4, kIntra16x16, kRaw, kInter };
+enum class MbKind : std::uint8_t { kIntra4x4, kIntra8x8, kIntra16x16, kRaw, kInter };
 
 /// What stays of a macroblock once it is rebuilt. One cache line. Blocks are in raster order.
 struct alignas(64) MbInfo {
@@ -21,9 +21,10 @@ struct alignas(64) MbInfo {
   std::uint8_t qp = 0;  // luma; 0 for raw samples, whatever the next macroblock's quantiser builds on
   /// Edges between inter partitions: bit e for the vertical inner edge e, bit 4 + e for the horizontal one, e 1 to 3.
   std::uint8_t motion_edges = 0;
-  std::uint16_t coded_blocks = 0;                            // bit i if 4x4 luma block i has coefficients
+  bool transform_8x8 = false;
+  std::uint16_t coded_blocks = 0;  // bit i if 4x4 luma block i, or the 8x8 block it is part of, has coefficients
   std::array<std::int8_t, 16> intra_modes;                   // kPlainMode where the macroblock has none
-  std::array<std::uint8_t, 16> luma_counts;                  // coefficients of each 4x4 block
+  std::array<std::uint8_t, 16> luma_counts;                  // coefficients of each 4x4 block, as they are coded
   std::array<std::array<std::uint8_t, 8>, 2> chroma_counts;  // U, V; 2 blocks a row, 4:2:0 uses the first 4
 };
 static_assert(sizeof(MbInfo) == 64);
@@ -33,9 +34,10 @@ inline bool is_inter(const MbInfo& mb) { return mb.kind == MbKind::kInter; }
 inline constexpr std::int8_t kPlainMode = 2;
 
 struct Slice {
-  explicit Slice(const SliceHeader& slice_header);
+  Slice(const SliceHeader& slice_header, std::shared_ptr<const LevelScales> level_scales);
 
   SliceHeader header;
+  std::shared_ptr<const LevelScales> scales;
   std::array<std::array<std::uint8_t, 52>, 2> chroma_qp;  // of U and V by the luma quantiser
 };
 

@@ -48,8 +48,17 @@ void PictureDecoder::begin_slice(const SliceHeader& header) {
   if (header.type != SliceType::kI) predictor_.begin_slice(header, inter_.lists, references_, order);
 }
 
+std::shared_ptr<const LevelScales> PictureDecoder::scales_of(const SliceHeader& header) {
+  if (header.sps != scales_sps_ || header.pps != scales_pps_) {
+    scales_sps_ = header.sps, scales_pps_ = header.pps;
+    scales_ = std::make_shared<const LevelScales>(
+        resolve_scaling_lists(scales_sps_->scaling_lists, scales_pps_->scaling_lists));
+  }
+  return scales_;
+}
+
 void PictureDecoder::decode_slice(const SliceHeader& header, BitReader& bits) {
-  const Slice& slice = picture_.slices.emplace_back(header);
+  const Slice& slice = picture_.slices.emplace_back(header, scales_of(header));
   int address = header.first_mb;
   try {
     begin_slice(slice.header);

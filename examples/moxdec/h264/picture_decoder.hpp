@@ -33,6 +33,7 @@ class PictureDecoder {
   void configure(const SliceHeader& slice);
   void fill_gap(const SliceHeader& slice);
   void begin_slice(const SliceHeader& header);
+  std::shared_ptr<const LevelScales> scales_of(const SliceHeader& header);
   void decode_macroblocks(MacroblockReader& reader, const Slice& slice, BitReader& bits, int& address);
   template <class Read>
   void decode_macroblock(const Slice& slice, int& address, Read read);
@@ -46,6 +47,9 @@ class PictureDecoder {
   ReferenceBuffer references_;
   InterSlice inter_;
   InterPredictor predictor_;
+  std::shared_ptr<const LevelScales> scales_;  // of these two sets
+  std::shared_ptr<const Sps> scales_sps_;
+  std::shared_ptr<const Pps> scales_pps_;
   SliceHeader first_slice_;  // of the picture in work
   FieldOrder order_;
   bool expands_ = false;

@@ -17,10 +17,7 @@ void expect_supported(const Sps& sps, const Pps& pps) {
   if (sps.chroma_format_idc != 1) unsupported("chroma format " + std::to_string(sps.chroma_format_idc));
   if (sps.bit_depth_luma != 8 || sps.bit_depth_chroma != 8) unsupported("a bit depth above 8");
   if (sps.transform_bypass) unsupported("lossless coding");
-  if (sps.scaling_lists || pps.scaling_lists) unsupported("scaling lists", "are");
-  if (pps.transform_8x8) unsupported("the 8x8 transform");
   if (pps.slice_groups > 1) unsupported("slice groups", "are");
-  if (pps.chroma_qp_offset[0] != pps.chroma_qp_offset[1]) unsupported("a quantiser offset for one chroma plane alone");
 }
 
 SliceType parse_type(BitReader& bits) {

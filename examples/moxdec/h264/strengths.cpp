@@ -6,12 +6,21 @@
 namespace moxdec::h264 {
 namespace {
 
-constexpr Strengths intra_strengths(bool outer) {
-  Strengths strengths;
-  for (int i = 0; i < 16; ++i) strengths[i] = i >= 4 ? 3 : outer ? 4 : 0;
+/// From one inner edge to the next: the 8x8 transform has no edges at 4 and 12 samples. Those of 4:2:0 chroma lie where
+/// luma has those at 0 and 8.
+constexpr int edge_step(bool transform_8x8) { return transform_8x8 ? 2 : 1; }
+
+constexpr Strengths intra_strengths(bool outer, bool transform_8x8) {
+  Strengths strengths{};
+  std::fill_n(strengths.begin(), 4, outer ? std::uint8_t{4} : std::uint8_t{0});
+  for (int edge = edge_step(transform_8x8); edge < 4; edge += edge_step(transform_8x8)) {
+    std::fill_n(strengths.begin() + 4 * edge, 4, std::uint8_t{3});
+  }
   return strengths;
 }
-constexpr std::array<Strengths, 2> kIntraStrengths = {intra_strengths(false), intra_strengths(true)};
+constexpr std::array<std::array<Strengths, 2>, 2> kIntraStrengths = {  // [8x8 transform][outer edge]
+    {{intra_strengths(false, false), intra_strengths(true, false)},
+     {intra_strengths(false, true), intra_strengths(true, true)}}};
 
 /// A full sample or more.
 bool is_far(MotionVector a, MotionVector b) {
@@ -52,7 +61,7 @@ void find_edge(const View& p, int p_block, const View& q, int q_block, int step,
 bool find_strengths(const Picture& picture, const MbInfo& mb, const MbInfo* outer, EdgeDirection direction,
                     Strengths& strengths) {
   if (!is_inter(mb)) {
-    strengths = kIntraStrengths[outer ? 1 : 0];
+    strengths = kIntraStrengths[mb.transform_8x8][outer ? 1 : 0];
     return true;
   }
   strengths.fill(0);
@@ -65,7 +74,8 @@ bool find_strengths(const Picture& picture, const MbInfo& mb, const MbInfo* oute
     find_edge(View(picture, *outer), 3 * across, view, 0, step, true, strengths.data());
   }
   const int motion_edges = vertical ? mb.motion_edges : mb.motion_edges >> 4;
-  for (int edge = 1; edge < 4; ++edge) {
+  const int edges = edge_step(mb.transform_8x8);
+  for (int edge = edges; edge < 4; edge += edges) {
     const bool motion = motion_edges >> edge & 1;
     if (!motion && mb.coded_blocks == 0) continue;
     find_edge(view, (edge - 1) * across, view, edge * across, step, motion, &strengths[4 * edge]);
