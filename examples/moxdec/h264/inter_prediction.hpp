@@ -26,7 +26,7 @@ void expand(const Frame& frame);
 class InterPredictor {
  public:
   void set_outside(OutsideSamples outside) { expanded_ = outside == OutsideSamples::kExpanded; }
-  /// `order` is that of the picture in work. The lists must stay while the slice is decoded.
+  /// `order` is that of the picture in work. The header must stay while the slice is decoded.
   void begin_slice(const SliceHeader& slice, const ReferenceLists& lists, const ReferenceBuffer& references, int order);
   /// Predicts all planes of a macroblock. Throws DecodeError if the library refuses, which no motion should cause.
   void predict(const Picture& picture, const Macroblock& mb);
