@@ -87,7 +87,7 @@ class Y4mWriter : public RawWriter {
     rate = divisor == 0 ? FrameRate{25, 1} : FrameRate{rate.numerator / divisor, rate.denominator / divisor};
     std::string chroma = format.chroma == Chroma::k411 ? "411" : format.chroma == Chroma::k422 ? "422" : "420";
     if (format.bit_depth > 8) {
-      chroma += "p" + std::to_string(format.bit_depth);
+      chroma.append("p").append(std::to_string(format.bit_depth));
     } else if (format.chroma == Chroma::k420) {
       chroma += "mpeg2";
     }
