@@ -1,10 +1,11 @@
 /** @file
  *  Blocks of fixed size: copy, add a residual, average, subtract.
  *
- *  The block's size in samples is in the name; a block is read and written exactly over its size, and no pointer needs
- * an alignment. Steps are bytes between rows, for 16-bit blocks too; any value is used as it comes, also a negative or
- * odd one or 0. Rows are worked through downwards, so where destination rows overlap the last one stays. An 8-bit
- *  destination may be a source itself, with the same step, if its rows do not overlap; else they must not overlap.
+ *  The block's size in samples is in the name. A block is read and written exactly over its size, and no pointer needs
+ *  an alignment. Steps are bytes between rows, for 16-bit blocks too; any value is used as it comes, also a negative
+ *  or odd one or 0. Rows are worked through downwards, so where destination rows overlap the last one stays. An 8-bit
+ *  destination may be a source itself, with the same step, if its rows do not overlap; else no destination may overlap
+ *  what is read.
  *
  *  Averages round up. Where a residual is added the sum wraps to 16 bits and only then is limited to 0..255: a residual
  *  of 32767 and a sample of 200 give 0, not 255. Differences wrap to 16 bits, which matters for 16-bit samples alone.

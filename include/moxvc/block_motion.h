@@ -18,9 +18,9 @@
  *  1 HF, 2 FH, 3 HH. rc is bit 0 of `roundControl` or `rounding`: 0 to nearest, 1 towards zero. All other bits are
  *  ignored.
  *
- *  Layouts. `W x H` in a name is the block in samples. A `C1` block is planar. In 16x8UV, 16x8BUV, 16x4, 16x4B, `C2`
- * and the NV12 forms rows interleave two channels, U0 V0 U1 V1 and so on, and x + 1 is the next sample of the same
- *  channel, two bytes on.
+ *  Layouts. `W x H` in a name is the block in samples; a C1 block is planar. In 16x8UV, 16x8BUV, 16x4, 16x4B, C2P2 and
+ *  P2C2R rows interleave two channels, U0 V0 U1 V1 and so on, and x + 1 is the next sample of the same channel, two
+ *  bytes on.
  *
  *  Memory. A reference is read over the block, one more row for FH and HH, one more sample for HF and HH (in
  *  interleaved layouts one of each channel, two bytes), and nothing else; other blocks exactly over their size. No

@@ -12,8 +12,10 @@
 
 namespace mox {
 
+/// A seventh argument, which goes over the stack, is 64 bits wide: the callers would write a narrower one into half of
+/// a slot and read the whole slot back, which stalls.
 using McKernel = MoxStatus (*)(const Mox8u* ref, Mox32s refStep, const Mox16s* res, Mox32s resStep, Mox8u* dst,
-                               Mox32s dstStep, int height);
+                               Mox32s dstStep, std::ptrdiff_t height);
 using McPairKernel = MoxStatus (*)(const Mox8u* refF, Mox32s refFStep, const Mox8u* refB, Mox32s refBStep,
                                    const Mox16s* res, Mox32s resStep, Mox8u* dst, Mox32s dstStep, int height);
 /// The residual of two interleaved channels lies in two blocks.
@@ -24,7 +26,7 @@ using McChannelsPairKernel = MoxStatus (*)(const Mox8u* refF, Mox32s refFStep, c
                                            Mox32s dstStep, int height);
 /// Kernels of small blocks have their height built in and take the rounding as an argument.
 using McSmallKernel = MoxStatus (*)(const Mox8u* ref, Mox32s refStep, const Mox16s* res, Mox32s resStep, Mox8u* dst,
-                                    Mox32s dstStep, Mox32u roundControl);
+                                    Mox32s dstStep, std::size_t roundControl);
 using McSmallPairKernel = MoxStatus (*)(const Mox8u* refF, Mox32s refFStep, const Mox8u* refB, Mox32s refBStep,
                                         const Mox16s* res, Mox32s resStep, Mox8u* dst, Mox32s dstStep,
                                         Mox32u roundControl);
@@ -67,7 +69,8 @@ Mox32s predict_pair(const Mox8u* f, std::ptrdiff_t stepF, const Mox8u* b, std::p
 
 /// dst = clip8(sample(x, y) + residual).
 template <int W, class Sample>
-MoxStatus mc_block(Sample sample, const Mox16s* res, Mox32s resStep, Mox8u* dst, Mox32s dstStep, int height) {
+MoxStatus mc_block(Sample sample, const Mox16s* res, Mox32s resStep, Mox8u* dst, Mox32s dstStep,
+                   std::ptrdiff_t height) {
   for (int y = 0; y < height; ++y) {
     for (int x = 0; x < W; ++x) dst[x] = clip8(sample(x, y) + load<Mox16s>(res + x));
     res = step_bytes(res, resStep), dst += dstStep;
@@ -103,7 +106,7 @@ auto predictor(const Mox8u* f, std::ptrdiff_t stepF, const Mox8u* b, std::ptrdif
 
 template <int W, int kDistance, HalfPel P, int kRc>
 MoxStatus mc(const Mox8u* ref, Mox32s refStep, const Mox16s* res, Mox32s resStep, Mox8u* dst, Mox32s dstStep,
-             int height) {
+             std::ptrdiff_t height) {
   return mc_block<W>(predictor<P, kDistance>(ref, refStep, kRc), res, resStep, dst, dstStep, height);
 }
 
@@ -129,8 +132,8 @@ MoxStatus mc_channels_pair(const Mox8u* refF, Mox32s refFStep, const Mox8u* refB
 
 template <int W, int H, HalfPel P>
 MoxStatus mc_small(const Mox8u* ref, Mox32s refStep, const Mox16s* res, Mox32s resStep, Mox8u* dst, Mox32s dstStep,
-                   Mox32u roundControl) {
-  return mc_block<W>(predictor<P>(ref, refStep, roundControl & 1), res, resStep, dst, dstStep, H);
+                   std::size_t roundControl) {
+  return mc_block<W>(predictor<P>(ref, refStep, static_cast<Mox32s>(roundControl & 1)), res, resStep, dst, dstStep, H);
 }
 
 template <int W, int H, HalfPel F, HalfPel B>

@@ -33,7 +33,8 @@ MOX_INLINE Words add_residual(const Words& prediction, const Words& residual) {
 }
 
 template <class R, class S>
-MOX_INLINE MoxStatus mc_block(S sample, const Mox16s* res, Mox32s resStep, Mox8u* dst, Mox32s dstStep, int height) {
+MOX_INLINE MoxStatus mc_block(S sample, const Mox16s* res, Mox32s resStep, Mox8u* dst, Mox32s dstStep,
+                              std::ptrdiff_t height) {
   for (int y = 0; y < height; y += R::kRows) {
     R::store_clamped(add_residual(sample(), R::load_words(res, resStep)), dst, dstStep);
     res = step_bytes(res, std::ptrdiff_t{R::kRows} * resStep), dst += std::ptrdiff_t{R::kRows} * dstStep;
@@ -54,7 +55,7 @@ MOX_INLINE MoxStatus mc_channels_block(S sample, const Mox16s* resU, const Mox16
 
 template <int W, int kDistance, HalfPel P, int kRc>
 MoxStatus mc(const Mox8u* ref, Mox32s refStep, const Mox16s* res, Mox32s resStep, Mox8u* dst, Mox32s dstStep,
-             int height) {
+             std::ptrdiff_t height) {
   using R = Columns<W, kDistance>;
   const FixedRounding<kRc> rounding;
   return mc_block<R>(WordSampler<R, P, FixedRounding<kRc>>(ref, refStep, rounding), res, resStep, dst, dstStep, height);
@@ -88,9 +89,10 @@ using SmallRows = FewColumns<W, (W * H < 8 ? H : 8 / W)>;
 
 template <int W, int H, HalfPel P>
 MoxStatus mc_small(const Mox8u* ref, Mox32s refStep, const Mox16s* res, Mox32s resStep, Mox8u* dst, Mox32s dstStep,
-                   Mox32u roundControl) {
+                   std::size_t roundControl) {
   using R = SmallRows<W, H>;
-  const WordSampler<R, P, RoundingByArgument> sample(ref, refStep, RoundingByArgument(roundControl));
+  const WordSampler<R, P, RoundingByArgument> sample(ref, refStep,
+                                                     RoundingByArgument(static_cast<Mox32u>(roundControl)));
   return mc_block<R>(sample, res, resStep, dst, dstStep, H);
 }
 
