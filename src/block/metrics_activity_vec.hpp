@@ -20,13 +20,17 @@ struct ByteRow {
 
 /// A row of 16 words. Sums wrap at 16 bits, so -32768 may stand for 32768.
 struct WordRow {
-  simd::s16<1> left, right;
-  explicit WordRow(const Mox16s* p)
-      : left(simd::load_row<simd::s16, 1>(p)), right(simd::load_row<simd::s16, 1>(p + 8)) {}
-  MOX_INLINE simd::s16<1> distance(const WordRow& other) const {
-    return abs(left - other.left) + abs(right - other.right);
+  static constexpr int B = simd::kBlocks, kVectors = 2 / B;
+  simd::s16<B> v[kVectors];
+  explicit WordRow(const Mox16s* p) {
+    for (int i = 0; i < kVectors; ++i) v[i] = simd::load_row<simd::s16, B>(p + 8 * B * i);
   }
-  static Mox32s total(simd::s16<1> sum) { return simd::total(madd(sum, simd::splat<simd::s16, 1>(1))) & 0xFFFF; }
+  MOX_INLINE simd::s16<B> distance(const WordRow& other) const {
+    auto sum = abs(v[0] - other.v[0]);
+    for (int i = 1; i < kVectors; ++i) sum = sum + abs(v[i] - other.v[i]);
+    return sum;
+  }
+  static Mox32s total(simd::s16<B> sum) { return simd::total(madd(sum, simd::splat<simd::s16, B>(1))) & 0xFFFF; }
 };
 
 template <class T>
@@ -53,7 +57,7 @@ inline MoxStatus subtract_sad_8x8(const Mox8u* src1, Mox32s src1Step, const Mox8
     store_row(simd::wide_low(a) - simd::wide_low(b), dst);
     sum = sum + sad(a, b);
   }
-  *sad8x8 = _mm_cvtsi128_si32(sum.r);  // the upper eight bytes are zero
+  *sad8x8 = simd::element<0>(sum);  // the upper eight bytes are zero
   return moxStsOk;
 }
 

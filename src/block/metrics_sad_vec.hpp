@@ -49,8 +49,8 @@ MoxStatus sad_two_channels(const Mox8u* src, Mox32s srcStep, const Mox8u* ref, M
   for (int i = 0; i < 8 / B; ++i, s.down()) sum = sum + sad(lookup(s.at(0), split), lookup(sample(r), split));
   auto both = simd::part<0>(sum);
   if constexpr (B == 2) both = both + simd::part<1>(sum);
-  *first = _mm_cvtsi128_si32(both.r);
-  *second = _mm_extract_epi32(both.r, 2);
+  *first = simd::element<0>(both);
+  *second = simd::element<2>(both);
   return moxStsOk;
 }
 

@@ -1,3 +1,4 @@
+#include "block/metrics_sa8d_vec.hpp"
 #include "block/metrics_satd_px.hpp"
 #include "block/metrics_satd_vec.hpp"
 #include "frame/arguments.hpp"

@@ -76,7 +76,7 @@ MOX_INLINE simd::s16<B> fold_words(simd::s16<B> a, simd::s16<B> b) {
   return max(abs(even), abs(odd));
 }
 
-/// Half the SATD of four rows, in words below 4 * 2040 = 8160.
+/// Half the SATD of four rows, in words of 4 * 2040 = 8160 at most.
 template <int W, int kBytes>
 MOX_INLINE auto four_rows(const Mox8u* src, std::ptrdiff_t srcStep, const Mox8u* ref, std::ptrdiff_t refStep) {
   const auto row = [=](int y) { return first_step<W, kBytes>(src + y * srcStep, srcStep, ref + y * refStep, refStep); };
@@ -100,7 +100,7 @@ MOX_INLINE Mox32s twice_total(simd::s16<B> words) {
 template <int W, int H>
 MoxStatus satd_block(const Mox8u* src, Mox32s srcStep, const Mox8u* ref, Mox32s refStep, Mox32s* result) {
   constexpr int kBytes = W * H == 32 ? 8 : 16, kStep = kBytes / W * 4;
-  static_assert(H % kStep == 0 && H / kStep <= 4);  // words below 4 * 8160 = 32640
+  static_assert(H % kStep == 0 && H / kStep <= 4);  // words of 4 * 8160 = 32640 at most
   const std::ptrdiff_t s = srcStep, r = refStep;
   auto sum = four_rows<W, kBytes>(src, s, ref, r);
   for (int y = kStep; y < H; y += kStep) sum = sum + four_rows<W, kBytes>(src + y * s, s, ref + y * r, r);
@@ -118,93 +118,6 @@ inline MoxStatus satd_block<4, 4>(const Mox8u* src, Mox32s srcStep, const Mox8u*
   const auto a = upper + lower, b = upper - lower;
   const auto c = lo64(a, b), d = hi64(a, b);
   *result = twice_total(fold_words(c + d, c - d));
-  return moxStsOk;
-}
-
-/// One step across doublewords of a and b: sums and differences.
-template <template <int> class V, int B>
-struct Two {
-  V<B> sum, difference;
-};
-template <int B>
-MOX_INLINE Two<simd::s16, B> across_halves(simd::s16<B> a, simd::s16<B> b) {
-  const auto x = lo64(a, b), y = hi64(a, b);
-  return {x + y, x - y};
-}
-template <int B>
-MOX_INLINE Two<simd::s16, B> across_doublewords(simd::s16<B> a, simd::s16<B> b) {
-  const auto x = as<simd::s32>(a), y = as<simd::s32>(b);
-  const auto even = as<simd::s16>(even32(x, y)), odd = as<simd::s16>(odd32(x, y));
-  return {even + odd, even - odd};
-}
-
-/// The rest of an 8 x 8 transform of bytes, for rows 0 to 3 with rows 4 to 7 beside them. Half the sum of magnitudes,
-/// in words below 4 * 8160 = 32640.
-template <int B>
-MOX_INLINE simd::s16<B> sa8d_rest(simd::s16<B> r0, simd::s16<B> r1, simd::s16<B> r2, simd::s16<B> r3) {
-  const auto a = r0 + r1, b = r0 - r1, c = r2 + r3, d = r2 - r3;                        // [-1020, 1020]
-  const auto upper = across_halves(a + c, a - c), lower = across_halves(b + d, b - d);  // [-4080, 4080]
-  const auto p = across_doublewords(upper.sum, lower.sum);                              // [-8160, 8160]
-  const auto q = across_doublewords(upper.difference, lower.difference);
-  return fold_words(p.sum, p.difference) + fold_words(q.sum, q.difference);
-}
-
-MOX_INLINE Mox32s sa8d_sum(const Mox8u* src, Mox32s srcStep, const Mox8u* ref, Mox32s refStep) {
-  const std::ptrdiff_t s = srcStep, r = refStep;
-  const auto row = [=](int y) { return first_step<8, 16>(src + y * s, s, ref + y * r, r); };
-  const auto r0 = row(0), r1 = row(1), r2 = row(2), r3 = row(3);
-  const auto two = simd::splat<simd::s16, decltype(r0)::B>(2);
-  auto sum = madd(sa8d_rest(r0.v[0], r1.v[0], r2.v[0], r3.v[0]), two);
-  for (int i = 1; i < decltype(r0)::kVectors; ++i) sum = sum + madd(sa8d_rest(r0.v[i], r1.v[i], r2.v[i], r3.v[i]), two);
-  return total(sum);
-}
-
-/// Two vectors of four doublewords across rows, or along them.
-template <int B>
-MOX_INLINE void butterfly(simd::s32<B>& a, simd::s32<B>& b) {
-  const auto sum = a + b;
-  b = a - b, a = sum;
-}
-template <int B>
-MOX_INLINE void butterfly_neighbours(simd::s32<B>& a, simd::s32<B>& b) {
-  const auto even = even32(a, b), odd = odd32(a, b);
-  a = even + odd, b = even - odd;
-}
-
-/// Half the sum of magnitudes, of rows of sums or of differences of neighbouring 16-bit differences. Values double in
-/// each step, from [-65536, 65534]: coefficients are below 2^22.
-template <int B, int kRows>
-MOX_INLINE simd::s32<B> sa8d_of_rows(simd::s32<B> (&v)[kRows]) {
-  for (int half = 1; half < kRows; half *= 2) {
-    for (int i = 0; i < kRows; ++i) {
-      if (!(i & half)) butterfly(v[i], v[i + half]);
-    }
-  }
-  auto sum = simd::zero<simd::s32, B>();
-  for (int i = 0; i < kRows; i += 2) {
-    butterfly_neighbours(v[i], v[i + 1]);
-    const auto even = abs(even32(v[i], v[i + 1])), odd = abs(odd32(v[i], v[i + 1]));
-    sum = sum + max(even, odd);
-  }
-  return sum;
-}
-
-MOX_INLINE Mox32s sa8d_sum(const Mox16u* src, Mox32s srcStep, const Mox16u* ref, Mox32s refStep) {
-  constexpr int B = simd::kBlocks;
-  simd::s32<B> half[2 / B][8];
-  const __m128i signs[] = {simd::splat<simd::s32, 1>(0x00010001).r, simd::splat<simd::s32, 1>(-0xFFFF).r};  // 1 1, 1 -1
-  for (int y = 0; y < 8; ++y, src = step_bytes(src, srcStep), ref = step_bytes(ref, refStep)) {
-    const auto d = simd::table<simd::s16, B>(src) - simd::table<simd::s16, B>(ref);
-    for (int i = 0; i < 2 / B; ++i) half[i][y] = madd(d, simd::s16<B>{simd::join<B>(signs + i)});
-  }
-  auto sum = sa8d_of_rows(half[0]);
-  for (int i = 1; i < 2 / B; ++i) sum = sum + sa8d_of_rows(half[i]);
-  return 2 * total(sum);
-}
-
-template <class T>
-MoxStatus sa8d_block(const T* src, Mox32s srcStep, const T* ref, Mox32s refStep, Mox32s* result) {
-  *result = sa8d_sum(src, srcStep, ref, refStep);
   return moxStsOk;
 }
 

@@ -87,16 +87,14 @@ MOX_INLINE To<B> as(From<B> v) {
 #define MOX_LOGIC(name, A, instruction)                                                  \
   MOX_INLINE A<1> name(A<1> a, A<1> b) { return {_mm_##instruction##_si128(a.r, b.r)}; } \
   MOX_WIDE(MOX_INLINE A<2> name(A<2> a, A<2> b) { return {_mm256_##instruction##_si256(a.r, b.r)}; })
-#define MOX_COMMON(A, bits)                                                             \
-  MOX_OP2(operator+, A, A, add_epi##bits)                                               \
-  MOX_OP2(operator-, A, A, sub_epi##bits)                                               \
-  MOX_LOGIC(operator&, A, and) MOX_LOGIC(operator|, A, or) MOX_LOGIC(operator^, A, xor) \
-      MOX_LOGIC(andnot, A, andnot) /* ~a & b */                                         \
+#define MOX_COMMON(A, bits)                                                                        \
+  MOX_OP2(operator+, A, A, add_epi##bits)                                                          \
+  MOX_OP2(operator-, A, A, sub_epi##bits) MOX_LOGIC(operator&, A, and) MOX_LOGIC(operator|, A, or) \
+      MOX_LOGIC(operator^, A, xor) MOX_LOGIC(andnot, A, andnot) /* ~a & b */                       \
       MOX_OP2(equal, A, A, cmpeq_epi##bits)
 
 MOX_COMMON(u8, 8)
-MOX_COMMON(s16, 16)
-MOX_COMMON(u16, 16) MOX_COMMON(s32, 32)
+MOX_COMMON(s16, 16) MOX_COMMON(u16, 16) MOX_COMMON(s32, 32)
 
     // Bytes.
     MOX_OP2(avg, u8, u8, avg_epu8)  // halves up
@@ -355,8 +353,7 @@ MOX_INLINE void store_rows(u8<1> v, void* p, std::ptrdiff_t step) {
 }
 
 // What distances need.
-/// Words of b with the sign of a's: negated where a is below 0, 0 where a is 0.
-MOX_OP2(signed_by, s16, s16, sign_epi16)  // signed_by(b, a)
+MOX_OP2(signed_by, s16, s16, sign_epi16)  // a where b is above 0, -a where it is below, 0 where it is 0
 /// Sums of absolute differences of the four bytes of b at 4 (N & 3) and the four bytes of a at offset + i, for words i
 /// of 0 to 7; the offset is 4 if bit 2 of N is set, else 0.
 template <int N>
@@ -373,13 +370,12 @@ MOX_INLINE s32<1> even32(s32<1> a, s32<1> b) {
 MOX_INLINE s32<1> odd32(s32<1> a, s32<1> b) {
   return {_mm_castps_si128(_mm_shuffle_ps(_mm_castsi128_ps(a.r), _mm_castsi128_ps(b.r), 0xDD))};
 }
-MOX_WIDE(
-    MOX_INLINE s32<2> even32(s32<2> a, s32<2> b) {
-      return {_mm256_castps_si256(_mm256_shuffle_ps(_mm256_castsi256_ps(a.r), _mm256_castsi256_ps(b.r), 0x88))};
-    } MOX_INLINE s32<2>
-        odd32(s32<2> a, s32<2> b) {
-          return {_mm256_castps_si256(_mm256_shuffle_ps(_mm256_castsi256_ps(a.r), _mm256_castsi256_ps(b.r), 0xDD))};
-        })
+MOX_WIDE(MOX_INLINE s32<2> even32(s32<2> a, s32<2> b) {
+  return {_mm256_castps_si256(_mm256_shuffle_ps(_mm256_castsi256_ps(a.r), _mm256_castsi256_ps(b.r), 0x88))};
+})
+MOX_WIDE(MOX_INLINE s32<2> odd32(s32<2> a, s32<2> b) {
+  return {_mm256_castps_si256(_mm256_shuffle_ps(_mm256_castsi256_ps(a.r), _mm256_castsi256_ps(b.r), 0xDD))};
+})
 /// The first 12 bytes at p, the rest zero.
 MOX_INLINE u8<1> load12(const void* p) {
   int last;
@@ -394,8 +390,14 @@ MOX_INLINE Smallest smallest(u16<1> v) {
   const int both = _mm_cvtsi128_si32(_mm_minpos_epu16(v.r));
   return {both & 0xFFFF, both >> 16};
 }
+/// Doubleword I.
+template <int I>
+MOX_INLINE Mox32s element(s32<1> v) {
+  if constexpr (I == 0) return _mm_cvtsi128_si32(v.r);
+  return _mm_extract_epi32(v.r, I);
+}
 /// The sum of elements 0 and 2 of each block: all that `sad` leaves.
-MOX_INLINE Mox32s total_of_sad(s32<1> v) { return _mm_cvtsi128_si32((v + permute<0x4E>(v)).r); }
+MOX_INLINE Mox32s total_of_sad(s32<1> v) { return element<0>(v + permute<0x4E>(v)); }
 MOX_WIDE(MOX_INLINE Mox32s total_of_sad(s32<2> v) { return total_of_sad(part<0>(v) + part<1>(v)); })
 
 /// The sum of all elements, wrapping.
