@@ -55,13 +55,16 @@ class Sampler {
     if constexpr (half_in_y(P)) above_ = pair(rows);
   }
   MOX_INLINE simd::u8<R::B> operator()(R& rows) {
-    const Pair a = above_, b = pair(rows);
-    if constexpr (half_in_y(P)) above_ = b;
-    if constexpr (P == HalfPel::kFull) return b.mean;
-    if constexpr (P == HalfPel::kHF) return kRc ? b.mean - lowest(b.odd) : b.mean;
-    const auto mean = avg(a.mean, b.mean), odd = a.mean ^ b.mean;
-    if constexpr (P == HalfPel::kFH) return kRc ? mean - lowest(odd) : mean;
-    return mean - lowest(kRc ? odd | (a.odd & b.odd) : odd & (a.odd | b.odd));
+    const Pair low = pair(rows);
+    if constexpr (half_in_y(P)) {
+      const Pair up = above_;
+      above_ = low;
+      const auto mean = avg(up.mean, low.mean), odd = up.mean ^ low.mean;
+      if constexpr (P == HalfPel::kFH) return kRc ? mean - lowest(odd) : mean;
+      return mean - lowest(kRc ? odd | (up.odd & low.odd) : odd & (up.odd | low.odd));
+    } else {
+      return half_in_x(P) && kRc ? low.mean - lowest(low.odd) : low.mean;
+    }
   }
 
  private:
@@ -142,7 +145,7 @@ class WordSampler {
   MOX_INLINE Words mean(Words a, Words b) const {
     return combine(a, b, [this](auto c, auto d) { return rounding_.mean(c, d); });
   }
-  /// A row, or for a half in x the sums of neighbours.
+  /// A row, or for a half in x the sums of neighbours, 0 to 510.
   MOX_INLINE Words pair(const Mox8u* p) const {
     const Words a = R::load(p, step_);
     if constexpr (half_in_x(P))

@@ -114,7 +114,7 @@ TEST_P(BlockArithmetic, ByHand) {
   } kSums[] = {{200, 32767, 0}, {1, 32767, 0},  {0, 32767, 255}, {255, -256, 0}, {0, 255, 255},   {255, 255, 255},
                {200, 55, 255},  {200, 54, 254}, {7, -7, 0},      {7, -6, 1},     {255, -32768, 0}};
   for (const auto& c : kSums) {
-    for (int i = 0; i < 64; ++i) sample.set(i % 8, i / 8, c.sample), residual.set(i % 8, i / 8, c.value);
+    sample.fill(c.sample), residual.fill(c.value);
     lib(MOX_FN(moxiAdd8x8_16s8u_C1IRS))(residual.data(), 16, sample.data(), 8);
     EXPECT_EQ(sample.get(7, 7), c.sum) << c.sample << " + " << c.value;
     sample.set(3, 4, c.sample);

@@ -56,6 +56,11 @@ class Block {
       set(static_cast<int>(i) % width, static_cast<int>(i) / width, values[i]);
     }
   }
+  void fill(int value) const {
+    for (int y = 0; y < plane_->height(); ++y) {
+      for (int x = 0; x < plane_->width() / static_cast<int>(sizeof(T)); ++x) set(x, y, value);
+    }
+  }
   bool operator==(const Block& other) const { return plane_->copy() == other.plane_->copy(); }
 
  private:

@@ -185,7 +185,7 @@ class Motion : public PerGeneration {
 /// Blocks of one call of a function, and what it must leave in them.
 class Scene {
  public:
-  /// A selector of a reference holds its position, 2 * half x + half y; full-pel functions have none.
+  /// positions: of each reference, 2 * half x + half y.
   Scene(const Form& form, const int* positions, int rc, bool withPredictor, Random& random)
       : form_(form),
         rc_(rc),
@@ -232,17 +232,7 @@ class Scene {
       for (int x = 0; x < form_.width; ++x) {
         const int p = prediction(x, y);
         if (predictor) predictor->set(x, y, p);
-        const auto& other = block16[x % form_.blocks16()];
-        const int column = x / form_.blocks16();
-        switch (form_.work) {
-          case Work::kAdd: dst.set(x, y, oracle::sample_of(p + other.get(column, y))); break;
-          case Work::kAddWrapping:
-            dst.set(x, y, oracle::sample_of(oracle::signed_16_bits(p + other.get(column, y))));
-            break;
-          case Work::kDifference: other.set(column, y, cur_.get(x, y) - p); break;
-          case Work::kCopy: dst.set(x, y, p); break;
-          case Work::kAverage: dst.set(x, y, oracle::mean(dst.get(x, y), p)); break;
-        }
+        work_out(x, y, p, dst, block16[x % form_.blocks16()]);
       }
     }
     ASSERT_EQ(invoke(arguments()), moxStsOk);
@@ -250,7 +240,9 @@ class Scene {
     for (std::size_t i = 0; i < block16.size(); ++i) {
       EXPECT_TRUE(block16_[i] == block16[i]) << "16-bit block " << i << ", step " << block16[i].step();
     }
-    if (predictor) EXPECT_TRUE(*predictor_ == *predictor) << "predictor, step " << predictor->step();
+    if (predictor) {
+      EXPECT_TRUE(*predictor_ == *predictor) << "predictor, step " << predictor->step();
+    }
   }
 
  private:
@@ -274,6 +266,19 @@ class Scene {
       p[i] = oracle::half_pel(sample, x / channels, y, halfX_[i], halfY_[i], rc_);
     }
     return form_.references == 2 ? oracle::mean(p[0], p[1]) : p[0];
+  }
+
+  /// What becomes of the sample at (x, y) with the prediction p.
+  void work_out(int x, int y, int p, const Block<Mox8u>& dst, const Block<Mox16s>& block16) const {
+    const int column = x / form_.blocks16();
+    switch (form_.work) {
+      case Work::kAdd: return dst.set(x, y, oracle::sample_of(p + block16.get(column, y)));
+      case Work::kAddWrapping:
+        return dst.set(x, y, oracle::sample_of(oracle::signed_16_bits(p + block16.get(column, y))));
+      case Work::kDifference: return block16.set(column, y, cur_.get(x, y) - p);
+      case Work::kCopy: return dst.set(x, y, p);
+      case Work::kAverage: return dst.set(x, y, oracle::mean(dst.get(x, y), p));
+    }
   }
 
   const Form& form_;
@@ -351,7 +356,7 @@ Block<Mox8u> repeated(const int (&samples)[2][2]) {
 
 TEST_P(Motion, PredictionsByHand) {
   const Block<Mox16s> zero(8, 8, 16, Placement::at_end()), diff = zero.twin(), predictor = zero.twin();
-  zero.fill(Pattern::kLow, *std::make_unique<Random>(), 0, 0);
+  zero.fill(0);
   const Block<Mox8u> dst(8, 8, 8, Placement::at_end()), cur = dst.twin();
   for (const PredictionCase& c : kPredictionCases) {
     SCOPED_TRACE(testing::Message() << "mcType " << c.mcType << " rounding " << c.roundControl << " of "
@@ -385,7 +390,7 @@ TEST_P(Motion, ResidualsSaturateOrWrap) {
   const Block<Mox16s> residual(8, 8, 16, Placement::at_end());
   for (const auto& c : kCases) {
     const Block<Mox8u> ref = repeated({{c.prediction, c.prediction}, {c.prediction, c.prediction}});
-    for (int i = 0; i < 64; ++i) residual.set(i % 8, i / 8, c.residual);
+    residual.fill(c.residual);
     EXPECT_EQ(lib(MOX_FN(moxiMC8x8_8u_C1))(ref.data(), 9, residual.data(), 16, dst.data(), 8, 12, 0), moxStsOk);
     EXPECT_EQ(dst.get(7, 7), c.sum) << c.prediction << " + " << c.residual;
     EXPECT_EQ(lib(MOX_FN(moxiAdd8x8HP_16s8u_C1RS))(residual.data(), 16, ref.data(), 9, dst.data(), 8, 3, 0), moxStsOk);
@@ -397,7 +402,7 @@ TEST_P(Motion, MeanOfTwoReferencesRoundsUp) {
   const Block<Mox8u> zeros = repeated({{0, 0}, {0, 0}}), ones = repeated({{1, 1}, {1, 1}}), dst = zeros.twin();
   const Block<Mox16s> block(8, 8, 16, Placement::at_end());
   for (Mox32u roundControl : {0, 1}) {
-    block.fill(Pattern::kLow, *std::make_unique<Random>(), 0, 0);
+    block.fill(0);
     EXPECT_EQ(lib(MOX_FN(moxiMC8x8B_8u_C1))(zeros.data(), 9, 0, ones.data(), 9, 0, block.data(), 16, dst.data(), 9,
                                             roundControl),
               moxStsOk);
@@ -414,7 +419,7 @@ TEST_P(Motion, ReferencesInPlace) {
   const auto f = lib(MOX_FN(moxiCopy16x16HP_8u_C1R));
   const auto mc = lib(MOX_FN(moxiMC4x4_8u_C1));
   const Block<Mox16s> zero(4, 4, 8, Placement::at_end());
-  zero.fill(Pattern::kLow, random, 0, 0);
+  zero.fill(0);
   for (int acc = 0; acc < 4; ++acc) {
     const Block<Mox8u> block(17, 17, 20, Placement::at_end()), apart(16, 16, 16, Placement::at_end());
     block.fill(Pattern::kRandom, random, 0, 255);
