@@ -15,7 +15,7 @@ struct ByteRow {
   simd::u8<1> v;
   explicit ByteRow(const Mox8u* p) : v(simd::load_row<simd::u8, 1>(p)) {}
   MOX_INLINE simd::s32<1> distance(const ByteRow& other) const { return sad(v, other.v); }
-  static constexpr Mox32s total(simd::s32<1> sum) { return total_of_sad(sum); }
+  static Mox32s total(simd::s32<1> sum) { return total_of_sad(sum); }
 };
 
 /// A row of 16 words. Sums wrap at 16 bits, so -32768 may stand for 32768.
