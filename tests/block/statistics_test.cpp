@@ -1,7 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <array>
 #include <functional>
-#include <numeric>
+#include <limits>
 #include <optional>
 #include <vector>
 
@@ -171,27 +172,30 @@ TEST_P(Statistics, PredictionErrorsByHand) {
   const auto half = lib(MOX_FN(moxiVarMeanDiff16x8_8u32s_C1R));
   // Errors of 2 and 10: P = 64 * 94 = 6016, E = 32 * 4 + 32 * 100 = 3328, (3328 - 48^2) / 64 = 16. Between two columns
   // all errors are 6.
-  const std::vector<Mox32s> untouched(4, -7);
+  using Four = std::array<Mox32s, 4>;
+  const auto four = [](Mox32s value) { return Four{value, value, value, value}; };
+  const Four untouched = four(-7);
   for (int mcType : {0, 8}) {
     const Mox32s mean = 48, variance = mcType ? 0 : 16;
-    std::vector<Mox32s> sums(4, 6400), var = untouched, means = untouched;
+    Four sums = four(6400), var = untouched, means = untouched;
     EXPECT_EQ(large(src.data(), 16, ref.data(), 17, sums.data(), var.data(), means.data(), mcType), moxStsOk);
-    EXPECT_EQ(var, std::vector<Mox32s>(4, variance));
-    EXPECT_EQ(means, std::vector<Mox32s>(4, mean));
+    EXPECT_EQ(var, four(variance));
+    EXPECT_EQ(means, four(mean));
     for (int other : {mcType + 2, mcType + 16, mcType - 64}) {
       var = means = untouched;
       EXPECT_EQ(large(src.data(), 16, ref.data(), 17, sums.data(), var.data(), means.data(), other), moxStsOk);
       EXPECT_EQ(var, untouched) << other;
       EXPECT_EQ(means, untouched) << other;
       EXPECT_EQ(half(src.data(), 16, ref.data(), 17, sums.data(), var.data(), means.data(), other), moxStsOk);
-      EXPECT_EQ(var, (std::vector<Mox32s>{variance, variance, -7, -7})) << other;
+      EXPECT_EQ(var, (Four{variance, variance, -7, -7})) << other;
     }
   }
   for (const int difference : {-8, -7, 0, 7, 8}) {
-    std::vector<Mox32s> sums(4, 6400 + difference), var(4), means(4);
+    const Four sums = four(6400 + difference);
+    Four var, means;
     large(src.data(), 16, src.data(), 16, sums.data(), var.data(), means.data(), 0);
-    EXPECT_EQ(means, std::vector<Mox32s>(4, difference / 8)) << difference;
-    EXPECT_EQ(var, std::vector<Mox32s>(4, 0)) << difference;
+    EXPECT_EQ(means, four(difference / 8)) << difference;
+    EXPECT_EQ(var, four(0)) << difference;
   }
 }
 
@@ -206,7 +210,9 @@ void expect_sums(const Block<S>& sums, const std::optional<Block<Mox16s>>& diff,
   for (int i = 0; i < size * size; ++i) {
     const int x = i % size, y = i / size, d = oracle::signed_16_bits(difference(x, y));
     expected[static_cast<std::size_t>(diff_index(x, y, size) / 16)] += d;
-    if (diff) ASSERT_EQ(diff->get(diff_index(x, y, size), 0), d) << "difference at " << x << ' ' << y;
+    if (diff) {
+      ASSERT_EQ(diff->get(diff_index(x, y, size), 0), d) << "difference at " << x << ' ' << y;
+    }
   }
   for (int i = 0; i < size * size / 16; ++i) {
     ASSERT_EQ(sums.get(i, 0), expected[static_cast<std::size_t>(i)]) << "sum of block " << i;

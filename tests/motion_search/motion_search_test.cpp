@@ -1,6 +1,7 @@
 /// Motion search on made pictures whose motion is known, and the program's arguments and messages.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <functional>
@@ -176,6 +177,21 @@ TEST(MotionSearch, DiamondFollowsASmoothPan) {
   });
   EXPECT_EQ(right, inside);
   EXPECT_GT(ms::psnr(current, ms::predict(field, reference), 0), 25);
+}
+
+TEST(MotionSearch, MarginsRepeatTheEdge) {
+  // 33 x 9 shown, 48 x 16 stored, 20 around.
+  const ms::Picture made = picture(33, 9, 20, [](int plane, int x, int y) { return plane * 40 + x * 3 + y; });
+  for (int y = -20; y < 36; ++y) {
+    for (int x = -20; x < 68; ++x) {
+      ASSERT_EQ(*made.plane(0).at(x, y), std::clamp(x, 0, 32) * 3 + std::clamp(y, 0, 8)) << x << ' ' << y;
+    }
+  }
+  for (int y = -20; y < 28; ++y) {
+    for (int x = -20; x < 44; ++x) {
+      ASSERT_EQ(*made.plane(2).at(x, y), 80 + std::clamp(x, 0, 16) * 3 + std::clamp(y, 0, 4)) << x << ' ' << y;
+    }
+  }
 }
 
 TEST(MotionSearch, FiguresOfAField) {
