@@ -3,8 +3,8 @@
  *  8x8 quarter, sums of differences by 4x4 block, and a test for many edges.
  *
  *  The block's size in samples is in the name; a block is read exactly over its size unless a function says more.
- *  Blocks of samples and of differences and their sums need no alignment. Steps are bytes between rows, for 16-bit samples too; any value is used as it comes,
- *  also a negative or odd one or 0. Results must not overlap what is read.
+ *  Blocks of samples and of differences and their sums need no alignment. Steps are bytes between rows, for 16-bit
+ * samples too; any value is used as it comes, also a negative or odd one or 0. Results must not overlap what is read.
  *
  *  Status. moxStsNullPointer if a pointer is null, in the order of the arguments; nothing is written then. Nothing
  *  else is tested unless a function says so.

@@ -62,6 +62,8 @@ MOX_INLINE To<B> as(From<B> v) {
   return {v.r};
 }
 
+// One instruction a line.
+// clang-format off
 // name(A, A) -> R by one instruction.
 #define MOX_OP2(name, R, A, instruction)                                         \
   MOX_INLINE R<1> name(A<1> a, A<1> b) { return {_mm_##instruction(a.r, b.r)}; } \
@@ -71,82 +73,108 @@ MOX_INLINE To<B> as(From<B> v) {
   MOX_INLINE R<1> name(A<1> a) { return {_mm_##instruction(a.r)}; } \
   MOX_WIDE(MOX_INLINE R<2> name(A<2> a) { return {_mm256_##instruction(a.r)}; })
 // name<N>(A) -> A by one instruction with an immediate.
-#define MOX_OPI(name, A, instruction)   \
-  template <int N>                      \
-  MOX_INLINE A<1> name(A<1> a) {        \
-    return {_mm_##instruction(a.r, N)}; \
-  }                                     \
+#define MOX_OPI(name, A, instruction)                                                   \
+  template <int N> MOX_INLINE A<1> name(A<1> a) { return {_mm_##instruction(a.r, N)}; } \
   MOX_WIDE(template <int N> MOX_INLINE A<2> name(A<2> a) { return {_mm256_##instruction(a.r, N)}; })
 // name<N>(A, A) -> A by one instruction with an immediate.
-#define MOX_OP2I(name, A, instruction)       \
-  template <int N>                           \
-  MOX_INLINE A<1> name(A<1> a, A<1> b) {     \
-    return {_mm_##instruction(a.r, b.r, N)}; \
-  }                                          \
+#define MOX_OP2I(name, A, instruction)                                                               \
+  template <int N> MOX_INLINE A<1> name(A<1> a, A<1> b) { return {_mm_##instruction(a.r, b.r, N)}; } \
   MOX_WIDE(template <int N> MOX_INLINE A<2> name(A<2> a, A<2> b) { return {_mm256_##instruction(a.r, b.r, N)}; })
 #define MOX_LOGIC(name, A, instruction)                                                  \
   MOX_INLINE A<1> name(A<1> a, A<1> b) { return {_mm_##instruction##_si128(a.r, b.r)}; } \
   MOX_WIDE(MOX_INLINE A<2> name(A<2> a, A<2> b) { return {_mm256_##instruction##_si256(a.r, b.r)}; })
-#define MOX_COMMON(A, bits)                                                                        \
-  MOX_OP2(operator+, A, A, add_epi##bits)                                                          \
-  MOX_OP2(operator-, A, A, sub_epi##bits) MOX_LOGIC(operator&, A, and) MOX_LOGIC(operator|, A, or) \
-      MOX_LOGIC(operator^, A, xor) MOX_LOGIC(andnot, A, andnot) /* ~a & b */                       \
-      MOX_OP2(equal, A, A, cmpeq_epi##bits)
+#define MOX_COMMON(A, bits)               \
+  MOX_OP2(operator+, A, A, add_epi##bits) \
+  MOX_OP2(operator-, A, A, sub_epi##bits) \
+  MOX_LOGIC(operator&, A, and)            \
+  MOX_LOGIC(operator|, A, or)             \
+  MOX_LOGIC(operator^, A, xor)            \
+  MOX_LOGIC(andnot, A, andnot) /* ~a & b */ \
+  MOX_OP2(equal, A, A, cmpeq_epi##bits)
 
 MOX_COMMON(u8, 8)
-MOX_COMMON(s16, 16) MOX_COMMON(u16, 16) MOX_COMMON(s32, 32)
+MOX_COMMON(s16, 16)
+MOX_COMMON(u16, 16)
+MOX_COMMON(s32, 32)
 
-    // Bytes.
-    MOX_OP2(avg, u8, u8, avg_epu8)  // halves up
-    MOX_OP2(adds, u8, u8, adds_epu8) MOX_OP2(subs, u8, u8, subs_epu8) MOX_OP2(min, u8, u8, min_epu8)
-        MOX_OP2(max, u8, u8, max_epu8)
-            MOX_OP2(sad, s32, u8, sad_epu8)  // two sums of eight a block, in elements 0 and 2
-    MOX_OP2(lookup, u8, u8, shuffle_epi8) MOX_OP2I(align, u8, alignr_epi8)  // bytes N.. of b followed by those of a
-    MOX_OP2(lo8, u8, u8, unpacklo_epi8) MOX_OP2(hi8, u8, u8, unpackhi_epi8)
-    /// Even byte * even signed byte + odd byte * odd signed byte, saturated.
-    MOX_OP2(maddubs, s16, u8, maddubs_epi16)
-    // Words.
-    MOX_OP2(adds, s16, s16, adds_epi16) MOX_OP2(subs, s16, s16, subs_epi16) MOX_OP2(adds, u16, u16, adds_epu16)
-        MOX_OP2(subs, u16, u16, subs_epu16) MOX_OP2(min, s16, s16, min_epi16) MOX_OP2(max, s16, s16, max_epi16)
-            MOX_OP2(min, u16, u16, min_epu16) MOX_OP2(max, u16, u16, max_epu16) MOX_OP2(avg, u16, u16, avg_epu16)
-                MOX_OP2(operator*, s16, s16, mullo_epi16) MOX_OP2(operator*, u16, u16, mullo_epi16)
-                    MOX_OP2(mulhi, s16, s16, mulhi_epi16) MOX_OP2(mulhi, u16, u16, mulhi_epu16)
-                        MOX_OP2(mulhrs, s16, s16, mulhrs_epi16)  // (a * b + 2^14) >> 15
-    MOX_OP2(madd, s32, s16, madd_epi16) MOX_OP2(greater, s16, s16, cmpgt_epi16) MOX_OP2(hadd, s16, s16, hadd_epi16)
-        MOX_OP1(abs, s16, s16, abs_epi16) MOX_OPI(shr, s16, srai_epi16) MOX_OPI(shl, s16, slli_epi16)
-            MOX_OPI(shr, u16, srli_epi16) MOX_OPI(shl, u16, slli_epi16) MOX_OP2(lo16, s16, s16, unpacklo_epi16)
-                MOX_OP2(hi16, s16, s16, unpackhi_epi16) MOX_OP2(lo32, s16, s16, unpacklo_epi32)
-                    MOX_OP2(hi32, s16, s16, unpackhi_epi32) MOX_OP2(lo64, s16, s16, unpacklo_epi64)
-                        MOX_OP2(hi64, s16, s16, unpackhi_epi64) MOX_OP2(lo64, u8, u8, unpacklo_epi64)
-                            MOX_OP2(hi64, u8, u8, unpackhi_epi64)
-                                MOX_OP2I(blend, s16, blend_epi16)  // word i of b where bit i of N is set
-    MOX_OP2(packus, u8, s16, packus_epi16) MOX_OP2(packs, u8, s16, packs_epi16)
-    // Doublewords.
-    MOX_OP2(operator*, s32, s32, mullo_epi32) MOX_OP2(min, s32, s32, min_epi32) MOX_OP2(max, s32, s32, max_epi32)
-        MOX_OP2(greater, s32, s32, cmpgt_epi32) MOX_OP2(hadd, s32, s32, hadd_epi32) MOX_OP1(abs, s32, s32, abs_epi32)
-            MOX_OPI(shr, s32, srai_epi32) MOX_OPI(shru, s32, srli_epi32) MOX_OPI(shl, s32, slli_epi32)
-                MOX_OP2(packs, s16, s32, packs_epi32) MOX_OP2(packus, u16, s32, packus_epi32)
-                    MOX_OP2(lo32, s32, s32, unpacklo_epi32) MOX_OP2(hi32, s32, s32, unpackhi_epi32)
-                        MOX_OP2(lo64, s32, s32, unpacklo_epi64) MOX_OP2(hi64, s32, s32, unpackhi_epi64)
-                            MOX_OPI(permute, s32, shuffle_epi32)
+// Bytes.
+MOX_OP2(avg, u8, u8, avg_epu8)  // halves up
+MOX_OP2(adds, u8, u8, adds_epu8)
+MOX_OP2(subs, u8, u8, subs_epu8)
+MOX_OP2(min, u8, u8, min_epu8)
+MOX_OP2(max, u8, u8, max_epu8)
+MOX_OP2(sad, s32, u8, sad_epu8)  // two sums of eight a block, in elements 0 and 2
+MOX_OP2(lookup, u8, u8, shuffle_epi8)
+MOX_OP2I(align, u8, alignr_epi8)  // bytes N.. of b followed by those of a
+MOX_OP2(lo8, u8, u8, unpacklo_epi8)
+MOX_OP2(hi8, u8, u8, unpackhi_epi8)
+/// Even byte * even signed byte + odd byte * odd signed byte, saturated.
+MOX_OP2(maddubs, s16, u8, maddubs_epi16)
+// Words.
+MOX_OP2(adds, s16, s16, adds_epi16)
+MOX_OP2(subs, s16, s16, subs_epi16)
+MOX_OP2(adds, u16, u16, adds_epu16)
+MOX_OP2(subs, u16, u16, subs_epu16)
+MOX_OP2(min, s16, s16, min_epi16)
+MOX_OP2(max, s16, s16, max_epi16)
+MOX_OP2(min, u16, u16, min_epu16)
+MOX_OP2(max, u16, u16, max_epu16)
+MOX_OP2(avg, u16, u16, avg_epu16)
+MOX_OP2(operator*, s16, s16, mullo_epi16)
+MOX_OP2(operator*, u16, u16, mullo_epi16)
+MOX_OP2(mulhi, s16, s16, mulhi_epi16)
+MOX_OP2(mulhi, u16, u16, mulhi_epu16)
+MOX_OP2(mulhrs, s16, s16, mulhrs_epi16)  // (a * b + 2^14) >> 15
+MOX_OP2(madd, s32, s16, madd_epi16)
+MOX_OP2(greater, s16, s16, cmpgt_epi16)
+MOX_OP2(hadd, s16, s16, hadd_epi16)
+MOX_OP1(abs, s16, s16, abs_epi16)
+MOX_OPI(shr, s16, srai_epi16)
+MOX_OPI(shl, s16, slli_epi16)
+MOX_OPI(shr, u16, srli_epi16)
+MOX_OPI(shl, u16, slli_epi16)
+MOX_OP2(lo16, s16, s16, unpacklo_epi16)
+MOX_OP2(hi16, s16, s16, unpackhi_epi16)
+MOX_OP2(lo32, s16, s16, unpacklo_epi32)
+MOX_OP2(hi32, s16, s16, unpackhi_epi32)
+MOX_OP2(lo64, s16, s16, unpacklo_epi64)
+MOX_OP2(hi64, s16, s16, unpackhi_epi64)
+MOX_OP2(lo64, u8, u8, unpacklo_epi64)
+MOX_OP2(hi64, u8, u8, unpackhi_epi64)
+MOX_OP2I(blend, s16, blend_epi16)  // word i of b where bit i of N is set
+MOX_OP2(packus, u8, s16, packus_epi16)
+MOX_OP2(packs, u8, s16, packs_epi16)
+// Doublewords.
+MOX_OP2(operator*, s32, s32, mullo_epi32)
+MOX_OP2(min, s32, s32, min_epi32)
+MOX_OP2(max, s32, s32, max_epi32)
+MOX_OP2(greater, s32, s32, cmpgt_epi32)
+MOX_OP2(hadd, s32, s32, hadd_epi32)
+MOX_OP1(abs, s32, s32, abs_epi32)
+MOX_OPI(shr, s32, srai_epi32)
+MOX_OPI(shru, s32, srli_epi32)
+MOX_OPI(shl, s32, slli_epi32)
+MOX_OP2(packs, s16, s32, packs_epi32)
+MOX_OP2(packus, u16, s32, packus_epi32)
+MOX_OP2(lo32, s32, s32, unpacklo_epi32)
+MOX_OP2(hi32, s32, s32, unpackhi_epi32)
+MOX_OP2(lo64, s32, s32, unpacklo_epi64)
+MOX_OP2(hi64, s32, s32, unpackhi_epi64)
+MOX_OPI(permute, s32, shuffle_epi32)
+// clang-format on
 
-    // Constants: one value in all elements.
-    template <template <int> class V, int B>
-    MOX_INLINE V<B> zero();
+// Constants: one value in all elements.
+template <template <int> class V, int B>
+MOX_INLINE V<B> zero();
 template <template <int> class V, int B>
 MOX_INLINE V<B> splat(int value);
-#define MOX_CONSTANTS(V, name)                                                                                  \
-  template <>                                                                                                   \
-  MOX_INLINE V<1> zero<V, 1>() {                                                                                \
-    return {_mm_setzero_si128()};                                                                               \
-  }                                                                                                             \
-  template <>                                                                                                   \
-  MOX_INLINE V<1> splat<V, 1>(int value) {                                                                      \
-    return {_mm_set1_##name};                                                                                   \
-  }                                                                                                             \
-  MOX_WIDE(                                                                                                     \
-      template <> MOX_INLINE V<2> zero<V, 2>() { return {_mm256_setzero_si256()}; } template <> MOX_INLINE V<2> \
-          splat<V, 2>(int value) { return {_mm256_set1_##name}; })
+// clang-format off
+#define MOX_CONSTANTS(V, name)                                                            \
+  template <> MOX_INLINE V<1> zero<V, 1>() { return {_mm_setzero_si128()}; }              \
+  template <> MOX_INLINE V<1> splat<V, 1>(int value) { return {_mm_set1_##name}; }        \
+  MOX_WIDE(template <> MOX_INLINE V<2> zero<V, 2>() { return {_mm256_setzero_si256()}; }  \
+           template <> MOX_INLINE V<2> splat<V, 2>(int value) { return {_mm256_set1_##name}; })
+// clang-format on
 MOX_CONSTANTS(u8, epi8(static_cast<char>(value)))
 MOX_CONSTANTS(s16, epi16(static_cast<short>(value)))
 MOX_CONSTANTS(u16, epi16(static_cast<short>(value)))
