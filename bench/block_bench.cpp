@@ -63,7 +63,7 @@ const Row kArithmeticRows[] = {
          [](auto* add) {
            static int block = 0;
            block = (block + 8) & 31;
-           add(kResidual, 16, kDst + block, kStep);
+           return add(kResidual, 16, kDst + block, kStep);
          }),
     call(MOX_FN(moxiAddC8x8_16s8u_C1IR), "", Mox16s{3}, kDst, kStep),
     call(MOX_FN(moxiAverage8x8_8u_C1IR), "", kRef, kStep, kDst, kStep),
