@@ -7,6 +7,7 @@
 #include <cstddef>
 
 #include "block/metrics_satd_px.hpp"
+#include "block/rows_vec.hpp"
 #include "frame/generation.hpp"
 #include "simd/vec.hpp"
 
@@ -34,23 +35,21 @@ MOX_INLINE PairWords<kBytes> operator-(const PairWords<kBytes>& a, const PairWor
   return combine(a, b, [](auto x, auto y) { return x - y; });
 }
 
-/// Four rows of bytes at a time from a block W wide: 16 columns, two rows of 8 or of 4 below each other, or one row
-/// of 8. Rows that share a vector are four apart.
+/// kBytes bytes of a block W wide: one row, or two that are four apart.
 template <int W, int kBytes>
-MOX_INLINE simd::u8<1> load_bytes_of(const Mox8u* p, std::ptrdiff_t step) {
-  if constexpr (W == kBytes) return simd::load_rows<W, 1>(p, step);
-  return simd::load_rows<W, 2>(p, 4 * step);
-}
-template <>
-MOX_INLINE simd::u8<1> load_bytes_of<16, 16>(const Mox8u* p, std::ptrdiff_t) {
-  return simd::load_row<simd::u8, 1>(p);
+MOX_INLINE simd::u8<1> load_first(const Mox8u* p, [[maybe_unused]] std::ptrdiff_t step) {
+  if constexpr (W == kBytes) {
+    return load_bytes<W>(p);
+  } else {
+    return simd::load_rows<W, 2>(p, 4 * step);
+  }
 }
 
 /// Sums in [-510, 510], differences too.
 template <int W, int kBytes>
 MOX_INLINE PairWords<kBytes> first_step(const Mox8u* src, std::ptrdiff_t srcStep, const Mox8u* ref,
                                         std::ptrdiff_t refStep) {
-  const auto s = load_bytes_of<W, kBytes>(src, srcStep), r = load_bytes_of<W, kBytes>(ref, refStep);
+  const auto s = load_first<W, kBytes>(src, srcStep), r = load_first<W, kBytes>(ref, refStep);
   const auto plus = simd::splat<simd::u8, 1>(1), minus = as<simd::u8>(simd::splat<simd::u16, 1>(0xFF01));
   using P = PairWords<kBytes>;
   if constexpr (kBytes == 8) {

@@ -40,11 +40,15 @@ class SaturatingSampler {
     if constexpr (half_in_y(P)) above_ = row(rows);
   }
   MOX_INLINE Words operator()(R& rows) {
-    const Words a = above_, b = row(rows);
-    if constexpr (half_in_y(P)) above_ = b;
-    if constexpr (P == HalfPel::kFH) return mean(a, b);
-    if constexpr (P == HalfPel::kHH) return simd::shr<2>(adds(adds(a, b), simd::splat<simd::u16, R::B>(2)));
-    return b;
+    const Words low = row(rows);
+    if constexpr (half_in_y(P)) {
+      const Words up = above_;
+      above_ = low;
+      if constexpr (P == HalfPel::kFH) return mean(up, low);
+      return simd::shr<2>(adds(adds(up, low), simd::splat<simd::u16, R::B>(2)));
+    } else {
+      return low;
+    }
   }
 
  private:
