@@ -104,7 +104,7 @@ TEST(MotionSearch, FindsHalfSamples) {
   const ms::Picture reference = view(kSide, kSide, ms::margin_for(kRange), 40, 40);
   for (const Vector v : {Vector{7, 0}, {0, -5}, {-9, 3}, {1, 1}}) {
     // The mean of the samples around, as the prediction rounds it.
-    const ms::Picture current = picture(kSide, kSide, 0, [&](int plane, int x, int y) {
+    const ms::Picture current = picture(kSide, kSide, 0, [&](int plane, int x, int y) -> int {
       const int left = 40 + x + (v.x >> 1), top = 40 + y + (v.y >> 1);
       const auto at = [&](int column, int row) { return texture(plane, 2 * (left + column), 2 * (top + row)); };
       if (plane > 0) return 128;
@@ -124,18 +124,27 @@ TEST(MotionSearch, FindsHalfSamples) {
 
 TEST(MotionSearch, SplitsWhereTheQuartersPart) {
   constexpr int kSide = 112;
-  const ms::Picture reference = view(kSide, kSide, ms::margin_for(kRange), 40, 40);
-  // The left and the right half of a macroblock move apart.
-  const ms::Picture current = picture(kSide, kSide, 0, [](int plane, int x, int y) {
-    const int size = plane == 0 ? 16 : 8, shift = x % size < size / 2 ? -1 : 2;
-    return plane == 0 ? texture(0, 2 * (40 + x + shift), 2 * (40 + y)) : 128;
+  const ms::Picture reference = view(kSide, kSide, ms::margin_for(kRange), 300, 200);
+  // The left half of a macroblock moves by two samples, the right half by one to the other side.
+  const ms::Picture current = picture(kSide, kSide, 0, [&](int plane, int x, int y) -> int {
+    if (plane > 0) return 128;
+    const Mox8u* r = reference.plane(0).at(x, y);
+    return x % 16 < 8 ? r[-2] : r[1];
   });
-  each_inside(
-      ms::estimate(current, reference, Method::kFull, kRange), kSide, kSide,
-      [](const ms::Macroblock& mb, int column, int row) {
-        EXPECT_TRUE(mb.split) << column << ' ' << row;
-        EXPECT_EQ(mb.vectors, (std::array<Vector, 4>{{{-2, 0}, {4, 0}, {-2, 0}, {4, 0}}})) << column << ' ' << row;
-      });
+  const ms::Field field = ms::estimate(current, reference, Method::kFull, 4);
+  each_inside(field, kSide, kSide, [](const ms::Macroblock& mb, int column, int row) {
+    EXPECT_TRUE(mb.split) << column << ' ' << row;
+    EXPECT_EQ(mb.vectors, (std::array<Vector, 4>{{{-4, 0}, {2, 0}, {-4, 0}, {2, 0}}})) << column << ' ' << row;
+  });
+  // In chroma that is one sample, and half a sample.
+  const ms::Picture prediction = ms::predict(field, reference);
+  for (int y = 8; y < 40; ++y) {
+    for (int x = 8; x < 40; ++x) {
+      ASSERT_EQ(*prediction.plane(0).at(2 * x, y), *current.plane(0).at(2 * x, y)) << x << ' ' << y;
+      const Mox8u* r = reference.plane(1).at(x, y);
+      ASSERT_EQ(*prediction.plane(1).at(x, y), x % 8 < 4 ? r[-1] : (r[0] + r[1] + 1) >> 1) << x << ' ' << y;
+    }
+  }
 }
 
 TEST(MotionSearch, FullSearchIsTheBest) {
@@ -169,14 +178,30 @@ TEST(MotionSearch, FullSearchIsTheBest) {
 TEST(MotionSearch, DiamondFollowsASmoothPan) {
   constexpr int kSide = 112;
   const ms::Picture reference = view(kSide, kSide, ms::margin_for(kRange), 40, 40);
-  const ms::Picture current = view(kSide, kSide, 0, 43, 42);
+  const ms::Picture current = view(kSide, kSide, 0, 47, 36);
   const ms::Field field = ms::estimate(current, reference, Method::kDiamond, kRange);
   int right = 0, inside = 0;
   each_inside(field, kSide, kSide, [&](const ms::Macroblock& mb, int, int) {
-    right += mb.found == Vector{6, 4}, ++inside;
+    right += mb.found == Vector{14, -8}, ++inside;
   });
   EXPECT_EQ(right, inside);
   EXPECT_GT(ms::psnr(current, ms::predict(field, reference), 0), 25);
+}
+
+TEST(MotionSearch, DiamondWalksAllTheWay) {
+  // One hill, found without a hint. The search goes no further than its range.
+  const auto hill = [](int margin, int x0, int y0) {
+    return picture(96, 96, margin, [=](int, int x, int y) {
+      return static_cast<int>(250 * std::exp(-(std::pow(x + x0 - 48, 2) + std::pow(y + y0 - 48, 2)) / 500));
+    });
+  };
+  const ms::Picture reference = hill(ms::margin_for(kRange), 0, 0), current = hill(0, 11, -9);
+  const ms::Target target{current.plane(0).at(32, 48), current.plane(0).step(), reference.plane(0).at(32, 48),
+                          reference.plane(0).step()};
+  EXPECT_EQ(ms::diamond_search(target, kRange, {}).vector, ms::whole(11, -9));
+  EXPECT_EQ(ms::diamond_search(target, kRange, {}).sad, 0);
+  const Vector near = ms::diamond_search(target, 8, {}).vector;
+  EXPECT_TRUE(near.x <= 14 && near.y >= -16) << near.x << ' ' << near.y;
 }
 
 TEST(MotionSearch, MarginsRepeatTheEdge) {
@@ -197,15 +222,15 @@ TEST(MotionSearch, MarginsRepeatTheEdge) {
 TEST(MotionSearch, FiguresOfAField) {
   ms::Field field{2, 2, std::vector<ms::Macroblock>(4), 0};
   field.macroblocks[1].vectors.fill({6, 8});  // length 5
-  field.macroblocks[2] = {{}, 10, true, {{{1, 0}, {0, 1}, {1, 1}, {-1, -1}}}, true};
+  field.macroblocks[2] = {{}, 10, true, {{{1, 0}, {0, 1}, {-3, 0}, {-1, -1}}}, true};
   const ms::FieldStatistics s = ms::statistics_of(field);
   EXPECT_EQ(s.macroblocks, 4);
   EXPECT_EQ(s.still, 2);
   EXPECT_EQ(s.split, 1);
   EXPECT_EQ(s.useless, 1);
   EXPECT_EQ(s.sad, 10);
-  EXPECT_EQ(s.positions, (std::array{12, 1, 1, 2}));
-  EXPECT_NEAR(s.mean_length, (4 * 5 + 0.5 + 0.5 + 2 * std::sqrt(0.5)) / 16, 1e-9);
+  EXPECT_EQ(s.positions, (std::array{12, 1, 2, 1}));
+  EXPECT_NEAR(s.mean_length, (4 * 5 + 0.5 + 0.5 + 1.5 + std::sqrt(0.5)) / 16, 1e-9);
   const ms::Picture a = picture(33, 9, 0, [](int, int, int) { return 100; });
   const ms::Picture b = picture(33, 9, 0, [](int plane, int x, int) { return plane == 0 && x == 32 ? 133 : 100; });
   EXPECT_NEAR(ms::psnr(a, b, 0), 10 * std::log10(255.0 * 255 / 33), 1e-9);
