@@ -69,7 +69,9 @@ TEST(Transform8x8, FlagOfInterMacroblocks) {
            InterCase{"B 8x8 with one 4x4", kSliceB, 22, {0, 0, 0, 10}, 4, true, false},
        }) {
     EXPECT_EQ(decode_inter(c, false), small) << c.name;
-    if (c.has_flag) EXPECT_EQ(decode_inter(c, true), large) << c.name;
+    if (c.has_flag) {
+      EXPECT_EQ(decode_inter(c, true), large) << c.name;
+    }
   }
 }
 
