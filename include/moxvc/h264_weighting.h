@@ -3,15 +3,13 @@
  *
  *  With a and b the samples of the first and the second block at the same place:
  *
- *  | Form                    | Before the clip                                                                      |
- *  |-------------------------|--------------------------------------------------------------------------------------|
- *  | one block               | ((a weight + r) >> log2Wd) + offset; r is 1 << (log2Wd - 1), or 0 if log2Wd is 0     |
- *  | two, explicit weights   | ((a weight1 + b weight2 + (1 << log2Wd)) >> (log2Wd + 1)) + ((offset1 + offset2 + 1) >>
- * 1) | | two, implicit weights   | (a weight1 + b weight2 + 32) >> 6 | | moxiBidir_H264_16u_P2P1R | (a + b + 1) >> 1,
- * not clipped                                                       |
- *
- *  The result is clipped to 0..255 in 8u forms and to 0..(1 << bitDepth) - 1 in 16u forms. Offsets are added as they
- *  are: a caller scales those of 16u forms to the bit depth.
+ *  | Form                    | Before the clip                                                                   |
+ *  |-------------------------|-----------------------------------------------------------------------------------|
+ *  | one block               | ((a weight + r) >> log2Wd) + offset; r is 1 << (log2Wd - 1), or 0 if log2Wd is 0  |
+ *  | two, explicit weights   | ((a weight1 + b weight2 + (1 << log2Wd)) >> (log2Wd + 1)) + o                     |
+ *  |                         | with o = (offset1 + offset2 + 1) >> 1                                             |
+ *  | two, implicit weights   | (a weight1 + b weight2 + 32) >> 6                                                 |
+ *  | moxiBidir_H264_16u_P2P1R| (a + b + 1) >> 1, not clipped                                                     |
  *
  *  Arguments of the formula are not tested. Sums and products are 32-bit and wrap, shifts to the right keep the sign,
  *  and shift counts are taken modulo 32: with a log2Wd of 32 one block is rounded by 1 << 31 and not shifted. A
