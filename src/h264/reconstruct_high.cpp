@@ -52,22 +52,23 @@ HighResidual high(const Rec& rec, Mox32u bitDepth) {
   return {static_cast<Mox32s>(bitDepth), rec.qp, rec.pQuantTable, rec.bypass != 0};
 }
 
-/// A chroma plane of either chroma format; `depth_of` is the record that tells the depth.
-ChromaPlane<Mox16u, HighResidual> chroma_420(const Rec& rec, const Rec& depth_of) {
-  return {stream_of<Mox32s>(rec), plane_of<Mox16u>(rec), rec.srcDstStep, rec.cbp, high(rec, depth_of.bitDepth)};
+template <class Pixel, class Residual>
+ChromaPlane<Pixel, Residual> chroma_plane(const Rec& rec, const Residual& residual) {
+  return {stream_of<typename Residual::Coeff>(rec), plane_of<Pixel>(rec), rec.srcDstStep, rec.cbp, residual};
+}
+/// Plane 0 or 1 of either chroma format, in the depth of the first.
+auto chroma_420(Rec* const* recs, int plane) {
+  const Rec& rec = *recs[plane];
+  return chroma_plane<Mox16u>(rec, high(rec, recs[0]->bitDepth));
 }
 template <class Coeff>
-auto chroma_422(const Rec& rec, const Rec& depth_of, Mox32s levelScaleDC) {
+auto chroma_422(Rec* const* recs, int plane, Mox32s levelScaleDC) {
+  const Rec& rec = *recs[plane];
   if constexpr (sizeof(Coeff) == 2) {
     const ScaledResidual base(rec.qp, rec.pQuantTable, rec.bypass != 0);
-    return ChromaPlane<Mox8u, ScaledResidual422>{
-        stream_of<Mox16s>(rec), plane_of<Mox8u>(rec), rec.srcDstStep, rec.cbp, {base, rec.qp, levelScaleDC}};
+    return chroma_plane<Mox8u>(rec, ScaledResidual422(base, rec.qp, levelScaleDC));
   } else {
-    return ChromaPlane<Mox16u, HighResidual422>{stream_of<Mox32s>(rec),
-                                                plane_of<Mox16u>(rec),
-                                                rec.srcDstStep,
-                                                rec.cbp,
-                                                {high(rec, depth_of.bitDepth), rec.qp, levelScaleDC}};
+    return chroma_plane<Mox16u>(rec, HighResidual422(high(rec, recs[0]->bitDepth), rec.qp, levelScaleDC));
   }
 }
 
@@ -75,20 +76,19 @@ auto chroma_422(const Rec& rec, const Rec& depth_of, Mox32s levelScaleDC) {
 template <class Coeff>
 MoxStatus inter_422(Rec* const* recs, Mox32s scaleU, Mox32s scaleV) {
   if (const MoxStatus bad = check_chroma<Coeff>(recs)) return bad;
-  return chroma_inter<16>(chroma_422<Coeff>(*recs[0], *recs[0], scaleU), chroma_422<Coeff>(*recs[1], *recs[0], scaleV));
+  return chroma_inter<16>(chroma_422<Coeff>(recs, 0, scaleU), chroma_422<Coeff>(recs, 1, scaleV));
 }
 template <class Coeff>
 MoxStatus intra_422(Rec* const* recs, Mox32u mode, Mox32u edgeType, Mox32s scaleU, Mox32s scaleV) {
   if (const MoxStatus bad = check_chroma<Coeff>(recs)) return bad;
-  return chroma_intra<16>(chroma_422<Coeff>(*recs[0], *recs[0], scaleU), chroma_422<Coeff>(*recs[1], *recs[0], scaleV),
-                          mode, edgeType);
+  return chroma_intra<16>(chroma_422<Coeff>(recs, 0, scaleU), chroma_422<Coeff>(recs, 1, scaleV), mode, edgeType);
 }
 template <class Coeff>
 MoxStatus intra_halves_422(Rec* const* recs, Mox32u mode, Mox32u edgeTypeTop, Mox32u edgeTypeBottom, Mox32s scaleU,
                            Mox32s scaleV) {
   if (const MoxStatus bad = check_chroma<Coeff>(recs)) return bad;
-  return chroma_intra_halves<16>(chroma_422<Coeff>(*recs[0], *recs[0], scaleU),
-                                 chroma_422<Coeff>(*recs[1], *recs[0], scaleV), mode, edgeTypeTop, edgeTypeBottom);
+  return chroma_intra_halves<16>(chroma_422<Coeff>(recs, 0, scaleU), chroma_422<Coeff>(recs, 1, scaleV), mode,
+                                 edgeTypeTop, edgeTypeBottom);
 }
 
 }  // namespace
@@ -153,21 +153,21 @@ MoxStatus moxiReconstructLumaIntra16x16_H264High_32s16u_IP1R(const MoxiReconstru
 
 MoxStatus moxiReconstructChromaInter4x4_H264High_32s16u_IP2R(MoxiReconstructHighRec* const* ppRec) {
   if (const MoxStatus bad = check_chroma<Mox32s>(ppRec)) return bad;
-  return chroma_inter<8>(chroma_420(*ppRec[0], *ppRec[0]), chroma_420(*ppRec[1], *ppRec[0]));
+  return chroma_inter<8>(chroma_420(ppRec, 0), chroma_420(ppRec, 1));
 }
 
 MoxStatus moxiReconstructChromaIntra4x4_H264High_32s16u_IP2R(MoxiReconstructHighRec* const* ppRec,
                                                              Mox32u intraChromaMode, Mox32u edgeType) {
   if (const MoxStatus bad = check_chroma<Mox32s>(ppRec)) return bad;
-  return chroma_intra<8>(chroma_420(*ppRec[0], *ppRec[0]), chroma_420(*ppRec[1], *ppRec[0]), intraChromaMode, edgeType);
+  return chroma_intra<8>(chroma_420(ppRec, 0), chroma_420(ppRec, 1), intraChromaMode, edgeType);
 }
 
 MoxStatus moxiReconstructChromaIntraHalf4x4_H264High_32s16u_IP2R(MoxiReconstructHighRec* const* ppRec,
                                                                  Mox32u intraChromaMode, Mox32u edgeTypeTop,
                                                                  Mox32u edgeTypeBottom) {
   if (const MoxStatus bad = check_chroma<Mox32s>(ppRec)) return bad;
-  return chroma_intra_halves<8>(chroma_420(*ppRec[0], *ppRec[0]), chroma_420(*ppRec[1], *ppRec[0]), intraChromaMode,
-                                edgeTypeTop, edgeTypeBottom);
+  return chroma_intra_halves<8>(chroma_420(ppRec, 0), chroma_420(ppRec, 1), intraChromaMode, edgeTypeTop,
+                                edgeTypeBottom);
 }
 
 MoxStatus moxiReconstructChroma422Inter4x4_H264High_16s8u_IP2R(MoxiReconstructHighRec* const* ppRec,
