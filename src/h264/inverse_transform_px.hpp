@@ -213,13 +213,18 @@ constexpr typename Right::Value rescale_and_keep(Rescale rescale, Mox32s product
   return rescale.right > 0 ? keep<Right>(rescale(product)) : keep<Left>(rescale(product));
 }
 
-/// 4:2:2 chroma DC: the QP is 3 above that of the AC coefficients. S is Sat16 where P is Wrap16.
+/// 4:2:2 chroma DC: the QP is 3 above that of the AC coefficients, `scale` the one of that QP. S is Sat16 where P is
+/// Wrap16.
 template <class S, class P>
-MoxStatus chroma_dc_2x4(typename P::Value* pSrcDst, Mox32s qp, const Mox16s* pLevelScale) {
+void scaled_chroma_dc_2x4(typename P::Value* pSrcDst, Mox32s qp, Mox32s scale) {
   const Rescale rescale = rescale_8x8(h264_qp6[qp + 3]);
-  const Mox32s scale = dc_scale(pLevelScale, h264_qp_rem[qp + 3]);
   hadamard_2x4<S, P>(pSrcDst);
   for (int i = 0; i < 8; ++i) pSrcDst[i] = rescale_and_keep<S, P>(rescale, mul32(pSrcDst[i], scale));
+}
+
+template <class S, class P>
+MoxStatus chroma_dc_2x4(typename P::Value* pSrcDst, Mox32s qp, const Mox16s* pLevelScale) {
+  scaled_chroma_dc_2x4<S, P>(pSrcDst, qp, dc_scale(pLevelScale, h264_qp_rem[qp + 3]));
   return moxStsOk;
 }
 

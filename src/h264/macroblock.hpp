@@ -30,8 +30,16 @@ Pixel* move(Pixel* block, std::ptrdiff_t step, BlockStep by) {
 inline constexpr Mox8u block_subblock_mapping[16] = {0, 1, 4, 5, 2, 3, 6, 7, 8, 9, 12, 13, 10, 11, 14, 15};
 
 /// Bits of the coded block pattern.
-inline constexpr Mox32u kLumaDC = 1, kLumaBlocks = 0x1FFFE, kChromaBits = 0x7FE0000;
+inline constexpr Mox32u kLumaDC = 1, kLumaBlocks = 0x1FFFE;
 inline constexpr int kFirstLumaBlock = 1, kFirstChromaDC = 17, kFirstChromaBlock = 19;
+
+/// The bits of chroma plane 0 or 1 in the common pattern of 4:2:0 as a word of its own: bit 0 the DC block, bit i + 1
+/// block i.
+constexpr Mox32u chroma_pattern(Mox32u cbp4x4, int plane) {
+  const Mox32u dc = cbp4x4 >> (kFirstChromaDC + plane) & 1, blocks = cbp4x4 >> (kFirstChromaBlock + 4 * plane) & 15;
+  return blocks << 1 | dc;
+}
+static_assert(chroma_pattern(0x2AA0000, 0) == 0x0B && chroma_pattern(0x2AA0000, 1) == 0x0A);
 
 /// Bits of edgeType: neighbouring macroblocks that cannot be used.
 inline constexpr Mox32u kNoLeft = 1, kNoTop = 4, kNoTopLeft = 16, kNoTopRight = 32;
@@ -93,20 +101,16 @@ static_assert(neighbours_4x4(0, 0) == 99 && neighbours_4x4(5, kNoTop) == 66 && n
 static_assert(neighbours_4x4_of_half(5, kNoTop) == 2 && neighbours_4x4_of_half(0, kNoLeft) == 65);
 static_assert(neighbours_8x8(0, kNoTop) == 34 && neighbours_8x8(1, kNoTopRight) == 35 && neighbours_8x8(3, 0xFF) == 35);
 
-/// The packed coefficients: blocks one behind the other, in the order in which they are used. When the work ends, the
-/// caller's pointer is left behind the last block taken.
+/// The packed coefficients: blocks one behind the other, in the order in which they are used. The caller's pointer is
+/// always behind the last block taken, so planes may share one.
 template <class Coeff>
 class PackedCoeffs {
  public:
-  explicit PackedCoeffs(Coeff** ppSrcCoeff) : holder_(ppSrcCoeff), next_(*ppSrcCoeff) {}
-  ~PackedCoeffs() { *holder_ = next_; }
-  PackedCoeffs(const PackedCoeffs&) = delete;
-  PackedCoeffs& operator=(const PackedCoeffs&) = delete;
-  Coeff* take(int count) { return std::exchange(next_, next_ + count); }
+  explicit PackedCoeffs(Coeff** ppSrcCoeff) : next_(ppSrcCoeff) {}
+  Coeff* take(int count) const { return std::exchange(*next_, *next_ + count); }
 
  private:
-  Coeff** holder_;
-  Coeff* next_;
+  Coeff** next_;
 };
 
 /// True if there is no stream, or nothing behind its pointer.
@@ -117,6 +121,6 @@ constexpr bool no_stream(Coeff* const* ppSrcCoeff) {
 
 /// Stands for a DC block that is not in the stream.
 template <class Coeff>
-inline constexpr Coeff kNoDC[16] = {};
+inline constexpr Coeff zeroArray16[16] = {};
 
 }  // namespace mox

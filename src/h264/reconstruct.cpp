@@ -22,6 +22,12 @@ struct FlatResidual {
   void chroma_dc(Mox16s* dc) const { active::dequant_transform_chroma_dc_h264_sse2(dc, InvQuantTable[qp][0]); }
 };
 
+/// Chroma plane 0 or 1 of a macroblock.
+ChromaPlane<Mox8u, FlatResidual> flat_chroma(Mox16s** ppSrcCoeff, Mox8u* first, Mox32s step, Mox32u cbp4x4, int plane,
+                                             Mox32s qp) {
+  return {ppSrcCoeff, first, step, chroma_pattern(cbp4x4, plane), {qp}};
+}
+
 /// Calls pair(first block of a horizontal pair, its number in coding order) for the eight pairs of a macroblock.
 template <class Pair>
 void each_pair(Mox8u* block, Mox32s step, Pair pair) {
@@ -47,7 +53,7 @@ MoxStatus luma_inter(Mox16s** ppSrcCoeff, Mox8u* plane, Mox32s step, Mox32u cbp4
 
 /// The DC values of an Intra 16x16 macroblock by raster position, taken from the stream if they are in it.
 const Mox16s* luma_dc(PackedCoeffs<Mox16s>& coeffs, Mox32u cbp4x4, Mox32s qp) {
-  if (!(cbp4x4 & kLumaDC)) return kNoDC<Mox16s>;
+  if (!(cbp4x4 & kLumaDC)) return zeroArray16<Mox16s>;
   Mox16s* const dc = coeffs.take(16);
   active::dequant_transform_luma_dc_h264_sse2(dc, InvQuantLuma16x16DCTable[qp], qp < 6 ? 2 : qp < 12 ? 1 : 0);
   return dc;
@@ -137,8 +143,9 @@ MoxStatus moxiReconstructChromaInterMB_H264_16s8u_P2R(Mox16s** ppSrcCoeff, Mox8u
                                                       Mox32s srcDstUVStep, Mox32u cbp4x4, Mox32s chromaQp) {
   if (no_stream(ppSrcCoeff) || any_null(pSrcDstUPlane, pSrcDstVPlane)) return moxStsNullPointer;
   if (outside(chromaQp, 0, 39)) return moxStsOutOfRange;
-  const FlatResidual residual{chromaQp};
-  return chroma_residual(ppSrcCoeff, pSrcDstUPlane, pSrcDstVPlane, srcDstUVStep, cbp4x4, residual, residual);
+  const auto u = flat_chroma(ppSrcCoeff, pSrcDstUPlane, srcDstUVStep, cbp4x4, 0, chromaQp);
+  const auto v = flat_chroma(ppSrcCoeff, pSrcDstVPlane, srcDstUVStep, cbp4x4, 1, chromaQp);
+  return chroma_inter<8>(u, v);
 }
 
 MoxStatus moxiReconstructChromaIntraMB_H264_16s8u_P2R(Mox16s** ppSrcCoeff, Mox8u* pSrcDstUPlane, Mox8u* pSrcDstVPlane,
@@ -146,11 +153,9 @@ MoxStatus moxiReconstructChromaIntraMB_H264_16s8u_P2R(Mox16s** ppSrcCoeff, Mox8u
                                                       Mox32s chromaQp, Mox32u edgeType) {
   if (no_stream(ppSrcCoeff) || any_null(pSrcDstUPlane, pSrcDstVPlane)) return moxStsNullPointer;
   if (outside(chromaQp, 0, 39)) return moxStsOutOfRange;
-  const MoxStatus predicted =
-      predict_both_chroma<8>(pSrcDstUPlane, pSrcDstVPlane, srcDstUVStep, intraChromaMode, edgeType);
-  if (predicted != moxStsOk) return predicted;
-  const FlatResidual residual{chromaQp};
-  return chroma_residual(ppSrcCoeff, pSrcDstUPlane, pSrcDstVPlane, srcDstUVStep, cbp4x4, residual, residual);
+  const auto u = flat_chroma(ppSrcCoeff, pSrcDstUPlane, srcDstUVStep, cbp4x4, 0, chromaQp);
+  const auto v = flat_chroma(ppSrcCoeff, pSrcDstVPlane, srcDstUVStep, cbp4x4, 1, chromaQp);
+  return chroma_intra<8>(u, v, intraChromaMode, edgeType);
 }
 
 MoxStatus moxiReconstructChromaIntraHalfsMB_H264_16s8u_P2R(Mox16s** ppSrcCoeff, Mox8u* pSrcDstUPlane,
@@ -159,8 +164,9 @@ MoxStatus moxiReconstructChromaIntraHalfsMB_H264_16s8u_P2R(Mox16s** ppSrcCoeff, 
                                                            Mox32u edgeTypeTop, Mox32u edgeTypeBottom) {
   if (no_stream(ppSrcCoeff) || any_null(pSrcDstUPlane, pSrcDstVPlane)) return moxStsNullPointer;
   if (outside(chromaQp, 0, 51)) return moxStsOutOfRange;
-  const MoxStatus predicted = predict_both_chroma_halves<8>(pSrcDstUPlane, pSrcDstVPlane, srcDstUVStep, intraChromaMode,
-                                                            edgeTypeTop, edgeTypeBottom);
+  const auto u = flat_chroma(ppSrcCoeff, pSrcDstUPlane, srcDstUVStep, cbp4x4, 0, chromaQp);
+  const auto v = flat_chroma(ppSrcCoeff, pSrcDstVPlane, srcDstUVStep, cbp4x4, 1, chromaQp);
+  const MoxStatus predicted = predict_both_chroma_halves<8>(u, v, intraChromaMode, edgeTypeTop, edgeTypeBottom);
   if (predicted != moxStsOk) return predicted;
   // Refuses a QP above 39 although the prediction is written: callers see both.
   return moxiReconstructChromaInterMB_H264_16s8u_P2R(ppSrcCoeff, pSrcDstUPlane, pSrcDstVPlane, srcDstUVStep, cbp4x4,

@@ -78,7 +78,7 @@ MoxStatus residual_16x16(typename Residual::Coeff** ppSrcCoeff, Pixel* block, Mo
   using Coeff = typename Residual::Coeff;
   if (!(coded & (kLumaBlocks | kLumaDC))) return moxStsOk;
   PackedCoeffs coeffs(ppSrcCoeff);
-  const Coeff* dc = kNoDC<Coeff>;
+  const Coeff* dc = zeroArray16<Coeff>;
   if (coded & kLumaDC) {
     Coeff* const own = coeffs.take(16);
     residual.luma_dc(own);
@@ -92,52 +92,81 @@ MoxStatus residual_16x16(typename Residual::Coeff** ppSrcCoeff, Pixel* block, Mo
   return moxStsOk;
 }
 
-/// Predicts both chroma planes, 8 x H each. They have the same neighbours, so a refusal comes before anything is
-/// written.
-template <int H, class Pixel>
-MoxStatus predict_both_chroma(Pixel* u, Pixel* v, Mox32s step, Mox32u mode, Mox32u edgeType, Mox32s depth = 8) {
-  const Mox32u available = neighbours_of_macroblock(edgeType);
-  const MoxStatus status = predict_chroma_h264<H>(u, step, mode, available, depth);
-  return status == moxStsOk ? predict_chroma_h264<H>(v, step, mode, available, depth) : status;
+/// What a call has to do in one chroma plane.
+template <class Pixel, class Residual>
+struct ChromaPlane {
+  typename Residual::Coeff** ppSrcCoeff;
+  Pixel* first;
+  Mox32s step;
+  Mox32u coded;  ///< bit 0 the DC block, bit i + 1 block i
+  Residual residual;
+};
+
+/// The DC values of a plane of 8 x H samples, taken from the stream if they are in it.
+template <int H, class Pixel, class Residual>
+const typename Residual::Coeff* take_chroma_dc(const ChromaPlane<Pixel, Residual>& plane) {
+  if (!(plane.coded & 1)) return zeroArray16<typename Residual::Coeff>;
+  auto* const dc = PackedCoeffs(plane.ppSrcCoeff).take(H / 2);
+  plane.residual.chroma_dc(dc);
+  return dc;
 }
 
-/// The same for halves with different left neighbours.
-template <int H, class Pixel>
-MoxStatus predict_both_chroma_halves(Pixel* u, Pixel* v, Mox32s step, Mox32u mode, Mox32u edgeTypeTop,
-                                     Mox32u edgeTypeBottom, Mox32s depth = 8) {
-  const Mox32u upper = neighbours_of_macroblock(edgeTypeTop), lower = neighbours_of_macroblock(edgeTypeBottom);
-  const MoxStatus status = predict_chroma_halves_h264<H>(u, step, mode, upper, lower, depth);
-  return status == moxStsOk ? predict_chroma_halves_h264<H>(v, step, mode, upper, lower, depth) : status;
-}
-
-/// The four blocks of a chroma plane of 8 x 8 samples, each with its DC. `coded` has bit i for block i.
-template <class Pixel, class Residual, class Coeff>
-void add_chroma(Pixel* block, Mox32s step, const Coeff* dc, Mox32u coded, PackedCoeffs<Coeff>& coeffs,
-                const Residual& residual) {
-  for (int i = 0; i < 4; ++i) {
-    residual.add_4x4(block, step, dc + i, coded >> i & 1 ? coeffs.take(16) : nullptr);
-    block = move(block, step, kChromaStep[i % 2]);
+/// The 4x4 blocks of a plane of 8 x H samples, each with its DC.
+template <int H, class Pixel, class Residual>
+void add_chroma(const ChromaPlane<Pixel, Residual>& plane, const typename Residual::Coeff* dc) {
+  const PackedCoeffs coeffs(plane.ppSrcCoeff);
+  Pixel* block = plane.first;
+  for (int i = 0; i < H / 2; ++i) {
+    const bool ac = plane.coded >> (i + 1) & 1;
+    plane.residual.add_4x4(block, plane.step, dc + i, ac ? coeffs.take(16) : nullptr);
+    block = move(block, plane.step, kChromaStep[i % 2]);
   }
 }
 
-/// Both chroma planes of a macroblock in 4:2:0. The DC blocks of both planes come first in the stream.
-template <class Pixel, class Residual>
-MoxStatus chroma_residual(typename Residual::Coeff** ppSrcCoeff, Pixel* u, Pixel* v, Mox32s step, Mox32u cbp4x4,
-                          const Residual& residual_u, const Residual& residual_v) {
-  using Coeff = typename Residual::Coeff;
-  if (!(cbp4x4 & kChromaBits)) return moxStsOk;
-  PackedCoeffs coeffs(ppSrcCoeff);
-  const auto take_dc = [&](int plane, const Residual& residual) -> const Coeff* {
-    if (!(cbp4x4 >> (kFirstChromaDC + plane) & 1)) return kNoDC<Coeff>;
-    Coeff* const dc = coeffs.take(4);
-    residual.chroma_dc(dc);
-    return dc;
-  };
-  const Coeff* const dc_u = take_dc(0, residual_u);
-  const Coeff* const dc_v = take_dc(1, residual_v);
-  add_chroma(u, step, dc_u, cbp4x4 >> kFirstChromaBlock, coeffs, residual_u);
-  add_chroma(v, step, dc_v, cbp4x4 >> (kFirstChromaBlock + 4), coeffs, residual_v);
+/// The residual of both chroma planes. The DC blocks of both come first in a stream that they share.
+template <int H, class Pixel, class Residual>
+MoxStatus chroma_inter(const ChromaPlane<Pixel, Residual>& u, const ChromaPlane<Pixel, Residual>& v) {
+  if (!(u.coded | v.coded)) return moxStsOk;
+  const auto* const dc_u = take_chroma_dc<H>(u);
+  const auto* const dc_v = take_chroma_dc<H>(v);
+  add_chroma<H>(u, dc_u);
+  add_chroma<H>(v, dc_v);
   return moxStsOk;
+}
+
+/// Prediction of both chroma planes, 8 x H each. They have the same neighbours, so a refusal comes before anything is
+/// written.
+template <int H, class Pixel, class Residual>
+MoxStatus predict_both_chroma(const ChromaPlane<Pixel, Residual>& u, const ChromaPlane<Pixel, Residual>& v, Mox32u mode,
+                              Mox32u edgeType) {
+  const Mox32u available = neighbours_of_macroblock(edgeType);
+  const Mox32s depth = u.residual.depth;
+  const MoxStatus status = predict_chroma_h264<H>(u.first, u.step, mode, available, depth);
+  return status == moxStsOk ? predict_chroma_h264<H>(v.first, v.step, mode, available, depth) : status;
+}
+
+/// The same for halves with different left neighbours.
+template <int H, class Pixel, class Residual>
+MoxStatus predict_both_chroma_halves(const ChromaPlane<Pixel, Residual>& u, const ChromaPlane<Pixel, Residual>& v,
+                                     Mox32u mode, Mox32u edgeTypeTop, Mox32u edgeTypeBottom) {
+  const Mox32u upper = neighbours_of_macroblock(edgeTypeTop), lower = neighbours_of_macroblock(edgeTypeBottom);
+  const Mox32s depth = u.residual.depth;
+  const MoxStatus status = predict_chroma_halves_h264<H>(u.first, u.step, mode, upper, lower, depth);
+  return status == moxStsOk ? predict_chroma_halves_h264<H>(v.first, v.step, mode, upper, lower, depth) : status;
+}
+
+/// Prediction and residual of both chroma planes.
+template <int H, class Pixel, class Residual>
+MoxStatus chroma_intra(const ChromaPlane<Pixel, Residual>& u, const ChromaPlane<Pixel, Residual>& v, Mox32u mode,
+                       Mox32u edgeType) {
+  const MoxStatus predicted = predict_both_chroma<H>(u, v, mode, edgeType);
+  return predicted == moxStsOk ? chroma_inter<H>(u, v) : predicted;
+}
+template <int H, class Pixel, class Residual>
+MoxStatus chroma_intra_halves(const ChromaPlane<Pixel, Residual>& u, const ChromaPlane<Pixel, Residual>& v, Mox32u mode,
+                              Mox32u edgeTypeTop, Mox32u edgeTypeBottom) {
+  const MoxStatus predicted = predict_both_chroma_halves<H>(u, v, mode, edgeTypeTop, edgeTypeBottom);
+  return predicted == moxStsOk ? chroma_inter<H>(u, v) : predicted;
 }
 
 }  // namespace mox

@@ -78,50 +78,16 @@ TEST_P(InverseTransformBlocks, DcWithoutScalingList) {
 }
 
 TEST_P(InverseTransformBlocks, ScaledDc) {
-  const auto chroma420 = [](Rule rule) {
-    return [rule](const Values& c, int qp, long long scale) {
-      Values f = oracle::product(oracle::kH2, c, oracle::kH2, 2, 2);
-      for (long long& v : f) v = keep(rule, oracle::rescaled(keep(rule, v), scale, qp / 6, 5, false));
-      return f;
-    };
+  const auto with = [](auto oracle, Rule rule) {
+    return [=](const Values& c, int qp, long long scale) { return oracle(c, qp, scale, rule); };
   };
-  dc(4, 39, 0, lib(MOX_FN(moxiTransformQuantInvChromaDC2x2_H264_16s_C1I)), chroma420(Rule::kWrap16));
-  dc(4, 75, 0, lib(MOX_FN(moxiTransformQuantInvChromaDC2x2_H264_32s_C1I)), chroma420(Rule::kWrap32));
-
-  const auto chroma422 = [](Rule pairs) {
-    return [pairs](const Values& c, int qp, long long scale) {
-      // Outer and inner sums, outer and inner differences of the columns; then what H4 makes of them.
-      Values terms(8);
-      for (int x = 0; x < 2; ++x) {
-        for (int i = 0; i < 4; ++i) {
-          const int outer_or_inner = i % 2;
-          terms[2 * i + x] =
-              keep(pairs, c[2 * outer_or_inner + x] + (i < 2 ? 1 : -1) * c[2 * (3 - outer_or_inner) + x]);
-        }
-      }
-      constexpr int kCombine[] = {1, 1, 0, 0, 0, 0, 1, 1, 1, -1, 0, 0, 0, 0, 1, -1};
-      Values f = oracle::product(kCombine, terms, oracle::kH2, 4, 2);
-      for (long long& v : f) {
-        v = keep(qp < 36 ? pairs : oracle::wrapping(pairs),
-                 oracle::rescaled(keep(oracle::wrapping(pairs), v), scale, qp / 6, 6));
-      }
-      return f;
-    };
-  };
-  dc(8, 39, 3, lib(MOX_FN(moxiTransformQuantInvChromaDC2x4_H264_16s_C1I)), chroma422(Rule::kSat16));
-  dc(8, 75, 3, lib(MOX_FN(moxiTransformQuantInvChromaDC2x4_H264_32s_C1I)), chroma422(Rule::kWrap32));
-
-  const auto luma = [](Rule rule) {
-    return [rule](const Values& c, int qp, long long scale) {
-      Values f = oracle::flow_2d(oracle::kHadamard4, c, rule, false);
-      for (long long& v : f) {
-        v = keep(qp < 36 ? rule : oracle::wrapping(rule), oracle::rescaled(v, scale, qp / 6, 6));
-      }
-      return f;
-    };
-  };
-  dc(16, 51, 0, lib(MOX_FN(moxiTransformQuantInvLumaDC4x4_H264_16s_C1I)), luma(Rule::kSat16));
-  dc(16, 87, 0, lib(MOX_FN(moxiTransformQuantInvLumaDC4x4_H264_32s_C1I)), luma(Rule::kWrap32));
+  const auto chroma420 = oracle::chroma_dc_420, chroma422 = oracle::chroma_dc_422, luma = oracle::luma_dc;
+  dc(4, 39, 0, lib(MOX_FN(moxiTransformQuantInvChromaDC2x2_H264_16s_C1I)), with(chroma420, Rule::kWrap16));
+  dc(4, 75, 0, lib(MOX_FN(moxiTransformQuantInvChromaDC2x2_H264_32s_C1I)), with(chroma420, Rule::kWrap32));
+  dc(8, 39, 3, lib(MOX_FN(moxiTransformQuantInvChromaDC2x4_H264_16s_C1I)), with(chroma422, Rule::kSat16));
+  dc(8, 75, 3, lib(MOX_FN(moxiTransformQuantInvChromaDC2x4_H264_32s_C1I)), with(chroma422, Rule::kWrap32));
+  dc(16, 51, 0, lib(MOX_FN(moxiTransformQuantInvLumaDC4x4_H264_16s_C1I)), with(luma, Rule::kSat16));
+  dc(16, 87, 0, lib(MOX_FN(moxiTransformQuantInvLumaDC4x4_H264_32s_C1I)), with(luma, Rule::kWrap32));
 }
 
 TEST_P(InverseTransformBlocks, Dequant8x8) {

@@ -144,6 +144,33 @@ inline long long rescaled(long long x, long long scale, int per, int fraction, b
   return (keep(Rule::kWrap32, x * scale + half) * (1LL << per)) >> fraction;
 }
 
+/// DC values of a plane made from their coefficients c. The rule is that of the sums, the QP that of the DC values.
+inline Values luma_dc(const Values& c, int qp, long long scale, Rule rule) {
+  Values f = flow_2d(kHadamard4, c, rule, false);
+  for (long long& v : f) v = keep(qp < 36 ? rule : wrapping(rule), rescaled(v, scale, qp / 6, 6));
+  return f;
+}
+inline Values chroma_dc_420(const Values& c, int qp, long long scale, Rule rule) {
+  Values f = product(kH2, c, kH2, 2, 2);
+  for (long long& v : f) v = keep(rule, rescaled(keep(rule, v), scale, qp / 6, 5, false));
+  return f;
+}
+inline Values chroma_dc_422(const Values& c, int qp, long long scale, Rule pairs) {
+  // Outer and inner sums, outer and inner differences of the columns; then what H4 makes of them.
+  Values terms(8);
+  for (int x = 0; x < 2; ++x) {
+    for (int i = 0; i < 4; ++i) {
+      const int outer_or_inner = i % 2;
+      terms[2 * i + x] = keep(pairs, c[2 * outer_or_inner + x] + (i < 2 ? 1 : -1) * c[2 * (3 - outer_or_inner) + x]);
+    }
+  }
+  constexpr int kCombine[] = {1, 1, 0, 0, 0, 0, 1, 1, 1, -1, 0, 0, 0, 0, 1, -1};
+  Values f = product(kCombine, terms, kH2, 4, 2);
+  const Rule wrap = wrapping(pairs);
+  for (long long& v : f) v = keep(qp < 36 ? pairs : wrap, rescaled(keep(wrap, v), scale, qp / 6, 6));
+  return f;
+}
+
 /// Quantised with the multipliers of qs and back: the step that SP and SI blocks share.
 inline long long requantised(long long t, int qs, int position, int extra_shift) {
   const int shift = 15 + extra_shift + qs / 6;

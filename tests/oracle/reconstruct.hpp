@@ -1,5 +1,5 @@
-/// Whole macroblocks in 4:2:0, composed of the oracles of prediction and transform. Blocks are found by their number's
-/// bits, neighbours by asking who owns a sample and whether he is done.
+/// Whole macroblocks of any depth in 4:2:0 and 4:2:2, composed of the oracles of prediction and transform. Blocks are
+/// found by their number's bits, neighbours by asking who owns a sample and whether he is done.
 #pragma once
 
 #include <algorithm>
@@ -11,18 +11,23 @@
 
 namespace mox::oracle {
 
-using Picture = std::function<unsigned char&(int x, int y)>;
+template <class Sample>
+using Picture = std::function<Sample&(int x, int y)>;
 
-/// What the blocks of a plane are dequantised with; flat if there is no scale.
+/// What the blocks of a plane are dequantised with; flat if there is no scale. The rule is that of 16-bit coefficients
+/// with a scale, kSat16, or of 32-bit ones.
 struct Quantiser {
   int qp;
   const short* scale;
   bool lossless;
+  Rule rule = Rule::kSat16;
+  int depth = 8;
+  long long scale_of_422_dc = 0;
 };
 
 /// Packed coefficients. Blocks and DC values that a call puts in their place are written back.
 struct Stream {
-  std::vector<short> coeffs;
+  Values coeffs;
   std::size_t used = 0;
 
   Values take(int count) {
@@ -41,9 +46,9 @@ inline Values dequantised(const Quantiser& q, Values block) {
     if (!q.scale) {
       block[i] = keep(Rule::kWrap16, block[i] * step_size(q.qp, position));
     } else if (block.size() == 16) {
-      block[i] = keep(Rule::kWrap16, rescaled(block[i], q.scale[i], per, 4));
+      block[i] = keep(wrapping(q.rule), rescaled(block[i], q.scale[i], per, 4));
     } else {
-      block[i] = keep(per < 6 ? Rule::kSat16 : Rule::kWrap16, rescaled(block[i], q.scale[i], per, 6));
+      block[i] = keep(per < 6 ? q.rule : wrapping(q.rule), rescaled(block[i], q.scale[i], per, 6));
     }
   }
   return block;
@@ -51,33 +56,28 @@ inline Values dequantised(const Quantiser& q, Values block) {
 
 inline Values luma_dc(const Quantiser& q, Values dc) {
   if (q.lossless) return dc;
-  dc = flow_2d(kHadamard4, dc, q.scale ? Rule::kSat16 : Rule::kWrap16, false);
-  for (long long& value : dc) {
-    const int per = q.qp / 6;
-    if (!q.scale) {
-      value = keep(Rule::kWrap16, (value * step_size(q.qp, 0) + 2) >> 2);
-    } else {
-      value = keep(per < 6 ? Rule::kSat16 : Rule::kWrap16, rescaled(value, q.scale[0], per, 6));
-    }
-  }
+  if (q.scale) return luma_dc(dc, q.qp, q.scale[0], q.rule);
+  dc = flow_2d(kHadamard4, dc, Rule::kWrap16, false);
+  for (long long& value : dc) value = keep(Rule::kWrap16, (value * step_size(q.qp, 0) + 2) >> 2);
   return dc;
 }
 
 inline Values chroma_dc(const Quantiser& q, const Values& dc) {
   if (q.lossless) return dc;
+  if (dc.size() == 8) return chroma_dc_422(dc, q.qp + 3, q.scale_of_422_dc, q.rule);
+  if (q.scale) return chroma_dc_420(dc, q.qp, q.scale[0], wrapping(q.rule));
   Values sums = product(kH2, dc, kH2, 2, 2);
   for (long long& value : sums) {
-    value = keep(Rule::kWrap16, value);
-    value = q.scale ? rescaled(value, q.scale[0], q.qp / 6, 5, false) : (value * step_size(q.qp, 0)) >> 1;
-    value = keep(Rule::kWrap16, value);
+    value = keep(Rule::kWrap16, (keep(Rule::kWrap16, value) * step_size(q.qp, 0)) >> 1);
   }
   return sums;
 }
 
 /// Adds the residual of an n x n block at (x0, y0). A given dc replaces coefficient 0; without ac there is nothing
 /// else.
-inline void add_block(const Picture& at, int x0, int y0, int n, const Quantiser& q, Stream& stream, const long long* dc,
-                      bool ac, bool stores_residual) {
+template <class Sample>
+void add_block(const Picture<Sample>& at, int x0, int y0, int n, const Quantiser& q, Stream& stream,
+               const long long* dc, bool ac, bool stores_residual) {
   Values block(static_cast<std::size_t>(n * n), 0);
   if (ac) block = stream.take(n * n);
   if (q.lossless) {
@@ -85,14 +85,15 @@ inline void add_block(const Picture& at, int x0, int y0, int n, const Quantiser&
   } else if (ac) {
     block = dequantised(q, block);
     if (dc) block[0] = *dc;
-    block = residual(n == 4 ? kInverse4 : kInverse8, block, Rule::kSat16);
+    block = residual(n == 4 ? kInverse4 : kInverse8, block, q.rule);
     if (stores_residual) stream.put_back(block);
   } else {
-    for (long long& value : block) value = (*dc + 32) >> 6;
+    for (long long& value : block) value = keep(Rule::kWrap32, *dc + 32) >> 6;
   }
   for (int i = 0; i < n * n; ++i) {
-    unsigned char& sample = at(x0 + i % n, y0 + i / n);
-    sample = static_cast<unsigned char>(std::clamp<long long>(sample + block[static_cast<std::size_t>(i)], 0, 255));
+    Sample& sample = at(x0 + i % n, y0 + i / n);
+    const long long sum = keep(Rule::kWrap32, sample + block[static_cast<std::size_t>(i)]);
+    sample = static_cast<Sample>(std::clamp<long long>(sum, 0, (1 << q.depth) - 1));
   }
 }
 
@@ -120,15 +121,17 @@ inline Available neighbours(int n, int i, unsigned edge) {
           usable(x + n, y - 1, n, i, edge)};
 }
 
-inline void luma_inter(const Picture& at, int n, unsigned coded, const Quantiser& q, Stream& stream) {
+template <class Sample>
+void luma_inter(const Picture<Sample>& at, int n, unsigned coded, const Quantiser& q, Stream& stream) {
   for (int i = 0; i < 256 / (n * n); ++i) {
     if (coded >> i & 1) add_block(at, place(n, i).x, place(n, i).y, n, q, stream, nullptr, true, q.scale != nullptr);
   }
 }
 
 /// True if a 4x4 block was predicted from an edge that is not there. `half`: the rules of the flat half macroblock.
-inline bool luma_intra(const Picture& at, int n, int blocks, const unsigned* modes, unsigned coded, unsigned edge,
-                       const Quantiser& q, Stream& stream, bool half) {
+template <class Sample>
+bool luma_intra(const Picture<Sample>& at, int n, int blocks, const unsigned* modes, unsigned coded, unsigned edge,
+                const Quantiser& q, Stream& stream, bool half) {
   bool substituted = false;
   for (int i = 0; i < blocks; ++i) {
     const auto [x0, y0] = place(n, i);
@@ -137,10 +140,10 @@ inline bool luma_intra(const Picture& at, int n, int blocks, const unsigned* mod
     if (half && i == 0) a.corner = a.corner && a.top && a.left;
     if (half && i == 5) a.right = a.right && a.top;
     const At p = [&, x = x0, y = y0](int dx, int dy) { return int{at(x + dx, y + dy)}; };
-    std::vector<unsigned char> predicted;
+    std::vector<Sample> predicted;
     for (int k = 0; k < n * n; ++k) {
-      const int sample = (n == 4 ? luma_4x4 : luma_8x8)(mode, k % n, k / n, p, a, 8);
-      predicted.push_back(static_cast<unsigned char>(sample));
+      const int sample = (n == 4 ? luma_4x4 : luma_8x8)(mode, k % n, k / n, p, a, q.depth);
+      predicted.push_back(static_cast<Sample>(sample));
     }
     for (int k = 0; k < n * n; ++k) at(x0 + k % n, y0 + k / n) = predicted[static_cast<std::size_t>(k)];
     substituted |= n == 4 && substitutes(mode, a);
@@ -149,9 +152,10 @@ inline bool luma_intra(const Picture& at, int n, int blocks, const unsigned* mod
   return substituted;
 }
 
-inline void luma_16x16(const Picture& at, int mode, unsigned coded, Available a, const Quantiser& q, Stream& stream) {
+template <class Sample>
+void luma_16x16(const Picture<Sample>& at, int mode, unsigned coded, Available a, const Quantiser& q, Stream& stream) {
   for (int k = 0; k < 256; ++k) {
-    at(k % 16, k / 16) = static_cast<unsigned char>(luma_16x16(mode, k % 16, k / 16, at, a, 8));
+    at(k % 16, k / 16) = static_cast<Sample>(luma_16x16(mode, k % 16, k / 16, at, a, q.depth));
   }
   Values dc(16, 0);
   if (coded & 1) stream.put_back(dc = luma_dc(q, stream.take(16)));
@@ -162,22 +166,26 @@ inline void luma_16x16(const Picture& at, int mode, unsigned coded, Available a,
   }
 }
 
-/// The neighbours of the upper and of the lower half; mode below 0 for an inter macroblock.
-inline void chroma(const Picture (&at)[2], int mode, unsigned coded, Available upper, Available lower,
-                   const Quantiser (&q)[2], Stream& stream) {
-  Values dc[2] = {Values(4, 0), Values(4, 0)};
+/// Both chroma planes of height h. The neighbours are those of the upper and of the lower half; mode below 0 for an
+/// inter macroblock. Patterns have bit 0 for the DC block, bit i + 1 for block i; the streams may be one.
+template <class Sample>
+void chroma(const Picture<Sample> (&at)[2], int h, int mode, const unsigned (&coded)[2], Available upper,
+            Available lower, const Quantiser (&q)[2], Stream* const (&streams)[2]) {
+  const int blocks = h / 2;
+  Values dc[2];
   for (int plane = 0; plane < 2; ++plane) {
-    if (mode >= 0) {
-      for (int k = 0; k < 64; ++k) {
-        const int sample = chroma(8, mode, k % 8, k / 8, at[plane], upper.top, upper.left, lower.left, 8);
-        at[plane](k % 8, k / 8) = static_cast<unsigned char>(sample);
-      }
+    for (int k = 0; mode >= 0 && k < 8 * h; ++k) {
+      const int sample = chroma(h, mode, k % 8, k / 8, at[plane], upper.top, upper.left, lower.left, q[0].depth);
+      at[plane](k % 8, k / 8) = static_cast<Sample>(sample);
     }
-    if (coded >> (17 + plane) & 1) stream.put_back(dc[plane] = chroma_dc(q[plane], stream.take(4)));
+    dc[plane].assign(static_cast<std::size_t>(blocks), 0);
+    if (coded[plane] & 1) streams[plane]->put_back(dc[plane] = chroma_dc(q[plane], streams[plane]->take(blocks)));
   }
-  for (int i = 0; i < 8; ++i) {
-    const long long& own = dc[i / 4][static_cast<std::size_t>(i % 4)];
-    add_block(at[i / 4], 4 * (i & 1), 4 * (i >> 1 & 1), 4, q[i / 4], stream, &own, coded >> (19 + i) & 1, true);
+  for (int i = 0; (coded[0] | coded[1]) && i < 2 * blocks; ++i) {
+    const int plane = i / blocks, block = i % blocks;
+    const long long& own = dc[plane][static_cast<std::size_t>(block)];
+    add_block(at[plane], 4 * (block & 1), 4 * (block >> 1), 4, q[plane], *streams[plane], &own,
+              coded[plane] >> (block + 1) & 1, true);
   }
 }
 
