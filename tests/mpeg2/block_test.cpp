@@ -33,19 +33,28 @@ constexpr std::string_view kShortSizes = "100 00 01 101 110 1110 11110 111110 11
 struct Codes {
   std::string_view sizesText;
   const example::RunLevelText* text;
+  std::vector<MoxVlcSpec> widths;
   oracle::CodeBook<int> sizes = oracle::code_book(sizesText);
   oracle::CodeBook<oracle::RunLevel> codes = oracle::code_book(*text);
   MoxVlcTable* sizeTable = built<MoxVlcTable>(MOX_FN(moxiHuffmanTableInitAlloc_32s),
                                               example::describe<60>(sizesText, 4, [](int i) { return i; }));
-  MoxVlcTable* table =
-      built<MoxVlcTable>(MOX_FN(moxiHuffmanRunLevelTableInitAlloc_32s), example::describe_run_levels(*text));
+  MoxVlcTable* table = built<MoxVlcTable>(MOX_FN(moxiHuffmanRunLevelTableInitAlloc_32s), with_widths());
   MoxRLEncodeTable* encodeTable =
       built<MoxRLEncodeTable>(MOX_FN(moxiCreateRLEncodeTable), example::describe_run_levels(*text));
+
+  /// The description with these level widths in place of its own two.
+  std::vector<MoxVlcSpec> with_widths() const {
+    const auto description = example::describe_run_levels(*text);
+    std::vector<MoxVlcSpec> words = {0, static_cast<MoxVlcSpec>(widths.size())};
+    words.insert(words.end(), widths.begin(), widths.end());
+    words.insert(words.end(), description.data() + 4, description.data() + description.size);
+    return words;
+  }
 };
 const std::vector<Codes>& all_codes() {
-  static const std::vector<Codes> all = {{example::kDcSizeLumaCodes, &example::kDctCoefZeroCodes},
-                                         {example::kDcSizeChromaCodes, &example::kDctCoefOneCodes},
-                                         {kShortSizes, &example::kDctCoefZeroCodes}};
+  static const std::vector<Codes> all = {{example::kDcSizeLumaCodes, &example::kDctCoefZeroCodes, {9, 8}},
+                                         {example::kDcSizeChromaCodes, &example::kDctCoefOneCodes, {17}},
+                                         {kShortSizes, &example::kDctCoefZeroCodes, {0, 5, 0, 1, 11}}};
   return all;
 }
 
@@ -229,23 +238,33 @@ TEST_P(Mpeg12Block, LiteralBlocks) {
   }
 }
 
-/// An end of block in place of a first coefficient, which no standard's table allows.
-TEST_P(Mpeg12Block, EmptyNonIntraBlock) {
-  const MoxVlcSpec spec[] = {0, 1, 1, 1, 0, 254, 0, -1};
-  const auto* table = built<MoxVlcTable>(MOX_FN(moxiHuffmanRunLevelTableInitAlloc_32s), std::to_array(spec));
+/// Tables that no standard has: an end of block in place of the first coefficient; a code of one bit whose leaf lies
+/// in the second level, where it gives back a bit of the first.
+TEST_P(Mpeg12Block, OddTables) {
+  constexpr MoxVlcTable kEnd = 254 << 8, kLink = 5 << 8 | 128, kOne = 1 << 16 | 2;
+  const MoxVlcTable ends[] = {1, kEnd, kEnd}, spans[] = {2, kLink, kLink, kEnd | 1, kEnd | 1, 1, kOne, kOne};
   const std::vector<Mox16s> weights(64, 16);
-  const std::vector<Mox32s> scan(64, 0);
+  std::vector<Mox32s> scan(64);
+  std::iota(scan.begin(), scan.end(), 0);
   for (bool mpeg2 : {false, true}) {
-    WordStream in("0");
-    Block block;
-    Mox32s last = 777;
-    EXPECT_EQ(lib(mpeg2 ? MOX_FN(moxiReconstructDCTBlock_MPEG2_32s) : MOX_FN(moxiReconstructDCTBlock_MPEG1_32s))(
-                  &in.word, &in.offset, table, table, scan.data(), 1, weights.data(), block.data(), &last),
-              moxStsOk);
-    EXPECT_EQ(last, -1);
-    EXPECT_EQ(in.consumed(), 1);
-    EXPECT_EQ(std::count(block.begin(), block.end(), 0), mpeg2 ? 63 : 64);
-    EXPECT_EQ(block[63], mpeg2);
+    const auto decode_with = [&](const MoxVlcTable* table, const std::string& bits, int offset) {
+      WordStream in(bits, offset);
+      Block block;
+      Mox32s last = 777;
+      EXPECT_EQ(lib(mpeg2 ? MOX_FN(moxiReconstructDCTBlock_MPEG2_32s) : MOX_FN(moxiReconstructDCTBlock_MPEG1_32s))(
+                    &in.word, &in.offset, table, table, scan.data(), 2, weights.data(), block.data(), &last),
+                moxStsOk);
+      EXPECT_EQ(in.consumed(), static_cast<int>(bits.size()));
+      return std::pair(last, block);
+    };
+    Block empty{};
+    empty[63] = mpeg2;
+    EXPECT_EQ(decode_with(ends, "0", 0), (std::pair{-1, empty}));
+    for (int offset = 0; offset < 32; ++offset) {
+      const auto [last, block] = decode_with(spans, "0001", offset);
+      EXPECT_EQ(last, 2);
+      EXPECT_EQ(block, (mpeg2 ? Block{3, 3, 3} : Block{5, 5, 5}));
+    }
   }
 }
 
