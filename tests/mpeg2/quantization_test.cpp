@@ -172,7 +172,8 @@ TEST_P(Mpeg2Quantization, LiteralValues) {
       {kInvMatrix, 1024, 1, 2, -2048, 1},  // 32768 wraps to -32768
       {kInvFlat, 1, 1, 1, 1, 0},
       {kInvFlat, 1, 1, -1, -1, 0},
-      {kInvFlat, 112, 1, 2047, -56, 1},  // 4095 * 112 wraps to -112
+      {kInvFlat, 112, 1, 2047, -56, 1},   // 4095 * 112 wraps to -112
+      {kInvFlat, 10923, 1, -1, 2047, 0},  // -3 * 10923 wraps to 32767, which stays
       {kInvFlat, 8, 1, 300, 2047, 0},
       {kInvFlat, 8, 1, -300, -2048, 1},
   };
