@@ -117,8 +117,8 @@ MOX_READER_INLINE inline bool read_dc_difference(WordWindow& in, const MoxVlcTab
 }
 
 template <class Standard, bool kIntra>
-MOX_READER_INLINE MoxStatus finish(const BlockReader<Standard, kIntra>& block, const Mox32u** ppBitStream,
-                                   Mox32s* pBitOffset) {
+MOX_READER_INLINE inline MoxStatus finish(const BlockReader<Standard, kIntra>& block, const Mox32u** ppBitStream,
+                                          Mox32s* pBitOffset) {
   block.in.cursor().store(ppBitStream, pBitOffset);
   return block.ended ? moxStsOk : moxStsBadBitstream;
 }
@@ -163,7 +163,7 @@ inline MoxStatus decode_intra_mpeg2(const Mox32u** ppBitStream, Mox32s* pBitOffs
 
 /// Reads the first coefficient, which has a shorter code for levels 1 and -1, and all others.
 template <class Block>
-MOX_READER_INLINE void read_non_intra(Block& block, const MoxVlcTable* first, const MoxVlcTable* ac) {
+MOX_READER_INLINE inline void read_non_intra(Block& block, const MoxVlcTable* first, const MoxVlcTable* ac) {
   block.in.fill();
   if (block.in.peek(1)) {
     block.put(0, block.in.get(2) & 1 ? -1 : 1);

@@ -341,10 +341,8 @@ TEST_P(Mpeg12Block, Arguments) {
   Block block{7};
   Mox32s scan[64] = {}, last = 0, pred = 0;
   Mox16s weights[64] = {}, dc = 0;
-  const Mox32u sizes[64] = {};
-  WordStream in(
-      "10010100101010"
-      "1010");  // a DC size of 0 or a first level, and end of block, for each decoder
+  const Mox32u sizes[64] = {4, 3, 0, 2, 1, 2, 5, 3};
+  WordStream in("100101001010101010");  // for each decoder a DC size of 0 or a first level, and end of block
   Mox32u words[8] = {};
   Mox32u* word = words;
   Mox32s offset = 32;
