@@ -40,7 +40,7 @@
  *  Corrupt data. A code that is none, a scan index beyond 63, and a DC size above 32 end the call with
  *  moxStsBadBitstream: the position is behind the code read last, fields of an escape included (behind the bits that
  *  were read minus one for what is no code), the coefficients stored so far stay, mismatch control is not done,
- *  *pDstSize is as it was, *pDCPred is the new one if there was a DC size. A call reads 64 codes at most.
+ *  *pDstSize is as it was, *pDCPred is the new one if there was a DC size. A call reads 65 codes at most.
  *
  *  Status. Pointers are tested, `*ppBitStream` among them; when one is null, nothing is changed. Nothing else is
  *  tested. */

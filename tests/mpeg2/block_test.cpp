@@ -52,9 +52,9 @@ struct Codes {
   }
 };
 const std::vector<Codes>& all_codes() {
-  static const std::vector<Codes> all = {{example::kDcSizeLumaCodes, &example::kDctCoefZeroCodes, {9, 8}},
-                                         {example::kDcSizeChromaCodes, &example::kDctCoefOneCodes, {17}},
-                                         {kShortSizes, &example::kDctCoefZeroCodes, {0, 5, 0, 1, 11}}};
+  static const auto& all = *new std::vector<Codes>{{example::kDcSizeLumaCodes, &example::kDctCoefZeroCodes, {9, 8}},
+                                                   {example::kDcSizeChromaCodes, &example::kDctCoefOneCodes, {17}},
+                                                   {kShortSizes, &example::kDctCoefZeroCodes, {0, 5, 0, 1, 11}}};
   return all;
 }
 
