@@ -77,7 +77,7 @@ class Stream {
     Block block{};
     if (intra) block[0] = static_cast<Mox16s>(std::normal_distribution<>(500, 40)(g_engine));
     for (int i = intra; i < 64; ++i) {
-      const double low = std::exp(-i * 2 / coefficients);  // about `coefficients` / 2 when summed up
+      const double low = std::exp(-1.7 * (i - intra) / coefficients);  // 2.4, 5.4, 8.3 and 19.8 for 2, 5, 8 and 20
       if (!chance(std::min(0.95, 2 * low))) continue;
       const int magnitude = 1 + std::geometric_distribution<>(0.8 - 0.5 * low)(g_engine);
       block[kCoding[0].scan[i]] = static_cast<Mox16s>(chance(0.5) ? magnitude : -magnitude);
@@ -92,7 +92,7 @@ class Stream {
   std::vector<Mox32u> words_;
   std::size_t index_ = 0;
 };
-/// Kept until the program ends, since rows are copied. For the reader the first block is the one behind the last.
+/// Kept until the program ends, since rows are copied.
 Stream* stream(bool intra, double coefficients) { return new Stream(intra, coefficients); }
 
 std::string variant(double coefficients) { return "about " + std::to_string(static_cast<int>(coefficients)); }
