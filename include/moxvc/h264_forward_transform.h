@@ -284,10 +284,9 @@ MOX_API MoxStatus moxiTransformFwdLuma8x8_H264_16s32s_C1(const Mox16s* pSrc, Mox
 MOX_API MoxStatus moxiGenScaleLevel4x4_H264_8u16s_C1(const Mox8u* pScalingList, Mox16s* pInvLevelScale,
                                                      Mox16s* pLevelScale, Mox32s qpRem);
 
-/** Multipliers of an 8x8 scaling list, w = its value of position i. pInvLevelScale[i] = w * M8(rem, i). For
- * pLevelScale, t = (Q8(rem, i) * (16384 / w)) >> 14, with 0 for 16384 / 0, and two times t grows by 1 unless (t + 1) *
- * w exceeds Q8(rem, i): for most w that is Q8(rem, i) / w rounded downwards, and 2 for w = 0. Positions i have six
- * classes by (y % 4, x % 4): (0,0); both odd; (2,2); a 0 and an odd one; a 0 and a 2; a 2 and an odd one.
+/** Multipliers of an 8x8 scaling list, w = its value of position i: pInvLevelScale[i] = w * M8(rem, i), and
+ *  pLevelScale[i] = Q8(rem, i) / w, rounded downwards, but 2 for w = 0. Positions have six classes by (y % 4, x % 4):
+ *  (0,0); both odd; (2,2); a 0 and an odd one; a 0 and a 2; a 2 and an odd one.
  *
  *      rem   Q8 by class                                M8 by class
  *      0     13107 11428 20972 12222 16777 15481        20 18 32 19 25 24
