@@ -3,12 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <string_view>
 
 #include "h264/transform_inputs.hpp"
 #include "moxvc/h264_inverse_transform.h"
 #include "oracle/forward_transform.hpp"
-#include "support/call.hpp"
 #include "support/guarded.hpp"
 #include "support/library.hpp"
 #include "support/null_pointers.hpp"
@@ -120,18 +118,12 @@ TEST_P(ForwardTransform, ScaleLevels) {
       ASSERT_EQ(inverse[k], w * oracle::multiplier(rem, k));
       ASSERT_EQ(forward[k], w % 255 == 0 ? 1 : oracle::forward_multiplier(rem, k) / w) << "weight " << w;
     }
-    // By the classes P to U of a position: P 0,0; Q both odd; R 2,2; S 0 and odd; T 0 and 2; U 2 and odd.
-    constexpr int kForward[6][6] = {
-        {13107, 11428, 20972, 12222, 16777, 15481}, {11916, 10826, 19174, 11058, 14980, 14290},
-        {10082, 8943, 15978, 9675, 12710, 11985},   {9362, 8228, 14913, 8931, 11984, 11259},
-        {8192, 7346, 13159, 7740, 10486, 9777},     {7282, 6428, 11570, 6830, 9118, 8640}};
-    constexpr int kInverse[6][6] = {{20, 18, 32, 19, 25, 24}, {22, 19, 35, 21, 28, 26}, {26, 23, 42, 24, 33, 31},
-                                    {28, 25, 45, 26, 35, 33}, {32, 28, 51, 30, 40, 38}, {36, 32, 58, 34, 46, 43}};
-    const std::string_view classes = "PSTSSQUQTURUSQUQ";
+    // Multipliers belong together by the norms of the transform's rows: 8, 5, and 289 / 32 for odd ones.
     for (int k = 0; k < 64; ++k) {
-      const int w = list(k % 8, k / 8), index = classes[k / 8 % 4 * 4 + k % 4] - 'P';
-      ASSERT_EQ(inverse8[k], w * kInverse[rem][index]);
-      ASSERT_EQ(forward8[k], w == 0 ? 2 : kForward[rem][index] / w) << "weight " << w << " position " << k;
+      const double norms[] = {8, 9.03125, 5, 9.03125}, norm = norms[k % 4] * norms[k / 8 % 4];
+      const int w = list(k % 8, k / 8), bare = w ? inverse8[k] / w : 1;
+      ASSERT_EQ(inverse8[k], w * bare);
+      ASSERT_EQ(forward8[k], w == 0 ? 2 : std::lround((1 << 24) / (bare * norm)) / w) << "weight " << w << " at " << k;
     }
   }
 }
@@ -139,13 +131,20 @@ TEST_P(ForwardTransform, ScaleLevels) {
 /// What is coded and decoded again differs by no more than the quantiser's rounding lets it, through lists of any
 /// weight.
 TEST_P(ForwardTransform, RoundTrip) {
-  const Guarded<Mox16s> places(64), forward(64), inverse(64), forward8(64), inverse8(64);
+  const auto scale_levels = lib(MOX_FN(moxiGenScaleLevel4x4_H264_8u16s_C1));
+  const auto quantise = lib(MOX_FN(moxiQuantLuma8x8_H264_16s_C1));
+  const auto luma = lib(MOX_FN(moxiTransformQuantFwdLumaDC4x4_H264_16s_C1I));
+  const auto chroma = lib(MOX_FN(moxiTransformQuantFwdChromaDC2x2_H264_16s_C1I));
+  const auto chroma422 = lib(MOX_FN(moxiTransformQuantFwdChromaDC2x4_H264_16s_C1I));
+  const Guarded<Mox16s> places(64), forward(16), inverse(16), forward8(64), inverse8(64), forward422(16),
+      inverse422(16);
   const Guarded<Mox32s> count(1), last(1);
   for (int i = 0; i < 52 * 20; ++i) {
     const int qp = i % 52, rem = qp % 6, per = qp / 6, intra = i / 52 % 2, weight = random_(8, 40);
     const Guarded<Mox8u> list(64), pred(64), decoded(64);
     std::fill(list.begin(), list.end(), static_cast<Mox8u>(weight));
-    lib(MOX_FN(moxiGenScaleLevel4x4_H264_8u16s_C1))(list.data(), inverse.data(), forward.data(), rem);
+    scale_levels(list.data(), inverse.data(), forward.data(), rem);
+    scale_levels(list.data(), inverse422.data(), forward422.data(), (qp + 3) % 6);
     lib(MOX_FN(moxiGenScaleLevel8x8_H264_8u16s_D2))(list.data(), 8, inverse8.data(), forward8.data(), rem);
     Values samples(64);
     const Guarded<Mox16s> residual(64), block(64);
@@ -155,7 +154,6 @@ TEST_P(ForwardTransform, RoundTrip) {
     }
     const double bound = 0.84 * step_of(qp) * weight / 16 + 0.6;
     lib(MOX_FN(moxiTransformFwdLuma8x8_H264_16s_C1))(residual.data(), block.data());
-    const auto quantise = lib(MOX_FN(moxiQuantLuma8x8_H264_16s_C1));
     quantise(block.data(), block.data(), per, intra, places.data(), forward8.data(), count.data(), last.data());
     lib(MOX_FN(moxiQuantLuma8x8Inv_H264_16s_C1I))(block.data(), per, inverse8.data());
     lib(MOX_FN(moxiTransformLuma8x8InvAddPred_H264_16s8u_C1R))(pred.data(), 8, block.data(), decoded.data(), 8);
@@ -168,62 +166,56 @@ TEST_P(ForwardTransform, RoundTrip) {
     expect_close({decoded.begin(), decoded.begin() + 16}, {samples.begin(), samples.begin() + 16}, bound, qp);
 
     // A dequantised DC is 4 times the one that the transform gives.
-    Values want(16);
-    const Guarded<Mox16s> luma(16), chroma(4), chroma422(8), terms(16);
-    for (int k = 0; k < 16; ++k) {
-      luma[k] = static_cast<Mox16s>(random_(-2000, 2000));
-      want[k] = 4 * luma[k];
+    const auto dc = [&](int size, auto code, auto decode, const Mox16s* scale) {
+      const Guarded<Mox16s> values(size), terms(size);
+      Values want;
+      random_.fill(std::span(values.begin(), values.size()), -2000, 2000);
+      for (int value : values) want.push_back(4 * value);
+      code(values.data(), terms.data()), decode(values.data(), qp, scale);
+      expect_close({values.begin(), values.end()}, want, 16 * bound, qp);
+    };
+    dc(
+        16, [&](auto x, auto f) { luma(x, f, qp, count.data(), 1, places.data(), last.data(), forward.data()); },
+        lib(MOX_FN(moxiTransformQuantInvLumaDC4x4_H264_16s_C1I)), inverse.data());
+    if (qp <= 39) {
+      dc(
+          4, [&](auto x, auto f) { chroma(x, f, qp, count.data(), intra, 1, forward.data()); },
+          lib(MOX_FN(moxiTransformQuantInvChromaDC2x2_H264_16s_C1I)), inverse.data());
+      dc(
+          8, [&](auto x, auto f) { chroma422(x, f, qp, count.data(), intra, 1, forward422.data()); },
+          lib(MOX_FN(moxiTransformQuantInvChromaDC2x4_H264_16s_C1I)), inverse422.data());
     }
-    std::copy_n(luma.begin(), 4, chroma.begin()), std::copy_n(luma.begin(), 8, chroma422.begin());
-    const double dc_bound = 16 * bound;
-    lib(MOX_FN(moxiTransformQuantFwdLumaDC4x4_H264_16s_C1I))(luma.data(), terms.data(), qp, count.data(), 1,
-                                                             places.data(), last.data(), forward.data());
-    lib(MOX_FN(moxiTransformQuantInvLumaDC4x4_H264_16s_C1I))(luma.data(), qp, inverse.data());
-    expect_close({luma.begin(), luma.end()}, want, dc_bound, qp);
-    if (qp > 39) continue;
-    lib(MOX_FN(moxiTransformQuantFwdChromaDC2x2_H264_16s_C1I))(chroma.data(), terms.data(), qp, count.data(), intra, 1,
-                                                               forward.data());
-    lib(MOX_FN(moxiTransformQuantInvChromaDC2x2_H264_16s_C1I))(chroma.data(), qp, inverse.data());
-    expect_close({chroma.begin(), chroma.end()}, {want.begin(), want.begin() + 4}, dc_bound, qp);
-    lib(MOX_FN(moxiTransformQuantFwdChromaDC2x4_H264_16s_C1I))(chroma422.data(), terms.data(), qp, count.data(), intra,
-                                                               1, nullptr);
-    lib(MOX_FN(moxiTransformQuantInvChromaDC2x4_H264_16s_C1I))(chroma422.data(), qp, nullptr);
-    expect_close({chroma422.begin(), chroma422.end()}, {want.begin(), want.begin() + 8},
-                 16 * (0.84 * step_of(qp) + 0.6), qp);
     ASSERT_FALSE(HasFailure());
   }
 }
 
+template <std::size_t I>
+constexpr std::index_sequence<I> kAt;
+
 TEST_P(ForwardTransform, Arguments) {
-  // Calls with the largest qp, qpPer or qpRem, which stands at argument I, and with numbers beside the range.
-  const auto check = []<std::size_t I>(std::integral_constant<std::size_t, I>, auto function, int max, MoxStatus status,
-                                       int may_be_null = -1) {
-    expect_null_pointers(function, max, 256, may_be_null, {{status, set<I>(max + 1)}, {status, set<I>(-1)}});
+  // Good calls with the largest qp, qpPer or qpRem, the argument I; then numbers beside the range.
+  const auto check = [this]<std::size_t I>(std::index_sequence<I>, auto symbol, int max, int may_be_null = -1,
+                                           MoxStatus status = moxStsOutOfRange) {
+    expect_null_pointers(lib(symbol), max, 256, may_be_null, {{status, set<I>(max + 1)}, {status, set<I>(-1)}});
   };
-  constexpr std::integral_constant<std::size_t, 1> second;
-  constexpr std::integral_constant<std::size_t, 2> third;
-  constexpr std::integral_constant<std::size_t, 3> fourth;
-  constexpr std::integral_constant<std::size_t, 4> fifth;
-  constexpr std::integral_constant<std::size_t, 6> seventh;
-  constexpr MoxStatus range = moxStsOutOfRange, bad_qp = moxStsBadQp;
-  check(second, lib(MOX_FN(moxiTransformQuantResidual_H264_16s_C1I)), 51, range);
-  check(third, lib(MOX_FN(moxiTransformQuantLumaDC_H264_16s_C1I)), 51, range);
-  check(third, lib(MOX_FN(moxiTransformQuantChromaDC_H264_16s_C1I)), 39, range);
-  check(third, lib(MOX_FN(moxiTransformQuantFwd4x4_H264_16s_C1)), 51, range, 7);
-  check(third, lib(MOX_FN(moxiTransformQuantFwd4x4_H264_16s32s_C1)), 87, range, 7);
-  check(third, lib(MOX_FN(moxiTransformQuantFwdChromaDC2x2_H264_16s_C1I)), 39, range, 6);
-  check(third, lib(MOX_FN(moxiTransformQuantFwdChromaDC2x2_H264_32s_C1I)), 75, range, 6);
-  check(third, lib(MOX_FN(moxiTransformQuantFwdChromaDC2x4_H264_16s_C1I)), 39, range, 6);
-  check(third, lib(MOX_FN(moxiTransformQuantFwdChromaDC2x4_H264_32s_C1I)), 75, range, 6);
-  check(third, lib(MOX_FN(moxiTransformQuantFwdLumaDC4x4_H264_16s_C1I)), 51, range, 7);
-  check(third, lib(MOX_FN(moxiTransformQuantFwdLumaDC4x4_H264_32s_C1I)), 87, range, 7);
-  check(seventh, lib(MOX_FN(moxiQuantizeResidual4x4Fwd_H264_16s_C1)), 51, range, 4);
-  check(seventh, lib(MOX_FN(moxiQuantizeResidual4x4Fwd_H264_16s32s_C1)), 51, range);
-  check(seventh, lib(MOX_FN(moxiQuantizeResidual4x4Fwd_H264_32s_C1)), 87, range, 4);
-  check(third, lib(MOX_FN(moxiQuantLuma8x8_H264_16s_C1)), 8, bad_qp);
-  check(third, lib(MOX_FN(moxiQuantLuma8x8_H264_32s_C1)), 14, bad_qp);
-  check(fourth, lib(MOX_FN(moxiGenScaleLevel4x4_H264_8u16s_C1)), 5, range);
-  check(fifth, lib(MOX_FN(moxiGenScaleLevel8x8_H264_8u16s_D2)), 5, bad_qp);
+  check(kAt<1>, MOX_FN(moxiTransformQuantResidual_H264_16s_C1I), 51);
+  check(kAt<2>, MOX_FN(moxiTransformQuantLumaDC_H264_16s_C1I), 51);
+  check(kAt<2>, MOX_FN(moxiTransformQuantChromaDC_H264_16s_C1I), 39);
+  check(kAt<2>, MOX_FN(moxiTransformQuantFwd4x4_H264_16s_C1), 51, 7);
+  check(kAt<2>, MOX_FN(moxiTransformQuantFwd4x4_H264_16s32s_C1), 87, 7);
+  check(kAt<2>, MOX_FN(moxiTransformQuantFwdChromaDC2x2_H264_16s_C1I), 39, 6);
+  check(kAt<2>, MOX_FN(moxiTransformQuantFwdChromaDC2x2_H264_32s_C1I), 75, 6);
+  check(kAt<2>, MOX_FN(moxiTransformQuantFwdChromaDC2x4_H264_16s_C1I), 39, 6);
+  check(kAt<2>, MOX_FN(moxiTransformQuantFwdChromaDC2x4_H264_32s_C1I), 75, 6);
+  check(kAt<2>, MOX_FN(moxiTransformQuantFwdLumaDC4x4_H264_16s_C1I), 51, 7);
+  check(kAt<2>, MOX_FN(moxiTransformQuantFwdLumaDC4x4_H264_32s_C1I), 87, 7);
+  check(kAt<6>, MOX_FN(moxiQuantizeResidual4x4Fwd_H264_16s_C1), 51, 4);
+  check(kAt<6>, MOX_FN(moxiQuantizeResidual4x4Fwd_H264_16s32s_C1), 51);
+  check(kAt<6>, MOX_FN(moxiQuantizeResidual4x4Fwd_H264_32s_C1), 87, 4);
+  check(kAt<2>, MOX_FN(moxiQuantLuma8x8_H264_16s_C1), 8, -1, moxStsBadQp);
+  check(kAt<2>, MOX_FN(moxiQuantLuma8x8_H264_32s_C1), 14, -1, moxStsBadQp);
+  check(kAt<3>, MOX_FN(moxiGenScaleLevel4x4_H264_8u16s_C1), 5);
+  check(kAt<4>, MOX_FN(moxiGenScaleLevel8x8_H264_8u16s_D2), 5, -1, moxStsBadQp);
   const auto pointers = [this](auto... symbols) { (expect_null_pointers(lib(symbols), 4, 256), ...); };
   pointers(MOX_FN(moxiTransformResidual4x4Fwd_H264_16s_C1), MOX_FN(moxiTransformResidual4x4Fwd_H264_32s_C1),
            MOX_FN(moxiTransformPrediction_H264_8u16s_C1), MOX_FN(moxiTransformLuma8x8Fwd_H264_16s_C1I),
