@@ -229,6 +229,15 @@ TEST_P(ForwardQuant, ByHand) {
   EXPECT_EQ(chroma(block.data(), terms.data(), 0, number.data(), 0, 0, nullptr), moxStsOk);
   EXPECT_EQ(block[7], 781);
   EXPECT_EQ(number[0], 1);
+  // 10315 * 13107 / 65536 is just below 2063, which a third reaches: the last level within the limit. With 10320,
+  // 2063.98, it is 2064.
+  for (auto [value, level, status] : {std::tuple{10315, 2063, moxStsOk}, {-10320, -2064, moxStsLevelOverflow}}) {
+    terms[2] = static_cast<Mox16s>(value);
+    EXPECT_EQ(lib(MOX_FN(moxiTransformQuantChromaDC_H264_16s_C1I))(block.data(), terms.data(), 0, count.data(), 1, 0),
+              status);
+    EXPECT_EQ(block[2], level);
+    EXPECT_EQ(count[0], 1);
+  }
   // A transformed luma DC of 1 has the level 0, and is told all the same.
   const auto luma = lib(MOX_FN(moxiTransformQuantFwdLumaDC4x4_H264_16s_C1I));
   for (int dc : {0, 1}) {

@@ -128,8 +128,7 @@ TEST_P(ForwardTransform, ScaleLevels) {
   }
 }
 
-/// What is coded and decoded again differs by no more than the quantiser's rounding lets it, through lists of any
-/// weight.
+/// What is coded and decoded again differs by no more than the quantiser's rounding lets it, with lists of any weight.
 TEST_P(ForwardTransform, RoundTrip) {
   const auto scale_levels = lib(MOX_FN(moxiGenScaleLevel4x4_H264_8u16s_C1));
   const auto quantise = lib(MOX_FN(moxiQuantLuma8x8_H264_16s_C1));
