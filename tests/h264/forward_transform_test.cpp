@@ -48,10 +48,11 @@ class ForwardTransform : public PerGeneration {
     return differing;
   }
 
-  void expect_close(const Values& got, const Values& want, double rms, int qp) {
+  /// The root of the mean square of got - want.
+  void expect_close(const Values& got, const Values& want, double bound, int qp) {
     double squares = 0;
     for (std::size_t i = 0; i < got.size(); ++i) squares += std::pow(static_cast<double>(got[i] - want[i]), 2);
-    EXPECT_LE(std::sqrt(squares / static_cast<double>(got.size())), rms) << "qp " << qp;
+    EXPECT_LE(std::sqrt(squares / static_cast<double>(got.size())), bound) << "qp " << qp;
   }
 };
 
@@ -139,7 +140,7 @@ TEST_P(ForwardTransform, RoundTrip) {
       inverse422(16);
   const Guarded<Mox32s> count(1), last(1);
   for (int i = 0; i < 52 * 20; ++i) {
-    const int qp = i % 52, rem = qp % 6, per = qp / 6, intra = i / 52 % 2, weight = random_(8, 40);
+    const int qp = i % 52, rem = qp % 6, per = qp / 6, intra = i / 52 % 2, weight = random_(8, 24);
     const Guarded<Mox8u> list(64), pred(64), decoded(64);
     std::fill(list.begin(), list.end(), static_cast<Mox8u>(weight));
     scale_levels(list.data(), inverse.data(), forward.data(), rem);
@@ -151,7 +152,8 @@ TEST_P(ForwardTransform, RoundTrip) {
       pred[k] = static_cast<Mox8u>(random_(0, 255)), samples[k] = random_(0, 255);
       residual[k] = static_cast<Mox16s>(samples[k] - pred[k]);
     }
-    const double bound = 0.84 * step_of(qp) * weight / 16 + 0.6;
+    // A level is off by up to 5/6 of a step, and by what multipliers lose when they are divided by the weight.
+    const double step = step_of(qp) * weight / 16 * 5 / 6 + 0.6, bound = step + 255.0 * weight / 2893;
     lib(MOX_FN(moxiTransformFwdLuma8x8_H264_16s_C1))(residual.data(), block.data());
     quantise(block.data(), block.data(), per, intra, places.data(), forward8.data(), count.data(), last.data());
     lib(MOX_FN(moxiQuantLuma8x8Inv_H264_16s_C1I))(block.data(), per, inverse8.data());
@@ -171,7 +173,7 @@ TEST_P(ForwardTransform, RoundTrip) {
       random_.fill(std::span(values.begin(), values.size()), -2000, 2000);
       for (int value : values) want.push_back(4 * value);
       code(values.data(), terms.data()), decode(values.data(), qp, scale);
-      expect_close({values.begin(), values.end()}, want, 16 * bound, qp);
+      expect_close({values.begin(), values.end()}, want, 16 * step + 8000.0 * weight / 7282, qp);
     };
     dc(
         16, [&](auto x, auto f) { luma(x, f, qp, count.data(), 1, places.data(), last.data(), forward.data()); },
