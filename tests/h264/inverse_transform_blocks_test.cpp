@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "h264/transform_inputs.hpp"
+#include "oracle/forward_transform.hpp"
 #include "oracle/inverse_transform.hpp"
 #include "support/call.hpp"
 #include "support/guarded.hpp"
@@ -171,12 +172,10 @@ TEST_P(InverseTransformBlocks, SwitchingBlocks) {
 
 /// With no residual and a fine quantiser, a switching block gives its prediction back.
 TEST_P(InverseTransformBlocks, SwitchingBlockKeepsPrediction) {
-  constexpr int kForward[] = {1, 1, 1, 1, 2, 1, -1, -2, 1, -1, -1, 1, 1, -2, 2, -1};
-  constexpr int kTransposed[] = {1, 2, 1, 1, 1, 1, -1, -2, 1, -1, -1, 2, 1, -2, 1, -1};
   for (int round = 0; round < 100; ++round) {
     Values samples(16);
     for (long long& sample : samples) sample = random_(0, 255);
-    const Values transformed = oracle::product(kForward, samples, kTransposed, 4, 4);
+    const Values transformed = oracle::forward_4x4(samples, Rule::kWrap32);
     const Guarded<Mox16s> block(16), prediction(16);
     std::copy(transformed.begin(), transformed.end(), prediction.begin());
     lib(MOX_FN(moxiDequantTransformResidual_SISP_H264_16s_C1I))(block.data(), prediction.data(), nullptr, 1, 51,
