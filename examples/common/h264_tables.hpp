@@ -18,6 +18,10 @@ inline constexpr std::array<std::uint8_t, 48> kCbpInter = {
     0,  16, 1,  2,  4,  8,  32, 3,  5,  10, 12, 15, 47, 7,  11, 13, 14, 6,  9,  31, 35, 37, 42, 44,
     33, 34, 36, 40, 39, 43, 45, 46, 17, 18, 20, 24, 19, 21, 26, 28, 23, 27, 29, 30, 22, 25, 38, 41};
 
+/// The same for pictures without chroma or with 4:4:4 chroma.
+inline constexpr std::array<std::uint8_t, 16> kCbpIntraLuma = {15, 0, 7, 11, 13, 14, 3, 5, 10, 12, 1, 2, 4, 8, 6, 9};
+inline constexpr std::array<std::uint8_t, 16> kCbpInterLuma = {0, 1, 2, 4, 8, 3, 5, 10, 12, 15, 7, 11, 13, 14, 6, 9};
+
 /// How a macroblock or a quadrant is split for inter prediction: bit 0 into an upper and a lower half, bit 1 into a
 /// left and a right one.
 enum class Split : std::uint8_t { kNone, kRows, kColumns, kQuarters };
@@ -94,6 +98,7 @@ constexpr bool is_permutation(const std::array<std::uint8_t, N>& values) {
   return true;
 }
 static_assert(is_permutation(kCbpIntra) && is_permutation(kCbpInter));
+static_assert(is_permutation(kCbpIntraLuma) && is_permutation(kCbpInterLuma));
 static_assert(is_permutation(kZigzag4x4) && is_permutation(kFieldScan4x4) && is_permutation(kBlockRaster));
 
 }  // namespace h264_tables

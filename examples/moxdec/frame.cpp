@@ -35,6 +35,17 @@ Frame::Frame(const FrameFormat& format, const FrameLayout& layout) : format_(for
   }
 }
 
+void Frame::fill_chroma(int value) {
+  const auto fill = [&](auto sample) {
+    for (int i = 1; i < 3; ++i) {
+      const int rows = layout_.height >> chroma_shift_y(format_.chroma);
+      auto* first = samples<decltype(sample)>(i);
+      std::fill_n(first, std::ptrdiff_t{rows} * sample_step<decltype(sample)>(i), sample);
+    }
+  };
+  format_.sample_bytes() == 1 ? fill(static_cast<std::uint8_t>(value)) : fill(static_cast<std::uint16_t>(value));
+}
+
 void FramePool::configure(const FrameFormat& format, const FrameLayout& layout) {
   if (format == format_ && layout == layout_) return;
   format_ = format;

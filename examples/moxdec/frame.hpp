@@ -58,6 +58,12 @@ class Frame {
   }
   /// Bytes from one row to the next; a multiple of 64.
   int step(int plane) const { return planes_[plane].step; }
+  /// The same in samples.
+  template <class Sample>
+  int sample_step(int plane) const {
+    return step(plane) / static_cast<int>(sizeof(Sample));
+  }
+  void fill_chroma(int value);
   /// The first shown sample of row `y` of the shown part.
   const std::byte* shown_row(int plane, int y) const {
     return planes_[plane].shown + std::ptrdiff_t{y} * planes_[plane].step;

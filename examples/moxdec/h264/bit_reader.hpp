@@ -50,8 +50,8 @@ class BitReader {
     return value;
   }
 
-  /// Moves to the next multiple of 8 bits and copies `count` bytes. Throws if there are fewer.
-  void aligned_bytes(std::uint8_t* out, std::size_t count);
+  /// Moves to the next multiple of 8 bits.
+  void align() { skip((8 - position() % 8) % 8); }
 
   std::size_t position() const {
     return static_cast<std::size_t>(word_ - first_) * 32 + static_cast<std::size_t>(31 - offset_);

@@ -26,16 +26,29 @@ constexpr std::array<std::array<Mox32s, 16>, 4> kScans8x8 = [] {
   return scans;
 }();
 
+/// The library's functions for each width of coefficients.
+template <class Coeff>
+constexpr auto kDecodeBlock = moxiDecodeCAVLCCoeffs_H264_1u16s;
+template <>
+constexpr auto kDecodeBlock<Mox32s> = moxiDecodeCAVLCCoeffs_H264_1u32s;
+template <class Coeff>
+constexpr std::array kDecodeChromaDc = {moxiDecodeCAVLCChromaDcCoeffs_H264_1u16s,
+                                        moxiDecodeCAVLCChroma422DcCoeffs_H264_1u16s};
+template <>
+constexpr std::array kDecodeChromaDc<Mox32s> = {moxiDecodeCAVLCChromaDcCoeffs_H264_1u32s,
+                                                moxiDecodeCAVLCChroma422DcCoeffs_H264_1u32s};
+
 }  // namespace
 
 CavlcTables::CavlcTables() {
   for (std::size_t i = 0; i < coeff_token_.size(); ++i) coeff_token_[i] = build(example::kCoeffTokenSpecs[i].data());
-  chroma_dc_token_ = build(example::kCoeffTokenSpecs[3].data());
+  for (std::size_t i = 0; i < chroma_dc_.size(); ++i) {
+    chroma_dc_[i].token = build(example::kCoeffTokenSpecs[3 + i].data());
+  }
   for (std::size_t i = 1; i < total_zeros_.size(); ++i)
     total_zeros_[i] = build(example::kTotalZerosSpecs[i - 1].data());
-  for (std::size_t i = 1; i < chroma_dc_total_zeros_.size(); ++i) {
-    chroma_dc_total_zeros_[i] = build(example::kTotalZeros2x2Specs[i - 1].data());
-  }
+  for (std::size_t i = 1; i < 4; ++i) chroma_dc_[0].total_zeros[i] = build(example::kTotalZeros2x2Specs[i - 1].data());
+  for (std::size_t i = 1; i < 8; ++i) chroma_dc_[1].total_zeros[i] = build(example::kTotalZeros2x4Specs[i - 1].data());
   for (std::size_t i = 1; i <= 7; ++i) run_before_[i] = build(example::kRunBeforeSpecs[i - 1].data());
   std::fill(run_before_.begin() + 8, run_before_.end(), run_before_[7]);
 }
@@ -47,32 +60,44 @@ const MoxVlcTable* CavlcTables::build(const MoxVlcSpec* spec) {
   return table;
 }
 
-int CavlcTables::read(BitReader& bits, Mox16s** out, int context, int max, const Mox32s* scan) const {
+template <class Coeff>
+int CavlcTables::read(BitReader& bits, Coeff** out, int context, int max, const Mox32s* scan) const {
   Mox16s count = 0;
   const MoxStatus status =
-      moxiDecodeCAVLCCoeffs_H264_1u16s(bits.word(), bits.offset(), &count, out, context, static_cast<Mox16s>(max),
-                                       coeff_token_.data(), total_zeros_.data(), run_before_.data(), scan);
+      kDecodeBlock<Coeff>(bits.word(), bits.offset(), &count, out, context, static_cast<Mox16s>(max),
+                          coeff_token_.data(), total_zeros_.data(), run_before_.data(), scan);
   require(status == moxStsOk && count <= max, "broken coefficients");
   bits.expect_no_overrun();
   return count;
 }
 
-int CavlcTables::read_block(BitReader& bits, Mox16s** out, int context, int max) const {
+template <class Coeff>
+int CavlcTables::read_block(BitReader& bits, Coeff** out, int context, int max) const {
   return read(bits, out, context, max, kScan.data());
 }
 
-int CavlcTables::read_part_8x8(BitReader& bits, Mox16s* block, int part, int context) const {
-  Mox16s* target = block + 64;
+template <class Coeff>
+int CavlcTables::read_part_8x8(BitReader& bits, Coeff* block, int part, int context) const {
+  Coeff* target = block + 64;
   return read(bits, &target, context, 16, kScans8x8[part].data());
 }
 
-int CavlcTables::read_chroma_dc(BitReader& bits, Mox16s** out) const {
+template <class Coeff>
+int CavlcTables::read_chroma_dc(BitReader& bits, Coeff** out, bool is_422) const {
   Mox16s count = 0;
-  const MoxStatus status = moxiDecodeCAVLCChromaDcCoeffs_H264_1u16s(
-      bits.word(), bits.offset(), &count, out, chroma_dc_token_, chroma_dc_total_zeros_.data(), run_before_.data());
+  const ChromaDc& tables = chroma_dc_[is_422];
+  const MoxStatus status = kDecodeChromaDc<Coeff>[is_422](bits.word(), bits.offset(), &count, out, tables.token,
+                                                          tables.total_zeros.data(), run_before_.data());
   require(status == moxStsOk, "broken coefficients");
   bits.expect_no_overrun();
   return count;
 }
+
+template int CavlcTables::read_block(BitReader&, Mox16s**, int, int) const;
+template int CavlcTables::read_block(BitReader&, Mox32s**, int, int) const;
+template int CavlcTables::read_part_8x8(BitReader&, Mox16s*, int, int) const;
+template int CavlcTables::read_part_8x8(BitReader&, Mox32s*, int, int) const;
+template int CavlcTables::read_chroma_dc(BitReader&, Mox16s**, bool) const;
+template int CavlcTables::read_chroma_dc(BitReader&, Mox32s**, bool) const;
 
 }  // namespace moxdec::h264

@@ -1,4 +1,4 @@
-/// The code tables of residual blocks, and the reading of one block.
+/// The code tables of residual blocks, and the reading of one block, whose coefficients have 16 or 32 bits.
 #pragma once
 
 #include <array>
@@ -15,27 +15,36 @@ class CavlcTables {
 
   /// Reads a 4x4 block of `max` (16 or 15) coefficients into 16 raster positions at `*out`. If there are any, `*out`
   /// moves behind them. `context` is the count expected from the neighbours. Returns the count.
-  int read_block(BitReader& bits, Mox16s** out, int context, int max) const;
+  template <class Coeff>
+  int read_block(BitReader& bits, Coeff** out, int context, int max) const;
   /// Reads one of the four parts of an 8x8 block, every fourth coefficient from the `part`-th one on, into raster
   /// positions at `block`. Clears 16 elements behind the 64 of the block, whose zeros are the caller's task. Returns
   /// the count.
-  int read_part_8x8(BitReader& bits, Mox16s* block, int part, int context) const;
-  /// Reads the 4 DC coefficients of a 4:2:0 chroma plane in the same way.
-  int read_chroma_dc(BitReader& bits, Mox16s** out) const;
+  template <class Coeff>
+  int read_part_8x8(BitReader& bits, Coeff* block, int part, int context) const;
+  /// Reads the DC coefficients of a chroma plane in the same way: 4 of a 4:2:0 plane, 8 of a 4:2:2 plane.
+  template <class Coeff>
+  int read_chroma_dc(BitReader& bits, Coeff** out, bool is_422) const;
 
  private:
   struct Free {
     void operator()(MoxVlcTable* table) const { moxiHuffmanTableFree_32s(table); }
   };
-  int read(BitReader& bits, Mox16s** out, int context, int max, const Mox32s* scan) const;
+  template <class Coeff>
+  int read(BitReader& bits, Coeff** out, int context, int max, const Mox32s* scan) const;
   const MoxVlcTable* build(const MoxVlcSpec* spec);
+
+  /// Of chroma DC blocks, 2x2 and 2x4.
+  struct ChromaDc {
+    const MoxVlcTable* token = nullptr;
+    std::array<const MoxVlcTable*, 8> total_zeros{};
+  };
 
   std::array<std::unique_ptr<MoxVlcTable, Free>, 64> owned_;
   std::size_t count_ = 0;
   std::array<const MoxVlcTable*, 3> coeff_token_{};
-  const MoxVlcTable* chroma_dc_token_ = nullptr;
+  std::array<ChromaDc, 2> chroma_dc_;  // 4:2:0, 4:2:2
   std::array<const MoxVlcTable*, 16> total_zeros_{};
-  std::array<const MoxVlcTable*, 4> chroma_dc_total_zeros_{};
   std::array<const MoxVlcTable*, 16> run_before_{};
 };
 

@@ -49,7 +49,7 @@ void MacroblockReader::read_inter(Macroblock& mb, MbInfo& info, const Neighbours
     allows_8x8 = allows_transform_8x8(mb, parts);
   }
   finish_inter(mb, info);
-  const int pattern = example::kCbpInter[bits_.ue(47, "coded_block_pattern")];
+  const int pattern = read_pattern(true);
   if (slice_.pps->transform_8x8 && allows_8x8 && (pattern & 15) != 0) {
     mb.transform_8x8 = info.transform_8x8 = bits_.flag();
   }
@@ -71,7 +71,7 @@ void MacroblockReader::skip(Macroblock& mb, std::int32_t slice_index) {
   info.luma_counts.fill(0);
   for (auto& counts : info.chroma_counts) counts.fill(0);
   mb.qp = qp_;
-  info.qp = static_cast<std::uint8_t>(qp_);
+  info.qp = static_cast<std::int8_t>(qp_);
 }
 
 void MacroblockReader::begin_inter(Macroblock& mb, MbInfo& info, const Neighbours& neighbours) {

@@ -1,5 +1,7 @@
 #include "moxdec/h264/inter_prediction.hpp"
 
+#include <algorithm>
+
 #include "moxdec/error.hpp"
 #include "moxdec/h264/direct.hpp"
 
@@ -7,8 +9,6 @@ namespace moxdec::h264 {
 namespace {
 
 void expect_ok(MoxStatus status) { require(status == moxStsOk, "inter prediction failed"); }
-
-constexpr MoxiSize half(MoxiSize size) { return {size.width / 2, size.height / 2}; }
 
 /// Whether a footprint lies in a plane and its margins.
 bool is_inside(int x, int y, MoxiSize footprint, MoxiSize plane, int margin) {
@@ -18,20 +18,52 @@ bool is_inside(int x, int y, MoxiSize footprint, MoxiSize plane, int margin) {
 
 MoxiSize coded_size(const Frame& frame) { return {frame.layout().width, frame.layout().height}; }
 
+void expand_plane(Mox8u* plane, MoxiSize size, Mox32s step, int margin) {
+  expect_ok(moxiExpandPlane_H264_8u_C1R(plane, size.width, size.height, step, margin, 0));
+}
+void expand_plane(Mox16u* plane, MoxiSize size, Mox32s step, int margin) {
+  for (int y = 0; y < size.height; ++y) {
+    Mox16u* row = plane + std::ptrdiff_t{y} * step;
+    std::fill_n(row - margin, margin, row[0]);
+    std::fill_n(row + size.width, margin, row[size.width - 1]);
+  }
+  const Mox16u *first = plane - margin, *last = first + std::ptrdiff_t{size.height - 1} * step;
+  for (int y = 1; y <= margin; ++y) {
+    std::copy_n(first, size.width + 2 * margin, plane - margin - std::ptrdiff_t{y} * step);
+    std::copy_n(last, size.width + 2 * margin, plane - margin + std::ptrdiff_t{size.height - 1 + y} * step);
+  }
+}
+
+template <class Sample>
+void expand_planes(const Frame& frame) {
+  for (int plane = 0; plane < 3; ++plane) {
+    MoxiSize size = coded_size(frame);
+    if (plane > 0) size = {size.width / 2, size.height >> chroma_shift_y(frame.format().chroma)};
+    expand_plane(frame.samples<Sample>(plane), size, frame.sample_step<Sample>(plane),
+                 plane == 0 ? kMargin : kMargin / 2);
+  }
+}
+
+/// A prediction from one of both lists.
+template <class Sample>
+struct Scratch {
+  alignas(64) std::array<Sample, 16 * 16> luma;
+  alignas(64) std::array<std::array<Sample, 8 * 16>, 2> chroma;
+};
+
 }  // namespace
 
 void expand(const Frame& frame) {
-  for (int plane = 0; plane < 3; ++plane) {
-    const MoxiSize size = plane == 0 ? coded_size(frame) : half(coded_size(frame));
-    expect_ok(moxiExpandPlane_H264_8u_C1R(frame.samples<Mox8u>(plane), size.width, size.height, frame.step(plane),
-                                          plane == 0 ? kMargin : kMargin / 2, 0));
-  }
+  frame.format().sample_bytes() == 1 ? expand_planes<Mox8u>(frame) : expand_planes<Mox16u>(frame);
 }
 
 void InterPredictor::begin_slice(const SliceHeader& slice, const ReferenceLists& lists,
                                  const ReferenceBuffer& references, int order) {
   weighting_ = slice.explicit_weights ? Weighting::kExplicit : Weighting::kNone;
   explicit_ = &slice.weights;
+  bit_depth_ = slice.sps->bit_depth_luma;
+  planes_ = slice.sps->chroma_mb_height() == 0 ? 1 : 3;
+  chroma_shift_y_ = slice.sps->chroma_mb_height() == 16 ? 0 : 1;
   if (slice.type == SliceType::kB && slice.pps->weighted_bipred_idc == 2) {
     weighting_ = Weighting::kImplicit;
     find_implicit_weights(lists, references, order);
@@ -41,7 +73,7 @@ void InterPredictor::begin_slice(const SliceHeader& slice, const ReferenceLists&
       const int slot = lists.slots[list][i];
       if (slot < 0) continue;
       const Frame& frame = *references.at(slot).frame;
-      for (int plane = 0; plane < 3; ++plane) sources_[slot].plane[plane] = frame.samples<Mox8u>(plane);
+      for (int plane = 0; plane < 3; ++plane) sources_[slot].plane[plane] = frame.samples<std::byte>(plane);
     }
   }
 }
@@ -63,12 +95,17 @@ void InterPredictor::find_implicit_weights(const ReferenceLists& lists, const Re
 }
 
 void InterPredictor::predict(const Picture& picture, const Macroblock& mb) {
+  bit_depth_ == 8 ? predict_macroblock<Mox8u>(picture, mb) : predict_macroblock<Mox16u>(picture, mb);
+}
+
+template <class Sample>
+void InterPredictor::predict_macroblock(const Picture& picture, const Macroblock& mb) const {
   const MbMotion& motion = picture.motion[mb.y * picture.mb_width + mb.x];
   const auto predict_parts = [&](int left, int top, int size, Split split) {
     const int width = size >> (static_cast<int>(split) >> 1), height = size >> (static_cast<int>(split) & 1);
     for (int y = top; y < top + size; y += height) {
       for (int x = left; x < left + size; x += width) {
-        predict_block({picture, motion, {16 * mb.x + x, 16 * mb.y + y}, {width, height}, y / 4 * 4 + x / 4});
+        predict_block<Sample>({picture, motion, {16 * mb.x + x, 16 * mb.y + y}, {width, height}, y / 4 * 4 + x / 4});
       }
     }
   };
@@ -76,123 +113,123 @@ void InterPredictor::predict(const Picture& picture, const Macroblock& mb) {
   for (int i = 0; i < 4; ++i) predict_parts(i % 2 * 8, i / 2 * 8, 8, mb.quarter_splits[i]);
 }
 
+template <class Sample>
 void InterPredictor::predict_block(const Block& block) const {
   const Frame& frame = *block.picture.frame;
   const MoxiPoint at = block.position;
-  const Target target = {
-      {block.picture.samples<Mox8u>(0, at.x, at.y), block.picture.samples<Mox8u>(1, at.x / 2, at.y / 2),
-       block.picture.samples<Mox8u>(2, at.x / 2, at.y / 2)},
-      frame.step(0),
-      frame.step(1)};
+  const int chroma_y = rows(1, at.y);
+  const Target<Sample> target = {
+      {block.picture.samples<Sample>(0, at.x, at.y), block.picture.samples<Sample>(1, at.x / 2, chroma_y),
+       block.picture.samples<Sample>(2, at.x / 2, chroma_y)},
+      frame.sample_step<Sample>(0),
+      frame.sample_step<Sample>(1)};
   if (block.slot(0) < 0 || block.slot(1) < 0) {
     const int list = block.slot(0) < 0 ? 1 : 0;
     fetch(block, list, target);
     if (weighting_ == Weighting::kExplicit) weight(block, list, target);
     return;
   }
-  std::array<Target, 2> sources;
+  std::array<Scratch<Sample>, 2> scratch;
+  std::array<Target<Sample>, 2> sources;
   for (int list = 0; list < 2; ++list) {
-    Scratch& scratch = scratch_[list];
-    sources[list] = {{scratch.luma.data(), scratch.chroma[0].data(), scratch.chroma[1].data()}, 16, 8};
+    auto& [luma, chroma] = scratch[list];
+    sources[list] = {{luma.data(), chroma[0].data(), chroma[1].data()}, 16, 8};
     fetch(block, list, sources[list]);
   }
-  combine(block, sources, target);
+  for (int plane = 0; plane < planes_; ++plane) expect_ok(combine_plane(block, plane, sources, target));
 }
 
-void InterPredictor::fetch(const Block& block, int list, const Target& target) const {
+template <class Sample>
+void InterPredictor::fetch(const Block& block, int list, const Target<Sample>& target) const {
   fetch_luma(block, list, target);
-  fetch_chroma(block, list, target);
+  if (planes_ > 1) fetch_chroma(block, list, target);
 }
 
-void InterPredictor::fetch_luma(const Block& block, int list, const Target& target) const {
+template <class Sample>
+void InterPredictor::fetch_luma(const Block& block, int list, const Target<Sample>& target) const {
   const Planes& source = sources_[block.slot(list)];
   const Frame& frame = *block.picture.frame;  // all frames have the same layout
   const MotionVector vector = block.motion.vectors[list][block.index];
-  const int x = block.position.x + (vector.x >> 2), y = block.position.y + (vector.y >> 2);
+  const ReferenceBlock<Sample> luma = {{reinterpret_cast<const Sample*>(source.plane[0]), nullptr},
+                                       frame.sample_step<Sample>(0),
+                                       {target.plane[0], nullptr},
+                                       target.luma_step,
+                                       coded_size(frame),
+                                       block.size,
+                                       block.position,
+                                       {vector.x, vector.y},
+                                       bit_depth_};
   // The filter reaches two samples to the left and above, three to the right and below.
   const MoxiSize footprint = {block.size.width + 5, block.size.height + 5};
-  if (expanded_ && is_inside(x - 2, y - 2, footprint, coded_size(frame), kMargin)) {
-    return expect_ok(moxiInterpolateLuma_H264_8u_C1R(source.plane[0] + std::ptrdiff_t{y} * frame.step(0) + x,
-                                                     frame.step(0), target.plane[0], target.luma_step, vector.x & 3,
-                                                     vector.y & 3, block.size));
-  }
-  const MoxiInterpBlock_8u luma = {{source.plane[0], nullptr},
-                                   frame.step(0),
-                                   {target.plane[0], nullptr},
-                                   target.luma_step,
-                                   coded_size(frame),
-                                   block.size,
-                                   block.position,
-                                   {vector.x, vector.y}};
-  expect_ok(moxiInterpolateLumaBlock_H264_8u_P1R(&luma));
+  const int x = block.position.x + (vector.x >> 2), y = block.position.y + (vector.y >> 2);
+  const bool inside = expanded_ && is_inside(x - 2, y - 2, footprint, luma.frame_size, kMargin);
+  expect_ok(inside ? interpolate_luma_inside(luma) : interpolate_luma(luma));
 }
 
-/// A vector in quarters of luma samples is one in eighths of 4:2:0 chroma samples.
-void InterPredictor::fetch_chroma(const Block& block, int list, const Target& target) const {
+/// A vector in quarters of luma samples is one in eighths of chroma samples; not so for the rows of 4:2:2, which are
+/// those of luma.
+template <class Sample>
+void InterPredictor::fetch_chroma(const Block& block, int list, const Target<Sample>& target) const {
   const Planes& source = sources_[block.slot(list)];
   const Frame& frame = *block.picture.frame;
   const MotionVector vector = block.motion.vectors[list][block.index];
-  const MoxiSize size = half(block.size), plane_size = half(coded_size(frame));
-  const MoxiPoint position = {block.position.x / 2, block.position.y / 2};
-  const int x = position.x + (vector.x >> 3), y = position.y + (vector.y >> 3);
-  if (expanded_ && is_inside(x, y, {size.width + 1, size.height + 1}, plane_size, kMargin / 2)) {
-    for (int plane = 1; plane < 3; ++plane) {
-      expect_ok(moxiInterpolateChroma_H264_8u_C1R(source.plane[plane] + std::ptrdiff_t{y} * frame.step(1) + x,
-                                                  frame.step(1), target.plane[plane], target.chroma_step, vector.x & 7,
-                                                  vector.y & 7, size));
-    }
-    return;
+  const ReferenceBlock<Sample> chroma = {
+      {reinterpret_cast<const Sample*>(source.plane[1]), reinterpret_cast<const Sample*>(source.plane[2])},
+      frame.sample_step<Sample>(1),
+      {target.plane[1], target.plane[2]},
+      target.chroma_step,
+      size_in(1, coded_size(frame)),
+      size_in(1, block.size),
+      {block.position.x / 2, rows(1, block.position.y)},
+      {vector.x, chroma_shift_y_ == 0 ? 2 * vector.y : vector.y},
+      bit_depth_};
+  const int x = chroma.position.x + (chroma.vector.x >> 3), y = chroma.position.y + (chroma.vector.y >> 3);
+  const MoxiSize footprint = {chroma.size.width + 1, chroma.size.height + 1};
+  if (!expanded_ || !is_inside(x, y, footprint, chroma.frame_size, kMargin / 2)) {
+    return expect_ok(interpolate_chroma(chroma));
   }
-  const MoxiInterpBlock_8u chroma = {{source.plane[1], source.plane[2]},
-                                     frame.step(1),
-                                     {target.plane[1], target.plane[2]},
-                                     target.chroma_step,
-                                     plane_size,
-                                     size,
-                                     position,
-                                     {vector.x, vector.y}};
-  expect_ok(moxiInterpolateChromaBlock_H264_8u_P2R(&chroma));
+  for (int i = 0; i < 2; ++i) expect_ok(interpolate_chroma_inside(chroma, i));
 }
 
-void InterPredictor::weight(const Block& block, int list, const Target& target) const {
-  const auto& weights = explicit_->weights[list][block.reference(list)];
-  for (int plane = 0; plane < 3; ++plane) {
+/// Offsets are written on the scale of 8 bits.
+SampleWeight InterPredictor::explicit_weight(const Block& block, int list, int plane) const {
+  const Weight& w = explicit_->weights[list][block.reference(list)][plane];
+  return {w.weight, w.offset * (1 << (bit_depth_ - 8))};
+}
+
+template <class Sample>
+void InterPredictor::weight(const Block& block, int list, const Target<Sample>& target) const {
+  for (int plane = 0; plane < planes_; ++plane) {
     const int log2 = explicit_->log2_denominator[plane];
-    const Weight& w = weights[plane];
+    const SampleWeight w = explicit_weight(block, list, plane);
     if (w.weight == 1 << log2 && w.offset == 0) continue;
-    expect_ok(moxiUniDirWeightBlock_H264_8u_C1R(target.plane[plane], target.step(plane), static_cast<Mox32u>(log2),
-                                                w.weight, w.offset, plane == 0 ? block.size : half(block.size)));
+    expect_ok(weight_one(target.plane[plane], target.step(plane), size_in(plane, block.size), log2, w, bit_depth_));
   }
-}
-
-void InterPredictor::combine(const Block& block, const std::array<Target, 2>& sources, const Target& target) const {
-  for (int plane = 0; plane < 3; ++plane) expect_ok(combine_plane(block, plane, sources, target));
 }
 
 /// Weights that come to a mean take the faster way.
-MoxStatus InterPredictor::combine_plane(const Block& block, int plane, const std::array<Target, 2>& sources,
-                                        const Target& target) const {
-  const MoxiSize size = plane == 0 ? block.size : half(block.size);
-  const Mox8u *first = sources[0].plane[plane], *second = sources[1].plane[plane];
-  Mox8u* out = target.plane[plane];
-  const Mox32s step = sources[0].step(plane), out_step = target.step(plane);
+template <class Sample>
+MoxStatus InterPredictor::combine_plane(const Block& block, int plane, const std::array<Target<Sample>, 2>& sources,
+                                        const Target<Sample>& target) const {
+  const PredictionPair<Sample> pair = {sources[0].plane[plane],
+                                       sources[1].plane[plane],
+                                       sources[0].step(plane),
+                                       target.plane[plane],
+                                       target.step(plane),
+                                       size_in(plane, block.size),
+                                       bit_depth_};
   if (weighting_ == Weighting::kImplicit) {
     const int weight = implicit_[block.reference(0)][block.reference(1)];
-    if (weight != 32) {
-      return moxiBiDirWeightBlockImplicit_H264_8u_P3P1R(first, second, out, step, step, out_step, 64 - weight, weight,
-                                                        size);
-    }
+    if (weight != 32) return weight_implicit(pair, weight);
   }
   if (weighting_ == Weighting::kExplicit) {
     const int log2 = explicit_->log2_denominator[plane];
-    const Weight &a = explicit_->weights[0][block.reference(0)][plane],
-                 &b = explicit_->weights[1][block.reference(1)][plane];
+    const SampleWeight a = explicit_weight(block, 0, plane), b = explicit_weight(block, 1, plane);
     if (a.weight != 1 << log2 || b.weight != 1 << log2 || a.offset != 0 || b.offset != 0) {
-      return moxiBiDirWeightBlock_H264_8u_P3P1R(first, second, out, step, step, out_step, static_cast<Mox32u>(log2),
-                                                a.weight, a.offset, b.weight, b.offset, size);
+      return weight_two(pair, log2, a, b);
     }
   }
-  return moxiInterpolateBlock_H264_8u_P3P1R(first, second, out, size.width, size.height, step, step, out_step);
+  return average(pair);
 }
 
 }  // namespace moxdec::h264

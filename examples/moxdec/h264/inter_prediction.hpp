@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 
+#include "moxdec/h264/inter_library.hpp"
 #include "moxdec/h264/macroblock.hpp"
 #include "moxdec/h264/picture.hpp"
 #include "moxdec/h264/references.hpp"
@@ -35,11 +36,12 @@ class InterPredictor {
   enum class Weighting { kNone, kExplicit, kImplicit };
 
   struct Planes {
-    std::array<const Mox8u*, 3> plane;
+    std::array<const std::byte*, 3> plane;
   };
-  /// Where predicted samples go.
+  /// Where predicted samples go. Steps count samples.
+  template <class Sample>
   struct Target {
-    std::array<Mox8u*, 3> plane;
+    std::array<Sample*, 3> plane;
     Mox32s luma_step;
     Mox32s chroma_step;
     Mox32s step(int i) const { return i == 0 ? luma_step : chroma_step; }
@@ -56,26 +58,37 @@ class InterPredictor {
   };
 
   void find_implicit_weights(const ReferenceLists& lists, const ReferenceBuffer& references, int order);
+  template <class Sample>
+  void predict_macroblock(const Picture& picture, const Macroblock& mb) const;
+  template <class Sample>
   void predict_block(const Block& block) const;
-  void fetch(const Block& block, int list, const Target& target) const;
-  void fetch_luma(const Block& block, int list, const Target& target) const;
-  void fetch_chroma(const Block& block, int list, const Target& target) const;
-  void weight(const Block& block, int list, const Target& target) const;
-  void combine(const Block& block, const std::array<Target, 2>& sources, const Target& target) const;
-  MoxStatus combine_plane(const Block& block, int plane, const std::array<Target, 2>& sources,
-                          const Target& target) const;
+  template <class Sample>
+  void fetch(const Block& block, int list, const Target<Sample>& target) const;
+  template <class Sample>
+  void fetch_luma(const Block& block, int list, const Target<Sample>& target) const;
+  template <class Sample>
+  void fetch_chroma(const Block& block, int list, const Target<Sample>& target) const;
+  template <class Sample>
+  void weight(const Block& block, int list, const Target<Sample>& target) const;
+  template <class Sample>
+  MoxStatus combine_plane(const Block& block, int plane, const std::array<Target<Sample>, 2>& sources,
+                          const Target<Sample>& target) const;
+  /// From luma to the rows of a plane.
+  int rows(int plane, int y) const { return plane == 0 ? y : y >> chroma_shift_y_; }
+  MoxiSize size_in(int plane, MoxiSize size) const {
+    return {plane == 0 ? size.width : size.width / 2, rows(plane, size.height)};
+  }
+  SampleWeight explicit_weight(const Block& block, int list, int plane) const;
 
   bool expanded_ = false;
+  int bit_depth_ = 8;
+  int planes_ = 3;
+  int chroma_shift_y_ = 1;
   Weighting weighting_ = Weighting::kNone;
   const WeightTable* explicit_ = nullptr;
   /// Of list 1, by the indices of both lists; of list 0 it is 64 less this one.
   std::array<std::array<std::int16_t, kMaxListEntries>, kMaxListEntries> implicit_;
   std::array<Planes, kPictureSlots> sources_;
-  struct Scratch {
-    alignas(64) std::array<Mox8u, 16 * 16> luma;
-    alignas(64) std::array<std::array<Mox8u, 8 * 8>, 2> chroma;
-  };
-  mutable std::array<Scratch, 2> scratch_;  // predictions from both lists
 };
 
 }  // namespace moxdec::h264

@@ -92,7 +92,7 @@ void MacroblockReader::read(Macroblock& mb, std::int32_t slice_index) {
 
 void MacroblockReader::clear_residual(Macroblock& mb, MbInfo& info) {
   mb.transform_8x8 = info.transform_8x8 = false;
-  mb.coded = mb.coded_8x8 = 0;
+  mb.coded = mb.coded_8x8 = mb.coded_chroma[0] = mb.coded_chroma[1] = 0;
   info.coded_blocks = 0;
 }
 
@@ -106,10 +106,12 @@ void MacroblockReader::read_intra(Macroblock& mb, MbInfo& info, const Neighbours
   mb.transform_8x8 = info.transform_8x8 = in_blocks && slice_.pps->transform_8x8 && bits_.flag();
   info.kind = mb.kind = !in_blocks ? MbKind::kIntra16x16 : mb.transform_8x8 ? MbKind::kIntra8x8 : MbKind::kIntra4x4;
   if (in_blocks) read_intra_modes(mb, info, neighbours);
-  mb.chroma_mode = static_cast<Mox32u>(bits_.ue(3, "intra_chroma_pred_mode"));
+  if (slice_.sps->chroma_mb_height() != 0) {
+    mb.chroma_mode = static_cast<Mox32u>(bits_.ue(3, "intra_chroma_pred_mode"));
+  }
   int pattern;  // bits 0 to 3: luma quarters; from bit 4: chroma part
   if (in_blocks) {
-    pattern = example::kCbpIntra[bits_.ue(47, "coded_block_pattern")];
+    pattern = read_pattern(false);
   } else {
     mb.intra_16x16_mode = static_cast<Mox32u>((type - 1) % 4);
     pattern = (type - 1) / 4 % 3 << 4 | (type > 12 ? 15 : 0);
@@ -117,26 +119,52 @@ void MacroblockReader::read_intra(Macroblock& mb, MbInfo& info, const Neighbours
   read_residual(mb, info, all, pattern);
 }
 
+int MacroblockReader::read_pattern(bool inter) {
+  constexpr const char* kName = "coded_block_pattern";
+  if (slice_.sps->chroma_mb_height() == 0) {
+    return (inter ? example::kCbpInterLuma : example::kCbpIntraLuma)[bits_.ue(15, kName)];
+  }
+  return (inter ? example::kCbpInter : example::kCbpIntra)[bits_.ue(47, kName)];
+}
+
 void MacroblockReader::read_residual(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int pattern) {
   info.luma_counts.fill(0);
   for (auto& counts : info.chroma_counts) counts.fill(0);
   if (pattern != 0 || mb.kind == MbKind::kIntra16x16) {
     read_qp_delta();
-    Mox16s* out = mb.coefficients.data();
-    if (mb.transform_8x8) {
-      read_luma_8x8(mb, info, neighbours, pattern & 15, &out);
+    if (slice_.sps->is_deep()) {
+      read_blocks<Mox32s>(mb, info, neighbours, pattern);
     } else {
-      read_luma(mb, info, neighbours, pattern & 15, &out);
+      read_blocks<Mox16s>(mb, info, neighbours, pattern);
     }
-    read_chroma(mb, info, neighbours, pattern >> 4, &out);
   }
   mb.qp = qp_;
-  info.qp = static_cast<std::uint8_t>(qp_);
+  info.qp = static_cast<std::int8_t>(qp_);
+}
+
+template <class Coeff>
+void MacroblockReader::read_blocks(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int pattern) {
+  Coeff* out = mb.coefficients<Coeff>();
+  if (mb.transform_8x8) {
+    read_luma_8x8(mb, info, neighbours, pattern & 15, &out);
+  } else {
+    read_luma(mb, info, neighbours, pattern & 15, &out);
+  }
+  const int chroma_height = slice_.sps->chroma_mb_height();
+  if (chroma_height == 0 || pattern < 16) return;
+  const bool has_ac = pattern >= 32;
+  if (chroma_height == 8) {
+    read_chroma<2>(mb, info, neighbours, has_ac, &out);
+  } else {
+    read_chroma<4>(mb, info, neighbours, has_ac, &out);
+  }
 }
 
 void MacroblockReader::read_raw(Macroblock& mb, MbInfo& info) {
   info.kind = mb.kind = MbKind::kRaw;
-  bits_.aligned_bytes(mb.raw.data(), mb.raw.size());
+  bits_.align();
+  const int samples = 16 * (16 + slice_.sps->chroma_mb_height());
+  for (int i = 0; i < samples; ++i) mb.raw[i] = static_cast<Mox16u>(bits_.bits(slice_.sps->bit_depth_luma));
   info.intra_modes.fill(kPlainMode);
   info.luma_counts.fill(16);
   for (auto& counts : info.chroma_counts) counts.fill(16);
@@ -160,15 +188,20 @@ void MacroblockReader::read_intra_modes(Macroblock& mb, MbInfo& info, const Neig
   }
 }
 
-void MacroblockReader::read_qp_delta() { qp_ = (qp_ + bits_.se(-26, 25, "mb_qp_delta") + 52) % 52; }
+void MacroblockReader::read_qp_delta() {
+  const int offset = slice_.sps->qp_offset(), range = 52 + offset;
+  const int delta = bits_.se(-range / 2, range / 2 - 1, "mb_qp_delta");
+  qp_ = (qp_ + offset + delta + range) % range - offset;
+}
 
+template <class Coeff>
 void MacroblockReader::read_luma(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int quarters,
-                                 Mox16s** out) {
+                                 Coeff** out) {
   const CountBorder<4, 4> border(luma_counts(neighbours.left), luma_counts(neighbours.top));
   std::uint8_t* counts = info.luma_counts.data();
   int max = 16;
   if (mb.kind == MbKind::kIntra16x16) {
-    if (tables_.read_block(bits_, out, border.expected(counts, 0, 0), 16) > 0) mb.coded |= kCodedLumaDc;
+    if (tables_.read_block(bits_, out, border.expected(counts, 0, 0), 16) > 0) mb.coded |= kCodedDc;
     max = 15;
   }
   for (int i = 0; i < 16; ++i) {
@@ -177,19 +210,20 @@ void MacroblockReader::read_luma(Macroblock& mb, MbInfo& info, const Neighbours&
     const int count = tables_.read_block(bits_, out, border.expected(counts, raster % 4, raster / 4), max);
     counts[raster] = static_cast<std::uint8_t>(count);
     if (count == 0) continue;
-    mb.coded |= coded_luma(i);
+    mb.coded |= coded_block(i);
     info.coded_blocks = static_cast<std::uint16_t>(info.coded_blocks | 1 << raster);
   }
 }
 
 /// Each 8x8 block is coded as four blocks of 4x4 coefficients, which the neighbours see as 4x4 blocks.
+template <class Coeff>
 void MacroblockReader::read_luma_8x8(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int quarters,
-                                     Mox16s** out) {
+                                     Coeff** out) {
   const CountBorder<4, 4> border(luma_counts(neighbours.left), luma_counts(neighbours.top));
   std::uint8_t* counts = info.luma_counts.data();
   for (int i = 0; i < 4; ++i) {
     if (!(quarters >> i & 1)) continue;
-    std::fill_n(*out, 64, Mox16s{0});
+    std::fill_n(*out, 64, Coeff{0});
     int all = 0;
     for (int part = 0; part < 4; ++part) {
       const int raster = example::kBlockRaster[4 * i + part];
@@ -204,19 +238,21 @@ void MacroblockReader::read_luma_8x8(Macroblock& mb, MbInfo& info, const Neighbo
   }
 }
 
-void MacroblockReader::read_chroma(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int part, Mox16s** out) {
-  if (part == 0) return;
+/// `Rows` of 4x4 blocks in each plane.
+template <int Rows, class Coeff>
+void MacroblockReader::read_chroma(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, bool has_ac,
+                                   Coeff** out) {
   for (int plane = 0; plane < 2; ++plane) {
-    if (tables_.read_chroma_dc(bits_, out) > 0) mb.coded |= coded_chroma_dc(plane);
+    if (tables_.read_chroma_dc(bits_, out, Rows == 4) > 0) mb.coded_chroma[plane] |= kCodedDc;
   }
-  if (part == 1) return;
+  if (!has_ac) return;
   for (int plane = 0; plane < 2; ++plane) {
-    const CountBorder<2, 2> border(chroma_counts(neighbours.left, plane), chroma_counts(neighbours.top, plane));
+    const CountBorder<2, Rows> border(chroma_counts(neighbours.left, plane), chroma_counts(neighbours.top, plane));
     std::uint8_t* counts = info.chroma_counts[plane].data();
-    for (int i = 0; i < 4; ++i) {
+    for (int i = 0; i < 2 * Rows; ++i) {
       const int count = tables_.read_block(bits_, out, border.expected(counts, i % 2, i / 2), 15);
       counts[i] = static_cast<std::uint8_t>(count);
-      if (count > 0) mb.coded |= coded_chroma_ac(plane, i);
+      if (count > 0) mb.coded_chroma[plane] |= coded_block(i);
     }
   }
 }

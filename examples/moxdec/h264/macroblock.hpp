@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstdint>
+#include <type_traits>
 
 #include "common/h264_tables.hpp"
 #include "moxdec/h264/cavlc.hpp"
@@ -12,21 +13,26 @@
 
 namespace moxdec::h264 {
 
-/// Bits of `Macroblock::coded`, in the library's order: which blocks the coefficients hold.
-inline constexpr Mox32u kCodedLumaDc = 1;
-constexpr Mox32u coded_luma(int block) { return 2u << block; }  // in coding order
-constexpr Mox32u coded_chroma_dc(int plane) { return 1u << (17 + plane); }
-constexpr Mox32u coded_chroma_ac(int plane, int block) { return 1u << (19 + 4 * plane + block); }
+/// Bits of `Macroblock::coded` and `coded_chroma`: which blocks the coefficients hold. Blocks in coding order.
+inline constexpr Mox32u kCodedDc = 1;
+constexpr Mox32u coded_block(int block) { return 2u << block; }
 
 /// Bits of `Macroblock::denied`, in the library's order: neighbours that intra prediction may not use.
 inline constexpr Mox32u kDenyLeft = 1, kDenyTop = 4, kDenyTopLeft = 16, kDenyTopRight = 32;
 
 using example::Split;
 
+/// The coefficients that go with a type of samples.
+template <class Sample>
+using CoeffOf = std::conditional_t<sizeof(Sample) == 1, Mox16s, Mox32s>;
+
+/// Packed: blocks of 16 values (8x8: 64, 4:2:0 chroma DC: 4, 4:2:2 chroma DC: 8) in the order luma DC, luma, chroma DC,
+/// U, V.
+template <class Coeff>
+using Coefficients = std::array<Coeff, 16 + 16 * 16 + 2 * 8 + 2 * 8 * 16>;
+
 /// A macroblock as it came from the stream, ready to be rebuilt.
 struct Macroblock {
-  static constexpr int kRawBytes = 384;
-
   int x = 0;  // in macroblocks
   int y = 0;
   MbKind kind = MbKind::kIntra4x4;
@@ -38,11 +44,21 @@ struct Macroblock {
   Split split = Split::kNone;  // inter macroblocks; with kQuarters each quadrant is split on its own
   std::array<Split, 4> quarter_splits;
   bool transform_8x8 = false;
-  Mox32u coded = 0;
-  Mox32u coded_8x8 = 0;  // bits 0 to 3: luma blocks of the 8x8 transform
-  /// Packed: blocks of 16 values (8x8: 64, chroma DC: 4) in the order luma DC, luma, chroma DC, chroma AC.
-  alignas(64) std::array<Mox16s, 16 + 16 * 16 + 2 * 4 + 8 * 16> coefficients;
-  std::array<std::uint8_t, kRawBytes> raw;
+  Mox32u coded = 0;                                  // luma
+  Mox32u coded_8x8 = 0;                              // bits 0 to 3: luma blocks of the 8x8 transform
+  std::array<Mox32u, 2> coded_chroma = {0, 0};       // U, V
+  alignas(64) Coefficients<Mox16s> coefficients_16;  // of 8-bit samples
+  alignas(64) Coefficients<Mox32s> coefficients_32;  // of deeper ones
+  std::array<Mox16u, 16 * 16 * 2> raw;               // samples, plane by plane
+
+  template <class Coeff>
+  Coeff* coefficients() {
+    if constexpr (sizeof(Coeff) == 2) {
+      return coefficients_16.data();
+    } else {
+      return coefficients_32.data();
+    }
+  }
 };
 
 /// What inter prediction needs to know of a slice.
@@ -80,10 +96,16 @@ class MacroblockReader {
   void read_raw(Macroblock& mb, MbInfo& info);
   void read_intra_modes(Macroblock& mb, MbInfo& info, const Neighbours& neighbours);
   void read_qp_delta();
+  int read_pattern(bool inter);
   void read_residual(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int pattern);
-  void read_luma(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int quarters, Mox16s** out);
-  void read_luma_8x8(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int quarters, Mox16s** out);
-  void read_chroma(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int part, Mox16s** out);
+  template <class Coeff>
+  void read_blocks(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int pattern);
+  template <class Coeff>
+  void read_luma(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int quarters, Coeff** out);
+  template <class Coeff>
+  void read_luma_8x8(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int quarters, Coeff** out);
+  template <int Rows, class Coeff>
+  void read_chroma(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, bool has_ac, Coeff** out);
 
   void read_inter(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int type);
   static void clear_residual(Macroblock& mb, MbInfo& info);

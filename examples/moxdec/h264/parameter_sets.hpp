@@ -47,6 +47,12 @@ struct Sps {
 
   int max_frame_num() const { return 1 << log2_max_frame_num; }
   int macroblocks() const { return mb_width * mb_height; }
+  /// Samples take 16 bits, coefficients 32.
+  bool is_deep() const { return bit_depth_luma > 8; }
+  /// How far below 0 quantisers begin, of luma and of chroma.
+  int qp_offset() const { return 6 * (bit_depth_luma - 8); }
+  /// Rows of a macroblock's chroma, which has 8 columns; 0 if there is none.
+  int chroma_mb_height() const { return chroma_format_idc == 0 ? 0 : chroma_format_idc == 1 ? 8 : 16; }
   int width() const { return 16 * mb_width - crop.left - crop.right; }
   int height() const { return 16 * mb_height - crop.top - crop.bottom; }
 };

@@ -9,9 +9,12 @@ namespace moxdec::h264 {
 
 Slice::Slice(const SliceHeader& slice_header, std::shared_ptr<const LevelScales> level_scales)
     : header(slice_header), scales(std::move(level_scales)) {
+  const int lowest = -header.sps->qp_offset();
   for (int plane = 0; plane < 2; ++plane) {
-    for (int qp = 0; qp < 52; ++qp) {
-      chroma_qp[plane][qp] = example::kChromaQp[std::clamp(qp + header.pps->chroma_qp_offset[plane], 0, 51)];
+    for (int qp = lowest; qp < 52; ++qp) {
+      const int index = std::clamp(qp + header.pps->chroma_qp_offset[plane], lowest, 51);
+      chroma_qps_[plane][qp + kMaxQpOffset] =
+          static_cast<std::int8_t>(index < 0 ? index : example::kChromaQp[static_cast<std::size_t>(index)]);
     }
   }
 }

@@ -18,7 +18,7 @@ enum class MbKind : std::uint8_t { kIntra4x4, kIntra8x8, kIntra16x16, kRaw, kInt
 struct alignas(64) MbInfo {
   std::int32_t slice = -1;  // index into Picture::slices; -1 if the macroblock is still to come
   MbKind kind = MbKind::kIntra4x4;
-  std::uint8_t qp = 0;  // luma; 0 for raw samples, whatever the next macroblock's quantiser builds on
+  std::int8_t qp = 0;  // luma; 0 for raw samples, whatever the next macroblock's quantiser builds on
   /// Edges between inter partitions: bit e for the vertical inner edge e, bit 4 + e for the horizontal one, e 1 to 3.
   std::uint8_t motion_edges = 0;
   bool transform_8x8 = false;
@@ -38,7 +38,13 @@ struct Slice {
 
   SliceHeader header;
   std::shared_ptr<const LevelScales> scales;
-  std::array<std::array<std::uint8_t, 52>, 2> chroma_qp;  // of U and V by the luma quantiser
+
+  /// Quantiser of U (plane 1) or V (2) by that of luma.
+  int chroma_qp(int plane, int luma_qp) const { return chroma_qps_[plane - 1][luma_qp + kMaxQpOffset]; }
+
+ private:
+  static constexpr int kMaxQpOffset = 36;
+  std::array<std::array<std::int8_t, kMaxQpOffset + 52>, 2> chroma_qps_;
 };
 
 /// Neighbours that belong to the same slice; null for any other.

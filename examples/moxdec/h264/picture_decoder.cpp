@@ -14,6 +14,7 @@ void PictureDecoder::begin(const SliceHeader& first_slice) {
   fill_gap(first_slice);
   order_ = orders_.next(first_slice);
   StoredPicture& stored = references_.begin(first_slice, order_, pool_.take());
+  if (sps_->chroma_mb_height() == 0) stored.frame->fill_chroma(1 << (sps_->bit_depth_luma - 1));
   picture_.begin(stored.frame, stored.motion.data(), sps_->mb_width, sps_->mb_height);
   first_slice_ = first_slice;
   in_work_ = true;
@@ -25,7 +26,8 @@ void PictureDecoder::configure(const SliceHeader& slice) {
   // A block that leaves so small a picture at two sides is beyond what the library repeats samples for.
   expands_ = outside_ == OutsideSamples::kExpanded || sps_->mb_width == 1 || sps_->mb_height == 1;
   predictor_.set_outside(expands_ ? OutsideSamples::kExpanded : OutsideSamples::kOnDemand);
-  pool_.configure({sps_->width(), sps_->height(), Chroma::k420, 8},
+  const Chroma chroma = sps_->chroma_format_idc == 2 ? Chroma::k422 : Chroma::k420;
+  pool_.configure({sps_->width(), sps_->height(), chroma, sps_->bit_depth_luma},
                   {16 * sps_->mb_width, 16 * sps_->mb_height, sps_->crop.left, sps_->crop.top, expands_ ? kMargin : 0});
   references_.configure(sps_->max_ref_frames);
 }

@@ -1,21 +1,25 @@
 #include "moxdec/h264/reconstruct.hpp"
 
-#include <cstring>
+#include <algorithm>
+#include <utility>
 
 #include "moxdec/error.hpp"
+#include "moxdec/h264/lossless.hpp"
+#include "moxdec/h264/rebuilding.hpp"
 
 namespace moxdec::h264 {
 namespace {
 
-void copy_raw(Picture& picture, const Macroblock& mb) {
-  const std::uint8_t* raw = mb.raw.data();
-  for (int plane = 0; plane < 3; ++plane) {
-    const int size = plane == 0 ? 16 : 8;
-    auto* out = picture.samples<Mox8u>(plane, size * mb.x, size * mb.y);
-    for (int y = 0; y < size; ++y, raw += size, out += picture.frame->step(plane)) {
-      std::memcpy(out, raw, static_cast<std::size_t>(size));
+template <class Sample>
+void copy_raw(const Rebuilding<Sample>& work) {
+  const Mox16u* raw = work.mb.raw.data();
+  const auto copy = [&](Sample* out, Mox32s step, int width, int height) {
+    for (int y = 0; y < height; ++y, raw += width, out += step) {
+      std::transform(raw, raw + width, out, [](Mox16u sample) { return static_cast<Sample>(sample); });
     }
-  }
+  };
+  copy(work.luma, work.luma_step, 16, 16);
+  for (Sample* plane : work.chroma) copy(plane, work.chroma_step, 8, work.chroma_height);
 }
 
 /// Where an 8x8 mode uses a neighbour that is denied, the library takes 128 and does not tell.
@@ -41,114 +45,75 @@ bool uses_denied_neighbour(const Macroblock& mb) {
   return false;
 }
 
-/// What the library's functions take to rebuild a macroblock. Those without scales are the faster ones.
-struct Rebuilding {
-  Rebuilding(Picture& picture, const Slice& slice, Macroblock& macroblock)
-      : mb(macroblock),
-        scales(*slice.scales),
-        luma(picture.samples<Mox8u>(0, 16 * mb.x, 16 * mb.y)),
-        chroma{picture.samples<Mox8u>(1, 8 * mb.x, 8 * mb.y), picture.samples<Mox8u>(2, 8 * mb.x, 8 * mb.y)},
-        luma_step(picture.frame->step(0)),
-        chroma_step(picture.frame->step(1)),
-        chroma_qp{slice.chroma_qp[0][mb.qp], slice.chroma_qp[1][mb.qp]},
-        coefficients(mb.coefficients.data()) {}
-
-  bool plain_luma() const { return scales.is_flat_4x4(); }
-  bool plain_chroma() const { return scales.is_flat_4x4() && chroma_qp[0] == chroma_qp[1]; }
-  const Mox16s* luma_scales() const { return scales.of_4x4(is_inter(), 0, mb.qp); }
-  const Mox16s* chroma_scales(int plane) const { return scales.of_4x4(is_inter(), 1 + plane, chroma_qp[plane]); }
-  bool is_inter() const { return mb.kind == MbKind::kInter; }
-
-  MoxStatus intra_16x16();
-  MoxStatus intra_8x8();
-  MoxStatus intra_4x4();
-  MoxStatus intra_chroma();
-  MoxStatus inter_luma();
-  MoxStatus inter_chroma();
-
-  Macroblock& mb;
-  const LevelScales& scales;
-  Mox8u* luma;
-  Mox8u* chroma[2];
-  Mox32s luma_step, chroma_step;
-  int chroma_qp[2];
-  Mox16s* coefficients;
-};
-
-MoxStatus Rebuilding::intra_16x16() {
-  if (plain_luma()) {
-    return moxiReconstructLumaIntra16x16MB_H264_16s8u_C1R(&coefficients, luma, luma_step, mb.intra_16x16_mode, mb.coded,
-                                                          mb.qp, mb.denied);
-  }
-  return moxiReconstructLumaIntra_16x16MB_H264_16s8u_C1R(&coefficients, luma, luma_step, mb.intra_16x16_mode, mb.coded,
-                                                         mb.qp, mb.denied, luma_scales(), 0);
+template <class Work>
+MoxStatus rebuild_16x16(Work& work) {
+  Macroblock& mb = work.mb;
+  const SumDirection sums = luma_sums(mb.intra_16x16_mode);
+  if (!work.lossless || sums == SumDirection::kNone) return work.intra_16x16();
+  const Mox32u coded = std::exchange(mb.coded, 0);
+  const MoxStatus status = work.intra_16x16();
+  if (status != moxStsOk) return status;
+  const auto* dc = work.coefficients;
+  work.coefficients += coded & kCodedDc ? 16 : 0;
+  const PredictedPlane<typename Work::Sample> plane = {work.luma, work.luma_step, 4, 4, (1 << work.bit_depth) - 1};
+  work.coefficients = add_sums(plane, sums, coded, dc, work.coefficients);
+  return moxStsOk;
 }
 
-MoxStatus Rebuilding::intra_8x8() {
-  if (uses_denied_neighbour(mb)) return moxStsEdgeUnavailable;
-  return moxiReconstructLumaIntra8x8MB_H264_16s8u_C1R(&coefficients, luma, luma_step, mb.intra_modes.data(),
-                                                      mb.coded_8x8, mb.qp, mb.denied, scales.of_8x8(false, mb.qp), 0);
+template <class Work>
+MoxStatus rebuild_intra_luma(Work& work) {
+  Macroblock& mb = work.mb;
+  if (mb.kind == MbKind::kIntra16x16) return rebuild_16x16(work);
+  if (work.lossless) sum_blocks(mb, work.coefficients);
+  if (mb.kind == MbKind::kIntra4x4) return work.intra_4x4();
+  return uses_denied_neighbour(mb) ? moxStsEdgeUnavailable : work.intra_8x8();
 }
 
-MoxStatus Rebuilding::intra_4x4() {
-  if (plain_luma()) {
-    return moxiReconstructLumaIntraMB_H264_16s8u_C1R(&coefficients, luma, luma_step, mb.intra_modes.data(), mb.coded,
-                                                     mb.qp, mb.denied);
+template <class Work>
+MoxStatus rebuild_intra_chroma(Work& work) {
+  Macroblock& mb = work.mb;
+  const SumDirection sums = chroma_sums(mb.chroma_mode);
+  if (!work.lossless || sums == SumDirection::kNone) return work.intra_chroma();
+  const auto coded = std::exchange(mb.coded_chroma, {});
+  const MoxStatus status = work.intra_chroma();
+  if (status != moxStsOk) return status;
+  const int dc_values = work.chroma_height / 2;
+  const auto *u_dc = work.coefficients, *v_dc = u_dc + (coded[0] & kCodedDc ? dc_values : 0);
+  work.coefficients += (v_dc - u_dc) + (coded[1] & kCodedDc ? dc_values : 0);
+  for (int i = 0; i < 2; ++i) {
+    const PredictedPlane<typename Work::Sample> plane = {work.chroma[i], work.chroma_step, 2, work.chroma_height / 4,
+                                                         (1 << work.bit_depth) - 1};
+    work.coefficients = add_sums(plane, sums, coded[i], i == 0 ? u_dc : v_dc, work.coefficients);
   }
-  return moxiReconstructLumaIntra4x4MB_H264_16s8u_C1R(&coefficients, luma, luma_step, mb.intra_modes.data(), mb.coded,
-                                                      mb.qp, mb.denied, luma_scales(), 0);
+  return moxStsOk;
 }
 
-MoxStatus Rebuilding::intra_chroma() {
-  if (plain_chroma()) {
-    return moxiReconstructChromaIntraMB_H264_16s8u_P2R(&coefficients, chroma[0], chroma[1], chroma_step, mb.chroma_mode,
-                                                       mb.coded, chroma_qp[0], mb.denied);
-  }
-  return moxiReconstructChromaIntra4x4MB_H264_16s8u_P2R(&coefficients, chroma[0], chroma[1], chroma_step,
-                                                        mb.chroma_mode, mb.coded, chroma_qp[0], chroma_qp[1], mb.denied,
-                                                        chroma_scales(0), chroma_scales(1), 0);
+template <class Work>
+void rebuild_intra(Work work) {
+  if (work.mb.kind == MbKind::kRaw) return copy_raw(work);
+  MoxStatus status = rebuild_intra_luma(work);
+  if (status == moxStsOk && work.chroma_height != 0) status = rebuild_intra_chroma(work);
+  require(status == moxStsOk, "intra prediction from a neighbour that is not there");
 }
 
-MoxStatus Rebuilding::inter_luma() {
-  if (mb.transform_8x8) {
-    return moxiReconstructLumaInter8x8MB_H264_16s8u_C1R(&coefficients, luma, luma_step, mb.coded_8x8, mb.qp,
-                                                        scales.of_8x8(true, mb.qp), 0);
-  }
-  if (plain_luma()) {
-    return moxiReconstructLumaInterMB_H264_16s8u_C1R(&coefficients, luma, luma_step, mb.coded, mb.qp);
-  }
-  return moxiReconstructLumaInter4x4MB_H264_16s8u_C1R(&coefficients, luma, luma_step, mb.coded, mb.qp, luma_scales(),
-                                                      0);
-}
-
-MoxStatus Rebuilding::inter_chroma() {
-  if (plain_chroma()) {
-    return moxiReconstructChromaInterMB_H264_16s8u_P2R(&coefficients, chroma[0], chroma[1], chroma_step, mb.coded,
-                                                       chroma_qp[0]);
-  }
-  return moxiReconstructChromaInter4x4MB_H264_16s8u_P2R(&coefficients, chroma[0], chroma[1], chroma_step, mb.coded,
-                                                        chroma_qp[0], chroma_qp[1], chroma_scales(0), chroma_scales(1),
-                                                        0);
+template <class Work>
+void rebuild_inter(Work work) {
+  MoxStatus status = work.inter_luma();
+  if (status == moxStsOk && work.chroma_height != 0) status = work.inter_chroma();
+  require(status == moxStsOk, "the residual cannot be rebuilt");
 }
 
 }  // namespace
 
 void reconstruct_intra(Picture& picture, const Slice& slice, Macroblock& mb) {
-  if (mb.kind == MbKind::kRaw) return copy_raw(picture, mb);
-  Rebuilding work(picture, slice, mb);
-  MoxStatus status = mb.kind == MbKind::kIntra16x16 ? work.intra_16x16()
-                     : mb.kind == MbKind::kIntra8x8 ? work.intra_8x8()
-                                                    : work.intra_4x4();
-  if (status == moxStsOk) status = work.intra_chroma();
-  require(status == moxStsOk, "intra prediction from a neighbour that is not there");
+  if (slice.header.sps->is_deep()) return rebuild_intra(Rebuilding16(picture, slice, mb));
+  rebuild_intra(Rebuilding8(picture, slice, mb));
 }
 
 void reconstruct_inter(Picture& picture, const Slice& slice, Macroblock& mb) {
-  if (mb.coded == 0 && mb.coded_8x8 == 0) return;
-  Rebuilding work(picture, slice, mb);
-  MoxStatus status = work.inter_luma();
-  if (status == moxStsOk) status = work.inter_chroma();
-  require(status == moxStsOk, "the residual cannot be rebuilt");
+  if ((mb.coded | mb.coded_8x8 | mb.coded_chroma[0] | mb.coded_chroma[1]) == 0) return;
+  if (slice.header.sps->is_deep()) return rebuild_inter(Rebuilding16(picture, slice, mb));
+  rebuild_inter(Rebuilding8(picture, slice, mb));
 }
 
 }  // namespace moxdec::h264

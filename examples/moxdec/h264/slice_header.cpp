@@ -14,9 +14,10 @@ namespace {
 
 void expect_supported(const Sps& sps, const Pps& pps) {
   if (pps.cabac) unsupported("CABAC");
-  if (sps.chroma_format_idc != 1) unsupported("chroma format " + std::to_string(sps.chroma_format_idc));
-  if (sps.bit_depth_luma != 8 || sps.bit_depth_chroma != 8) unsupported("a bit depth above 8");
-  if (sps.transform_bypass) unsupported("lossless coding");
+  if (sps.chroma_format_idc == 3) unsupported("4:4:4 chroma");
+  if (sps.bit_depth_luma != sps.bit_depth_chroma && sps.chroma_format_idc != 0) {
+    unsupported("a bit depth of chroma other than luma's");
+  }
   if (pps.slice_groups > 1) unsupported("slice groups", "are");
 }
 
@@ -82,13 +83,14 @@ void parse_weights(BitReader& bits, SliceHeader& slice) {
   if (!slice.explicit_weights) return;
   auto& log2 = slice.weights.log2_denominator;
   log2[0] = bits.ue(7, "luma_log2_weight_denom");
-  log2[1] = log2[2] = bits.ue(7, "chroma_log2_weight_denom");
+  const bool has_chroma = slice.sps->chroma_format_idc != 0;
+  log2[1] = log2[2] = has_chroma ? bits.ue(7, "chroma_log2_weight_denom") : 0;
   for (int list = 0; list < list_count(slice.type); ++list) {
     for (int i = 0; i < slice.ref_count[list]; ++i) {
       auto& planes = slice.weights.weights[list][i];
       for (int plane = 0; plane < 3; ++plane) planes[plane] = {static_cast<std::int16_t>(1 << log2[plane]), 0};
       if (bits.flag()) parse_weight(bits, planes[0]);
-      if (bits.flag()) parse_weight(bits, planes[1]), parse_weight(bits, planes[2]);
+      if (has_chroma && bits.flag()) parse_weight(bits, planes[1]), parse_weight(bits, planes[2]);
     }
   }
 }
@@ -155,7 +157,7 @@ SliceHeader parse_slice_header(BitReader& bits, const Nal& nal, const ParameterS
   parse_weights(bits, slice);
   if (slice.nal_ref_idc != 0) parse_reference_marking(bits, slice);
   slice.qp = slice.pps->init_qp + bits.se(-87, 77, "slice_qp_delta");
-  require(slice.qp >= 0 && slice.qp <= 51, "slice_qp_delta is out of range");
+  require(slice.qp >= -slice.sps->qp_offset() && slice.qp <= 51, "slice_qp_delta is out of range");
   if (slice.pps->deblocking_control) parse_deblocking(bits, slice);
   bits.expect_inside();
   return slice;
