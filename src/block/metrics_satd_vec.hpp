@@ -77,10 +77,7 @@ MOX_INLINE auto load_first(const Mox8u* p, [[maybe_unused]] std::ptrdiff_t step,
   if constexpr (W == 8 && kBytes == 16) return simd::table8x2<simd::u8, B>(p, gap * step);
   if constexpr (W == 8 && kBytes == 8) return simd::u8<1>{simd::raw8_twice(p)};
   if constexpr (W == 4 && kBytes == 16) return simd::table4x4<simd::u8, B>(p, gap * step, 2 * step);
-  if constexpr (W == 4 && kBytes == 8) {
-    const auto rows = simd::load_rows<4, 2>(p, gap * step);
-    return lo64(rows, rows);
-  }
+  if constexpr (W == 4 && kBytes == 8) return simd::load4x2_twice(p, gap * step);
 }
 
 /// Sums in [-510, 510], differences too.
@@ -124,14 +121,13 @@ MOX_INLINE auto satd_of_rows(const Mox8u* src, std::ptrdiff_t srcStep, const Mox
   const auto row = [=](int y) {
     return first_step<W, S::kBytes>(src + y * srcStep, srcStep, ref + y * refStep, refStep, S::kGap);
   };
-  const auto r0 = row(0), r1 = row(1);
-  const auto a = r0 + r1, b = r0 - r1;  // [-1020, 1020]
   if constexpr (S::kHalves) {
-    const auto both = across_halves(a.v[0], b.v[0]);  // [-2040, 2040]
+    const auto r0 = row(0), r1 = row(1);
+    const auto both = across_halves((r0 + r1).v[0], (r0 - r1).v[0]);  // [-2040, 2040]
     return fold_words(both.sum, both.difference);
   } else {
-    const auto r2 = row(2), r3 = row(3);
-    const auto c = r2 + r3, d = r2 - r3;
+    const auto r0 = row(0), r1 = row(1), r2 = row(2), r3 = row(3);
+    const auto a = r0 + r1, b = r0 - r1, c = r2 + r3, d = r2 - r3;  // [-1020, 1020]
     const auto fold = [](auto x, auto y) { return fold_words(x, y); };
     const auto sums = combine(a + c, a - c, fold) + combine(b + d, b - d, fold);  // [-2040, 2040] before the folding
     if constexpr (decltype(sums)::kVectors == 2) {

@@ -325,6 +325,16 @@ MOX_INLINE V<B> table8x2(const void* p, std::ptrdiff_t gap) {
   if constexpr (B == 1) return load8x2<V, B>(p, gap, strips<B>(0));
   MOX_WIDE(else return {_mm256_blend_epi32(all8(p), all8(static_cast<const Mox8u*>(p) + gap), 0xCC)};)
 }
+/// Two rows of 4 bytes, `gap` bytes apart, in both halves of the block.
+MOX_INLINE u8<1> load4x2_twice(const void* p, std::ptrdiff_t gap) {
+  const void* const lower = static_cast<const Mox8u*>(p) + gap;
+#if defined(__AVX2__)
+  return {_mm_blend_epi32(_mm256_castsi256_si128(all4(p)), _mm256_castsi256_si128(all4(lower)), 0xA)};
+#else
+  const __m128i rows = _mm_unpacklo_epi32(raw4(p), raw4(lower));
+  return {_mm_unpacklo_epi64(rows, rows)};
+#endif
+}
 /// The same four rows of 4 bytes in every block, the second and the fourth `gap` bytes after the one before, the third
 /// `middle` bytes after the first.
 template <template <int> class V, int B>
