@@ -41,7 +41,7 @@ MoxStatus copy_half_pel(const Mox8u* src, Mox32s srcStep, Mox8u* dst, Mox32s dst
 template <int W, int H, HalfPel P, int kRc>
 MoxStatus average_half_pel(const Mox8u* src, Mox32s srcStep, Mox8u* srcDst, Mox32s srcDstStep) {
   RowSampler<W, P, kRc> sample(src, srcStep);
-  for (int y = 0; y < H; ++y, srcDst += srcDstStep) store_bytes<W>(avg(load_bytes<W>(srcDst), sample()), srcDst);
+  for (int y = 0; y < H; ++y, srcDst += srcDstStep) store_bytes<W>(avg(sample(), load_bytes<W>(srcDst)), srcDst);
   return moxStsOk;
 }
 

@@ -6,12 +6,6 @@
 
 namespace mox::vec {
 
-template <class V>
-struct Butterfly {
-  V sum, difference;
-  MOX_INLINE Butterfly(V a, V b) : sum(a + b), difference(a - b) {}
-};
-
 /// All steps between N vectors, in place.
 template <class V, int N>
 MOX_INLINE void across_vectors(V (&v)[N]) {
@@ -24,18 +18,13 @@ MOX_INLINE void across_vectors(V (&v)[N]) {
   }
 }
 template <int B>
-MOX_INLINE Butterfly<simd::s16<B>> across_halves(simd::s16<B> a, simd::s16<B> b) {
-  return {lo64(a, b), hi64(a, b)};
-}
-template <int B>
 MOX_INLINE Butterfly<simd::s32<B>> across_doublewords(simd::s32<B> a, simd::s32<B> b) {
   return {even32(a, b), odd32(a, b)};
 }
 /// The last two steps, across doublewords and words: up to [-8160, 8160] between them, each result at most 8160.
 template <int B>
 MOX_INLINE simd::s16<B> fold(simd::s16<B> a, simd::s16<B> b) {
-  const auto x = as<simd::s32>(a), y = as<simd::s32>(b);
-  const Butterfly<simd::s16<B>> pair(as<simd::s16>(even32(x, y)), as<simd::s16>(odd32(x, y)));
+  const auto pair = across_doublewords(a, b);
   return fold_words(pair.sum, pair.difference);
 }
 
@@ -44,7 +33,7 @@ MOX_INLINE Mox32s sa8d_sum(const Mox8u* src, Mox32s srcStep, const Mox8u* ref, M
   constexpr int B = simd::kBlocks, kRows = 8 / B;
   const std::ptrdiff_t s = srcStep, r = refStep;
   simd::s16<B> v[kRows];
-  for (int y = 0; y < kRows; ++y) v[y] = first_step<8, 8 * B>(src + y * s, s, ref + y * r, r).v[0];
+  for (int y = 0; y < kRows; ++y) v[y] = first_step<8, 8 * B>(src + y * s, s, ref + y * r, r, 4).v[0];
   across_vectors(v);
   auto sum = simd::zero<simd::s16, B>();  // at most 4 * 8160 = 32640
   for (int y = 0; y < kRows; y += 2) {
@@ -71,8 +60,9 @@ MOX_INLINE simd::s32<B> sa8d_of_rows(simd::s32<B> (&v)[8]) {
   return sum;
 }
 
-/// 16-bit, in doublewords: with one block sums and differences of neighbours are two passes.
-MOX_INLINE Mox32s sa8d_sum(const Mox16u* src, Mox32s srcStep, const Mox16u* ref, Mox32s refStep) {
+/// 16-bit, exact for all differences, in doublewords: with one block sums and differences of neighbours are two passes.
+[[gnu::noinline]] inline MoxStatus sa8d_of_any(const Mox16u* src, Mox32s srcStep, const Mox16u* ref, Mox32s refStep,
+                                               Mox32s* result) {
   constexpr int B = simd::kBlocks, kPasses = 2 / B;
   const __m128i signs[] = {simd::splat<simd::s32, 1>(0x00010001).r, simd::splat<simd::s32, 1>(-0xFFFF).r};  // 1 1, 1 -1
   simd::s32<B> v[kPasses][8];
@@ -82,12 +72,53 @@ MOX_INLINE Mox32s sa8d_sum(const Mox16u* src, Mox32s srcStep, const Mox16u* ref,
   }
   auto sum = sa8d_of_rows(v[0]);
   for (int i = 1; i < kPasses; ++i) sum = sum + sa8d_of_rows(v[i]);
-  return 2 * total(sum);
+  *result = 2 * total(sum);
+  return moxStsOk;
 }
 
-template <class T>
-MoxStatus sa8d_block(const T* src, Mox32s srcStep, const T* ref, Mox32s refStep, Mox32s* result) {
+/// Rows four apart in the blocks of a vector.
+template <int B>
+MOX_INLINE void across_blocks([[maybe_unused]] simd::s16<B> (&v)[8 / B]) {
+  if constexpr (B == 2) {
+    for (int i = 0; i < 4; i += 2) {
+      const Butterfly<simd::s16<B>> b(first_blocks(v[i], v[i + 1]), second_blocks(v[i], v[i + 1]));
+      v[i] = b.sum, v[i + 1] = b.difference;
+    }
+  }
+}
+
+inline MoxStatus sa8d_block(const Mox8u* src, Mox32s srcStep, const Mox8u* ref, Mox32s refStep, Mox32s* result) {
   *result = sa8d_sum(src, srcStep, ref, refStep);
+  return moxStsOk;
+}
+
+/// Words are enough for differences of -kLimit to kLimit: 32 * kLimit = 32736 before the last step, which is folded.
+/// Samples of 10 bits have no others, deeper ones seldom.
+inline MoxStatus sa8d_block(const Mox16u* src, Mox32s srcStep, const Mox16u* ref, Mox32s refStep, Mox32s* result) {
+  constexpr int B = simd::kBlocks, kRows = 8 / B, kLimit = 1023;
+  simd::s16<B> v[kRows];
+  auto largest = simd::zero<simd::u16, B>();
+  for (int y = 0; y < kRows; ++y) {
+    __m128i d[B];
+    for (int i = 0; i < B; ++i) {
+      d[i] = (simd::load_row<simd::s16, 1>(step_bytes(src, std::ptrdiff_t{y + i * kRows} * srcStep)) -
+              simd::load_row<simd::s16, 1>(step_bytes(ref, std::ptrdiff_t{y + i * kRows} * refStep)))
+                 .r;
+    }
+    v[y] = {simd::join<B>(d)};
+    largest = max(largest, as<simd::u16>(v[y] + simd::splat<simd::s16, B>(kLimit)));
+  }
+  if (!is_zero(subs(largest, simd::splat<simd::u16, B>(2 * kLimit)))) {
+    return sa8d_of_any(src, srcStep, ref, refStep, result);
+  }
+  across_vectors(v);
+  across_blocks<B>(v);
+  auto sum = simd::zero<simd::s32, B>();
+  for (int y = 0; y < kRows; y += 2) {
+    const auto rows = across_halves(v[y], v[y + 1]);
+    sum = sum + madd(fold(rows.sum, rows.difference), simd::splat<simd::s16, B>(2));
+  }
+  *result = total(sum);
   return moxStsOk;
 }
 

@@ -16,8 +16,10 @@ inline constexpr int kSadBlocks = W == 16 ? simd::kBlocks : 1;
 
 template <int W, int H, HalfPel P, class T>
 MoxStatus sad_block(const T* src, Mox32s srcStep, const T* ref, Mox32s refStep, Mox32s* result) {
-  if constexpr (sizeof(T) == 2) {
-    *result = total(sad_of_words<W, H, P>(src, srcStep, ref, refStep));
+  if constexpr (sizeof(T) == 2 && W * H > 32 * simd::kBlocks) {
+    return sad_of_words<W, H, P>(src, srcStep, ref, refStep, result);
+  } else if constexpr (sizeof(T) == 2) {
+    return sad_of_any_words<W, H, P>(src, srcStep, ref, refStep, result);
   } else {
     using R = Rows<W, kSadBlocks<W>>;
     R s(src, srcStep, H), r(ref, refStep, H);
@@ -25,8 +27,8 @@ MoxStatus sad_block(const T* src, Mox32s srcStep, const T* ref, Mox32s refStep, 
     auto sum = simd::zero<simd::s32, R::B>();
     for (int i = 0; i < H / R::kRows; ++i, s.down()) sum = sum + sad(s.at(0), sample(r));
     *result = total_of_sad(sum);
+    return moxStsOk;
   }
-  return moxStsOk;
 }
 
 /// Rows of 16 bytes in which two channels alternate: `at` counts samples of a channel.

@@ -18,7 +18,7 @@ MoxStatus satd(const Mox8u* pSrc, Mox32s srcStep, const Mox8u* pRef, Mox32s refS
 template <class T>
 MoxStatus sa8d(const T* pSrc, Mox32s srcStep, const T* pRef, Mox32s refStep, Mox32s* pSATD) {
   if (any_null(pSrc, pRef, pSATD)) return moxStsNullPointer;
-  return active::sa8d_block<T>(pSrc, srcStep, pRef, refStep, pSATD);
+  return active::sa8d_block(pSrc, srcStep, pRef, refStep, pSATD);
 }
 
 }  // namespace

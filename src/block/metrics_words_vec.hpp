@@ -71,17 +71,54 @@ MOX_INLINE simd::s32<B> magnitudes(simd::u16<B> a, simd::u16<B> b) {
   return madd(d, signed_by(simd::splat<simd::s16, B>(1), d));
 }
 
-/// The SAD in four doublewords a block.
-template <int W, int H, HalfPel P>
-MOX_INLINE auto sad_of_words(const Mox16u* src, Mox32s srcStep, const Mox16u* ref, Mox32s refStep) {
-  using R = WordRows<W, W == 4 ? 1 : simd::kBlocks>;
-  auto sum = simd::zero<simd::s32, R::B>();
+/// Calls add(i, source, prediction) for all vectors of a block; i is the pass of two that B = 1 makes of 16 columns.
+template <class R, HalfPel P, int H, class Add>
+MOX_INLINE void each_difference(const Mox16u* src, Mox32s srcStep, const Mox16u* ref, Mox32s refStep, Add add) {
   for (int pass = 0; pass < R::kPasses; ++pass) {
     R s(src + 8 * pass, srcStep, H), r(ref + 8 * pass, refStep, H);
     SaturatingSampler<R, P> sample(r);
-    for (int i = 0; i < H / R::kRows; ++i, s.down()) sum = sum + magnitudes(s.at(0), sample(r));
+    for (int i = 0; i < H / R::kRows; ++i, s.down()) add(pass, s.at(0), sample(r));
   }
-  return sum;
+}
+
+/// The SAD, exact for all differences.
+template <int W, int H, HalfPel P>
+MOX_INLINE MoxStatus sad_of_any_words(const Mox16u* src, Mox32s srcStep, const Mox16u* ref, Mox32s refStep,
+                                      Mox32s* result) {
+  using R = WordRows<W, W == 4 ? 1 : simd::kBlocks>;
+  auto sum = simd::zero<simd::s32, R::B>();
+  each_difference<R, P, H>(src, srcStep, ref, refStep, [&](int, auto a, auto b) { sum = sum + magnitudes(a, b); });
+  *result = total(sum);
+  return moxStsOk;
+}
+template <int W, int H, HalfPel P>
+[[gnu::noinline]] MoxStatus sad_of_far_words(const Mox16u* src, Mox32s srcStep, const Mox16u* ref, Mox32s refStep,
+                                             Mox32s* result) {
+  return sad_of_any_words<W, H, P>(src, srcStep, ref, refStep, result);
+}
+
+/// The SAD by saturating sums of words, exact if none has reached 32768: that takes a mean difference of more than 2047
+/// in a column of 16. Deeper samples that are so far apart are summed again. Pays for many vectors.
+template <int W, int H, HalfPel P>
+MOX_INLINE MoxStatus sad_of_words(const Mox16u* src, Mox32s srcStep, const Mox16u* ref, Mox32s refStep,
+                                  Mox32s* result) {
+  using R = WordRows<W, simd::kBlocks>;
+  constexpr int B = R::B;
+  simd::u16<B> sums[R::kPasses];
+  for (auto& sum : sums) sum = simd::zero<simd::u16, B>();
+  each_difference<R, P, H>(src, srcStep, ref, refStep, [&](int i, auto a, auto b) {
+    sums[i] = adds(sums[i], as<simd::u16>(abs(as<simd::s16>(a - b))));
+  });
+  auto all = sums[0];
+  auto sum = madd(as<simd::s16>(sums[0]), simd::splat<simd::s16, B>(1));
+  for (int i = 1; i < R::kPasses; ++i) {
+    all = all | sums[i], sum = sum + madd(as<simd::s16>(sums[i]), simd::splat<simd::s16, B>(1));
+  }
+  if (!is_zero(all & simd::splat<simd::u16, B>(0x8000))) {
+    return sad_of_far_words<W, H, P>(src, srcStep, ref, refStep, result);
+  }
+  *result = total(sum);
+  return moxStsOk;
 }
 
 /// H rows of 16 samples: sums of columns 0 to 3, 4 to 7, 8 to 11, 12 to 15.

@@ -227,6 +227,13 @@ MOX_WIDE(template <int I> MOX_INLINE __m128i block(__m256i v) {
   else
     return _mm256_extracti128_si256(v, 1);
 })
+/// The first blocks of a and of b, or the second ones.
+MOX_WIDE(template <template <int> class V> MOX_INLINE V<2> first_blocks(V<2> a, V<2> b) {
+  return {_mm256_permute2x128_si256(a.r, b.r, 0x20)};
+})
+MOX_WIDE(template <template <int> class V> MOX_INLINE V<2> second_blocks(V<2> a, V<2> b) {
+  return {_mm256_permute2x128_si256(a.r, b.r, 0x31)};
+})
 /// Block I as a vector of one block.
 template <int I, template <int> class V, int B>
 MOX_INLINE V<1> part(V<B> v) {
@@ -259,6 +266,25 @@ MOX_INLINE __m128i raw2(const void* p) {
   std::memcpy(&v, p, 2);
   return _mm_cvtsi32_si128(v);
 }
+/// 8 bytes twice.
+MOX_INLINE __m128i raw8_twice(const void* p) {
+  double v;  // loaded and repeated in one instruction
+  std::memcpy(&v, p, 8);
+  return _mm_castpd_si128(_mm_set1_pd(v));
+}
+/// 4 or 8 bytes, repeated all over.
+MOX_WIDE(MOX_INLINE __m256i all4(const void* p) {
+  int v;
+  std::memcpy(&v, p, 4);
+  return _mm256_set1_epi32(v);
+})
+MOX_WIDE(MOX_INLINE __m256i all8(const void* p) {
+  long long v;
+  std::memcpy(&v, p, 8);
+  __m256i all = _mm256_set1_epi64x(v);
+  __asm__("" : "+x"(all));  // stays the load it is; merged with a blend it would become two dearer shuffles
+  return all;
+})
 template <template <int> class V, int B, class Load>
 MOX_INLINE V<B> gather(const void* p, const Strips<B>& s, Load load) {
   __m128i blocks[B];
@@ -292,6 +318,36 @@ MOX_INLINE V<B> load4x4(const void* p, std::ptrdiff_t step, const Strips<B>& s) 
 template <template <int> class V, int B>
 MOX_INLINE V<B> table(const void* p) {
   return load16<V, B>(p, strips<B>(0));
+}
+/// The same two rows of 8 bytes, `gap` bytes apart, in every block.
+template <template <int> class V, int B>
+MOX_INLINE V<B> table8x2(const void* p, std::ptrdiff_t gap) {
+  if constexpr (B == 1) return load8x2<V, B>(p, gap, strips<B>(0));
+  MOX_WIDE(else return {_mm256_blend_epi32(all8(p), all8(static_cast<const Mox8u*>(p) + gap), 0xCC)};)
+}
+/// Two rows of 4 bytes, `gap` bytes apart, in both halves of the block.
+MOX_INLINE u8<1> load4x2_twice(const void* p, std::ptrdiff_t gap) {
+  const void* const lower = static_cast<const Mox8u*>(p) + gap;
+#if defined(__AVX2__)
+  return {_mm_blend_epi32(_mm256_castsi256_si128(all4(p)), _mm256_castsi256_si128(all4(lower)), 0xA)};
+#else
+  const __m128i rows = _mm_unpacklo_epi32(raw4(p), raw4(lower));
+  return {_mm_unpacklo_epi64(rows, rows)};
+#endif
+}
+/// The same four rows of 4 bytes in every block, the second and the fourth `gap` bytes after the one before, the third
+/// `middle` bytes after the first.
+template <template <int> class V, int B>
+MOX_INLINE V<B> table4x4(const void* p, std::ptrdiff_t gap, std::ptrdiff_t middle) {
+  const Mox8u *const upper = static_cast<const Mox8u*>(p), *const lower = upper + middle;
+  if constexpr (B == 1) {
+    return {_mm_unpacklo_epi64(_mm_unpacklo_epi32(raw4(upper), raw4(upper + gap)),
+                               _mm_unpacklo_epi32(raw4(lower), raw4(lower + gap)))};
+  }
+  MOX_WIDE(else {
+    return {_mm256_blend_epi32(_mm256_blend_epi32(all4(upper), all4(upper + gap), 0xAA),
+                               _mm256_blend_epi32(all4(lower), all4(lower + gap), 0xAA), 0xCC)};
+  })
 }
 /// 8 bytes a block as words.
 template <int B>
@@ -418,6 +474,9 @@ MOX_INLINE Smallest smallest(u16<1> v) {
   const int both = _mm_cvtsi128_si32(_mm_minpos_epu16(v.r));
   return {both & 0xFFFF, both >> 16};
 }
+/// True if no bit is set.
+MOX_INLINE bool is_zero(u16<1> v) { return _mm_testz_si128(v.r, v.r); }
+MOX_WIDE(MOX_INLINE bool is_zero(u16<2> v) { return _mm256_testz_si256(v.r, v.r); })
 /// Doubleword I.
 template <int I>
 MOX_INLINE Mox32s element(s32<1> v) {

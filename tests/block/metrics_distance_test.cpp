@@ -226,9 +226,10 @@ TEST_P(Metrics, FlatBlocks) {
     std::int64_t difference;  ///< what each sample counts
   };
   const Case cases8[] = {{255, 0, 0, 255}, {0, 255, 12, 255}, {7, 7, 8, 0}, {254, 255, 4, 1}};
-  const Case cases16[] = {{65535, 65535, 0, 0}, {1023, 0, 12, 1023},  {40000, 0, 0, 25536},  {32768, 0, 0, 32768},
-                          {0, 40000, 4, 32767}, {0, 65535, 8, 32767}, {0, 20000, 12, 16383}, {0, 65535, 12, 16383},
-                          {32767, 32767, 8, 0}, {16383, 16383, 12, 0}};
+  const Case cases16[] = {{65535, 65535, 0, 0}, {1023, 0, 12, 1023},   {40000, 0, 0, 25536},  {32768, 0, 0, 32768},
+                          {0, 40000, 4, 32767}, {0, 65535, 8, 32767},  {0, 20000, 12, 16383}, {0, 65535, 12, 16383},
+                          {32767, 32767, 8, 0}, {16383, 16383, 12, 0}, {1023, 0, 0, 1023},    {0, 1023, 0, 1023},
+                          {1024, 0, 0, 1024},   {0, 1024, 0, 1024},    {2047, 0, 0, 2047},    {0, 2048, 0, 2048}};
   each([&]<class T>(const Entry<T>& entry) {
     const Form& form = entry.form;
     const auto check = [&](const Case& c) {
@@ -254,7 +255,7 @@ TEST_P(Metrics, FlatBlocks) {
   });
 }
 
-/// A single difference of 1 is seen by every coefficient of its transform, at any place; a checkerboard by one.
+/// A single difference is seen by every coefficient of its transform, at any place; a checkerboard by one.
 TEST_P(Metrics, HadamardOfImpulseAndCheckerboard) {
   each([&]<class T>(const Entry<T>& entry) {
     const Form& form = entry.form;
@@ -266,8 +267,10 @@ TEST_P(Metrics, HadamardOfImpulseAndCheckerboard) {
     flat.fill(Pattern::kLow, random, 0, 0);
     const Block<T> other = flat.twin();
     for (int i = 0; i < form.width * form.height; ++i) {
-      other.set(i % form.width, i / form.width, 1);
-      EXPECT_EQ(entry(other, {flat}, mcTypes), Results{large ? 64 : 16}) << entry.name << " at " << i;
+      for (int difference : {1, sizeof(T) == 1 ? 255 : 32767}) {
+        other.set(i % form.width, i / form.width, difference);
+        EXPECT_EQ(entry(other, {flat}, mcTypes), Results{(large ? 64 : 16) * difference}) << entry.name << " at " << i;
+      }
       other.set(i % form.width, i / form.width, 0);
     }
     for (int i = 0; i < form.width * form.height; ++i) {
