@@ -126,7 +126,7 @@ TEST_P(ForwardQuant, Limited) {
   limited(is, [=](auto, auto x, auto, int qp, auto count, int intra, int, auto places, auto last, auto) {
     return residual(x, qp, count, intra, places, last);
   });
-  is.dc = true, is.has_intra = false, is.transform = with(oracle::luma_dc, Rule::kWrap16);
+  is.dc = true, is.has_intra = false, is.transform = with(oracle::forward_luma_dc, Rule::kWrap16);
   limited(is, [=](auto, auto x, auto block, int qp, auto count, int, int need, auto places, auto last, auto) {
     return luma(x, block, qp, count, need, places, last);
   });
@@ -195,10 +195,10 @@ TEST_P(ForwardQuant, ScaledDc) {
       return function(dst, block, qp, count, need, places, last, scale);
     };
   };
-  is = {16, 51, with(oracle::luma_dc, Rule::kWrap16), Rule::kWrap16, Sign::kOfTransformed};
+  is = {16, 51, with(oracle::forward_luma_dc, Rule::kWrap16), Rule::kWrap16, Sign::kOfTransformed};
   is.dc = true, is.has_intra = false, is.rough_scaled = true;
   check<Mox16s, Mox16s, Mox16s>(is, luma(lib(MOX_FN(moxiTransformQuantFwdLumaDC4x4_H264_16s_C1I))));
-  is.max_qp = 87, is.store = Rule::kWrap32, is.transform = with(oracle::luma_dc, Rule::kWrap32);
+  is.max_qp = 87, is.store = Rule::kWrap32, is.transform = with(oracle::forward_luma_dc, Rule::kWrap32);
   check<Mox32s, Mox32s, Mox16s>(is, luma(lib(MOX_FN(moxiTransformQuantFwdLumaDC4x4_H264_32s_C1I))));
 }
 

@@ -54,7 +54,7 @@ inline Values forward_8x8_by_basis(const Values& block) {
   return result;
 }
 /// (H4 * M * H4) >> 1 with a cut after the columns.
-inline Values luma_dc(const Values& block, Rule rule) {
+inline Values forward_luma_dc(const Values& block, Rule rule) {
   constexpr int kIdentity[] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
   Values f = product(kIdentity, kept(rule, product(kH4, block, kIdentity, 4, 4)), kH4, 4, 4);
   for (long long& value : f) value = keep(rule, keep(Rule::kWrap32, value) >> 1);
