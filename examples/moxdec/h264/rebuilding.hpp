@@ -17,11 +17,10 @@ struct Rebuilding {
         scales(*slice.scales),
         bit_depth(slice.header.sps->bit_depth_luma),
         chroma_height(slice.header.sps->chroma_mb_height()),
-        luma(picture.samples<Sample>(0, 16 * mb.x, 16 * mb.y)),
-        chroma{picture.samples<Sample>(1, 8 * mb.x, chroma_height * mb.y),
-               picture.samples<Sample>(2, 8 * mb.x, chroma_height * mb.y)},
-        luma_step(picture.frame->sample_step<Sample>(0)),
-        chroma_step(picture.frame->sample_step<Sample>(1)),
+        luma(picture.samples<Sample>(0, mb.x, mb.y, mb.field)),
+        chroma{picture.samples<Sample>(1, mb.x, mb.y, mb.field), picture.samples<Sample>(2, mb.x, mb.y, mb.field)},
+        luma_step(picture.step<Sample>(0, mb.field)),
+        chroma_step(picture.step<Sample>(1, mb.field)),
         coefficients(mb.coefficients<CoeffOf<Sample>>()) {
     const int offset = slice.header.sps->qp_offset();
     luma_qp = mb.qp + offset;
