@@ -33,34 +33,31 @@ constexpr auto kTc0 = [] {
 /// Of an edge, by its mean quantiser.
 template <class Sample>
 struct Limits {
-  Sample alpha, beta;
-  std::array<Sample, 5> tc0;  // by strength
-};
+  Limits(const SliceHeader& slice, int qp) : unit(1 << (slice.sps->bit_depth_luma - 8)) {
+    const int index = std::clamp(qp + slice.alpha_offset, 0, 51);
+    alpha = scaled(example::kDeblockAlpha[index]);
+    beta = scaled(example::kDeblockBeta[std::clamp(qp + slice.beta_offset, 0, 51)]);
+    tc0_by_strength = kTc0[index].data();
+  }
+  Sample tc0(int strength) const { return scaled(tc0_by_strength[strength]); }
+  Sample scaled(int value) const { return static_cast<Sample>(value * unit); }
 
-template <class Sample>
-Limits<Sample> find_limits(const SliceHeader& slice, int qp) {
-  const int unit = 1 << (slice.sps->bit_depth_luma - 8);
-  const auto scaled = [unit](int value) { return static_cast<Sample>(value * unit); };
-  const int index = std::clamp(qp + slice.alpha_offset, 0, 51);
-  Limits<Sample> limits = {scaled(example::kDeblockAlpha[index]),
-                           scaled(example::kDeblockBeta[std::clamp(qp + slice.beta_offset, 0, 51)]),
-                           {}};
-  std::ranges::transform(kTc0[index], limits.tc0.begin(), scaled);
-  return limits;
-}
+  int unit;
+  Sample alpha, beta;
+  const std::uint8_t* tc0_by_strength;
+};
 
 /// For an outer and an inner mean quantiser. `edge_stride` is how many of the four luma edges lie between two edges of
 /// the plane: 1 for luma, 2 for 4:2:0 chroma.
 template <class Sample>
 Thresholds<Sample> find_thresholds(const SliceHeader& slice, int outer_qp, int inner_qp, const Strengths& strengths,
                                    int edge_stride) {
-  const std::array<Limits<Sample>, 2> limits = {find_limits<Sample>(slice, outer_qp),
-                                                find_limits<Sample>(slice, inner_qp)};
+  const Limits<Sample> limits[2] = {{slice, outer_qp}, {slice, inner_qp}};
   Thresholds<Sample> found;
   for (int i = 0; i < 2; ++i) found.alpha[i] = limits[i].alpha, found.beta[i] = limits[i].beta;
   for (int edge = 0; edge < 4 / edge_stride; ++edge) {
-    const auto& tc0 = limits[edge > 0].tc0;
-    for (int i = 0; i < 4; ++i) found.tc0[4 * edge + i] = tc0[strengths[4 * edge * edge_stride + i]];
+    const Limits<Sample>& limit = limits[edge > 0];
+    for (int i = 0; i < 4; ++i) found.tc0[4 * edge + i] = limit.tc0(strengths[4 * edge * edge_stride + i]);
   }
   return found;
 }
@@ -143,7 +140,7 @@ void filter_half_edge(int plane, int height, Sample* lines, Mox32s step, const L
     std::array<Sample, 4> tc0;
     for (int i = 0; i < 4; ++i) {
       of_part[i] = strengths[parts == 2 ? 2 * part + i / 2 : i];
-      tc0[i] = limits.tc0[of_part[i]];
+      tc0[i] = limits.tc0(of_part[i]);
     }
     filter_lines(plane == 0, lines + 4 * part * std::ptrdiff_t{step}, step, limits, tc0.data(), of_part.data(),
                  bit_depth);
@@ -276,7 +273,7 @@ void MacroblockFilter<Sample>::filter_left_of_mixed_pairs() const {
     for (int plane = 0; plane < (picture_.chroma_mb_height == 0 ? 1 : 3); ++plane) {
       const int qp =
           plane == 0 ? mean(left.qp, mb_.qp) : mean(slice_.chroma_qp(plane, left.qp), slice_.chroma_qp(plane, mb_.qp));
-      const auto limits = find_limits<Sample>(slice_.header, qp);
+      const Limits<Sample> limits(slice_.header, qp);
       const int height = plane == 0 ? 16 : picture_.chroma_mb_height, step = picture_.step<Sample>(plane, mb_.field);
       Sample* lines =
           picture_.samples<Sample>(plane, x_, y_, mb_.field) + (mb_.field ? part * height / 2 : part) * step;

@@ -88,27 +88,25 @@ void DirectPredictor::find_scales(PicturePart part, const SliceHeader& slice, co
 
 /// Where frames and fields meet, a macroblock faces two of the other kind or a half of one, and the corners of
 /// quadrants move to the nearest block there.
-DirectPredictor::Colocated DirectPredictor::colocated(const Place& place, int block) const {
+DirectPredictor::Facing DirectPredictor::facing(const Place& place) const {
   const int pair = field_pic_ ? place.y : place.y / 2;
-  const bool field = field_pic_ || place.part != PicturePart::kWhole;
+  const bool field = is_field_at(place);
   const int parity = place.part != PicturePart::kWhole ? parity_of(place.part) : colocated_parity_;
-  const auto macroblock = [&](int row) -> const MbMotion& {
-    return colocated_->motion[static_cast<std::size_t>(row * mb_width_ + place.x)];
-  };
-  const int own_row = field ? 2 * pair + parity : place.y;
-  const bool there_field = macroblock(own_row).field;
-  const int lower = block >> 3, column = block & 3;
-  int row = own_row;
-  if (field && !there_field) {
-    row = 2 * pair + lower;
-    block = 8 * lower + column;
-  } else if (!field && there_field) {
-    row = 2 * pair + parity;
-    block = 8 * (place.y & 1) + 4 * lower + column;
-  }
-  const MbMotion& motion = macroblock(row);
+  const MbMotion* column = &colocated_->motion[static_cast<std::size_t>(place.x)];
+  const auto macroblock = [=, this](int row) { return column + std::ptrdiff_t{row} * mb_width_; };
+  const MbMotion* same = macroblock(field ? 2 * pair + parity : place.y);
+  if (same->field == field) return {{same, same}};
+  if (field) return {{macroblock(2 * pair), macroblock(2 * pair + 1)}, true, 0, 8};
+  const MbMotion* nearer = macroblock(2 * pair + parity);
+  return {{nearer, nearer}, true, 8 * (place.y & 1), 4};
+}
+
+DirectPredictor::Colocated DirectPredictor::colocated(const Facing& facing, int block) const {
+  const int lower = block >> 3;
+  const MbMotion& motion = *facing.half[static_cast<std::size_t>(lower)];
+  if (facing.mixed) block = facing.first + facing.next * lower + (block & 3);
   const int quadrant = quadrant_of(block), list = motion.references[0][quadrant] >= 0 ? 0 : 1;
-  return {motion.vectors[list][block], motion.references[list][quadrant], motion.pictures[list][quadrant], there_field};
+  return {motion.vectors[list][block], motion.references[list][quadrant], motion.pictures[list][quadrant]};
 }
 
 /// The index of the picture that the colocated block refers to, of its frame, or of its field of the own parity.
@@ -136,10 +134,11 @@ void DirectPredictor::for_each_rect(int quadrant, Work work) const {
 void DirectPredictor::derive(std::array<MotionWindow, 2>& windows, const Place& place, unsigned quadrants,
                              std::array<Split, 4>& splits) const {
   require(colocated_ != nullptr, kMissing);
-  if (spatial_) derive_spatial(windows, place, quadrants);
+  const Facing there = facing(place);
+  if (spatial_) derive_spatial(windows, there, quadrants);
   for (int i = 0; i < 4; ++i) {
     if (!(quadrants >> i & 1)) continue;
-    if (!spatial_) derive_temporal(windows, place, i);
+    if (!spatial_) derive_temporal(windows, place, there, i);
     const bool whole = whole_quadrants_ ||
                        (windows[0].has_one_vector(quadrant_rect(i)) && windows[1].has_one_vector(quadrant_rect(i)));
     splits[i] = whole ? Split::kNone : Split::kQuarters;
@@ -147,7 +146,7 @@ void DirectPredictor::derive(std::array<MotionWindow, 2>& windows, const Place& 
 }
 
 /// References and vectors come from the neighbours, but what stands still in the colocated picture may do so here.
-void DirectPredictor::derive_spatial(std::array<MotionWindow, 2>& windows, const Place& place,
+void DirectPredictor::derive_spatial(std::array<MotionWindow, 2>& windows, const Facing& facing,
                                      unsigned quadrants) const {
   std::array<Motion, 2> motion;
   for (int list = 0; list < 2; ++list) {
@@ -167,7 +166,7 @@ void DirectPredictor::derive_spatial(std::array<MotionWindow, 2>& windows, const
     }
     if (!may_stop(0) && !may_stop(1)) continue;
     for_each_rect(i, [&](const BlockRect& rect, int block) {
-      const Colocated there = colocated(place, block);
+      const Colocated there = colocated(facing, block);
       if (there.reference != 0 || std::abs(there.vector.x) > 1 || std::abs(there.vector.y) > 1) return;
       for (int list = 0; list < 2; ++list) {
         if (may_stop(list)) windows[list].set_vector(rect, {});
@@ -177,13 +176,14 @@ void DirectPredictor::derive_spatial(std::array<MotionWindow, 2>& windows, const
 }
 
 /// The colocated vector, shared out by the distances in time.
-void DirectPredictor::derive_temporal(std::array<MotionWindow, 2>& windows, const Place& place, int quadrant) const {
-  const bool field = field_pic_ || place.part != PicturePart::kWhole;
+void DirectPredictor::derive_temporal(std::array<MotionWindow, 2>& windows, const Place& place, const Facing& facing,
+                                      int quadrant) const {
+  const bool field = is_field_at(place);
   for_each_rect(quadrant, [&](const BlockRect& rect, int block) {
-    Colocated there = colocated(place, block);
+    Colocated there = colocated(facing, block);
     const int reference = there.reference < 0 ? 0 : map_to_list0(there, place.part);
     require(reference >= 0, kMissing);
-    if (there.field != field) there.vector.y = clamp16(field ? there.vector.y / 2 : there.vector.y * 2);
+    if (facing.mixed) there.vector.y = clamp16(field ? there.vector.y / 2 : there.vector.y * 2);
     const auto& scale = scales_[static_cast<int>(place.part)][static_cast<std::size_t>(reference)];
     const MotionVector forward = scale ? scaled(there.vector, *scale) : there.vector;
     windows[0].set_reference(rect, reference);

@@ -38,15 +38,24 @@ class DirectPredictor {
     MotionVector vector;
     std::int8_t reference;
     std::int8_t picture;
-    bool field;
   };
-  Colocated colocated(const Place& place, int block) const;
+  /// The macroblocks there that the upper and the lower half face.
+  struct Facing {
+    std::array<const MbMotion*, 2> half;
+    bool mixed = false;  // frame and field; then rows of blocks come from `first` on, `next` further in the lower half
+    int first = 0;
+    int next = 0;
+  };
+  bool is_field_at(const Place& place) const { return field_pic_ || place.part != PicturePart::kWhole; }
+  Facing facing(const Place& place) const;
+  Colocated colocated(const Facing& facing, int block) const;
   int map_to_list0(const Colocated& there, PicturePart part) const;
   /// Calls `work` with each rectangle of a quadrant and the block that stands for it.
   template <class Work>
   void for_each_rect(int quadrant, Work work) const;
-  void derive_spatial(std::array<MotionWindow, 2>& windows, const Place& place, unsigned quadrants) const;
-  void derive_temporal(std::array<MotionWindow, 2>& windows, const Place& place, int quadrant) const;
+  void derive_spatial(std::array<MotionWindow, 2>& windows, const Facing& facing, unsigned quadrants) const;
+  void derive_temporal(std::array<MotionWindow, 2>& windows, const Place& place, const Facing& facing,
+                       int quadrant) const;
   void find_indices(const ReferenceLists& lists, const ReferenceBuffer& references);
   void find_scales(PicturePart part, const SliceHeader& slice, const ReferenceLists& lists,
                    const ReferenceBuffer& references);

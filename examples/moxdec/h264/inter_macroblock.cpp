@@ -78,19 +78,22 @@ void MacroblockReader::skip(Macroblock& mb, std::int32_t slice_index) {
 void MacroblockReader::begin_inter(Macroblock& mb, MbInfo& info, const Neighbours& neighbours) {
   info.kind = mb.kind = MbKind::kInter;
   info.intra_modes.fill(kPlainMode);
+  part_ = picture_.part_of(mb.y, mb.field);
   const MbMotion* left[] = {picture_.motion_of(neighbours.left_pair[0]), picture_.motion_of(neighbours.left_pair[1])};
-  MotionWindow::Surroundings around;
+  const MbMotion *top = picture_.motion_of(neighbours.top), *top_left = picture_.motion_of(neighbours.top_left),
+                 *top_right = picture_.motion_of(neighbours.top_right);
+  const int lists = list_count(slice_.type);
+  if (!picture_.mbaff) {
+    for (int list = 0; list < lists; ++list) windows_[list].load(list, left[0], top, top_left, top_right);
+    return;
+  }
+  MotionWindow::Surroundings around = {{}, {}, top, top_right, mb.field};
   for (std::size_t y = 0; y < 4; ++y) {
     const LeftBlocks &beside = neighbours.left->beside[y], &corner = neighbours.left->corner[y];
     around.left[y] = {left[beside.mb], beside.row};
-    around.corner[y] = {left[corner.mb], corner.row};
+    around.corner[y] = {y == 0 ? top_left : left[corner.mb], corner.row};
   }
-  around.corner[0].mb = picture_.motion_of(neighbours.top_left);
-  around.top = picture_.motion_of(neighbours.top);
-  around.top_right = picture_.motion_of(neighbours.top_right);
-  around.field = mb.field;
-  for (int list = 0; list < list_count(slice_.type); ++list) windows_[list].load(list, around);
-  part_ = picture_.part_of(mb.y, mb.field);
+  for (int list = 0; list < lists; ++list) windows_[list].load(list, around);
 }
 
 /// Takes the motion over into the picture, where each reference must be there.

@@ -113,12 +113,31 @@ void InterPredictor::predict(const Picture& picture, const Macroblock& mb) {
 
 template <class Sample>
 void InterPredictor::predict_macroblock(const Picture& picture, const Macroblock& mb) const {
-  const MbMotion& motion = picture.motion_at(mb.x, mb.y);
+  const bool of_frame = picture.mbaff && mb.field;  // a field of the picture, which is none
+  const int mb_row = of_frame ? mb.y / 2 : mb.y;
+  const Unit unit = {picture.motion_at(mb.x, mb.y),
+                     picture.part_of(mb.y, mb.field),
+                     picture.field_pic ? picture.parity
+                     : of_frame        ? mb.y & 1
+                                       : -1,
+                     {16 * picture.mb_width, 16 * picture.mb_height >> (of_frame ? 1 : 0)},
+                     {16 * mb.x, 16 * mb_row},
+                     picture.step<Sample>(0, mb.field),
+                     picture.step<Sample>(1, mb.field)};
+  const std::array<Sample*, 3> planes = {picture.samples<Sample>(0, mb.x, mb.y, mb.field),
+                                         picture.samples<Sample>(1, mb.x, mb.y, mb.field),
+                                         picture.samples<Sample>(2, mb.x, mb.y, mb.field)};
   const auto predict_parts = [&](int left, int top, int size, Split split) {
     const int width = size >> (static_cast<int>(split) >> 1), height = size >> (static_cast<int>(split) & 1);
     for (int y = top; y < top + size; y += height) {
       for (int x = left; x < left + size; x += width) {
-        predict_block<Sample>({picture, mb, motion, {x, y}, {width, height}, y / 4 * 4 + x / 4});
+        const std::ptrdiff_t in_chroma = std::ptrdiff_t{rows(1, y)} * unit.chroma_step + x / 2;
+        const Target<Sample> target = {
+            {planes[0] + std::ptrdiff_t{y} * unit.luma_step + x, planes[1] + in_chroma, planes[2] + in_chroma},
+            unit.luma_step,
+            unit.chroma_step};
+        const MoxiPoint position = {unit.position.x + x, unit.position.y + y};
+        predict_block<Sample>({unit, unit.motion, position, {width, height}, y / 4 * 4 + x / 4}, target);
       }
     }
   };
@@ -127,13 +146,7 @@ void InterPredictor::predict_macroblock(const Picture& picture, const Macroblock
 }
 
 template <class Sample>
-void InterPredictor::predict_block(const Block& block) const {
-  const Macroblock& mb = block.mb;
-  Target<Sample> target = {{}, block.picture.step<Sample>(0, mb.field), block.picture.step<Sample>(1, mb.field)};
-  for (int i = 0; i < planes_; ++i) {
-    target.plane[i] = block.picture.samples<Sample>(i, mb.x, mb.y, mb.field) +
-                      std::ptrdiff_t{rows(i, block.position.y)} * target.step(i) + block.position.x / (i == 0 ? 1 : 2);
-  }
+void InterPredictor::predict_block(const Block& block, const Target<Sample>& target) const {
   if (block.picture_id(0) < 0 || block.picture_id(1) < 0) {
     const int list = block.picture_id(0) < 0 ? 1 : 0;
     fetch(block, list, target);
@@ -160,25 +173,28 @@ void InterPredictor::fetch(const Block& block, int list, const Target<Sample>& t
 template <class Sample>
 ReferenceBlock<Sample> InterPredictor::reference_block(const Block& block, int list, int plane,
                                                        const Target<Sample>& target) const {
-  const Picture& picture = block.picture;
-  const Macroblock& mb = block.mb;
-  const int id = block.picture_id(list), step = picture.step<Sample>(plane, mb.field);
-  const std::ptrdiff_t first = is_field(id) ? parity_of(id) * picture.frame->sample_step<Sample>(plane) : 0;
-  const auto source = [&](int i) {
-    return reinterpret_cast<const Sample*>(sources_[slot_of(id)].plane[static_cast<std::size_t>(i)]) + first;
-  };
-  const int mb_row = picture.mbaff && mb.field ? mb.y / 2 : mb.y;
-  const int height = 16 * picture.mb_height >> (picture.mbaff && mb.field ? 1 : 0);
+  const int id = block.picture_id(list), step = plane == 0 ? block.unit.luma_step : block.unit.chroma_step;
+  const std::ptrdiff_t first_line = is_field(id) && parity_of(id) == kBottom ? step / 2 : 0;
+  const auto& planes = sources_[static_cast<std::size_t>(slot_of(id))].plane;
+  const auto source = [&](const std::byte* first) { return reinterpret_cast<const Sample*>(first) + first_line; };
   const MotionVector vector = block.motion.vectors[list][block.index];
-  return {{source(plane), plane == 0 ? nullptr : source(2)},
-          step,
-          {target.plane[static_cast<std::size_t>(plane)], plane == 0 ? nullptr : target.plane[2]},
-          target.step(plane),
-          size_in(plane, {16 * picture.mb_width, height}),
-          size_in(plane, block.size),
-          {(16 * mb.x + block.position.x) / (plane == 0 ? 1 : 2), rows(plane, 16 * mb_row + block.position.y)},
-          {vector.x, vector.y},
-          bit_depth_};
+  ReferenceBlock<Sample> reference = {{source(planes[0]), nullptr},
+                                      step,
+                                      {target.plane[0], nullptr},
+                                      target.luma_step,
+                                      block.unit.size,
+                                      block.size,
+                                      block.position,
+                                      {vector.x, vector.y},
+                                      bit_depth_};
+  if (plane == 0) return reference;
+  reference.source = {source(planes[1]), source(planes[2])};
+  reference.target = {target.plane[1], target.plane[2]};
+  reference.target_step = target.chroma_step;
+  reference.frame_size = size_in(1, block.unit.size);
+  reference.size = size_in(1, block.size);
+  reference.position = {block.position.x / 2, rows(1, block.position.y)};
+  return reference;
 }
 
 template <class Sample>
@@ -187,7 +203,7 @@ void InterPredictor::fetch_luma(const Block& block, int list, const Target<Sampl
   // The filter reaches two samples to the left and above, three to the right and below.
   const MoxiSize footprint = {block.size.width + 5, block.size.height + 5};
   const int x = luma.position.x + (luma.vector.x >> 2), y = luma.position.y + (luma.vector.y >> 2);
-  if (expanded_ && !block.mb.field && is_inside(x - 2, y - 2, footprint, luma.frame_size, kMargin)) {
+  if (expanded_ && !block.unit.is_field() && is_inside(x - 2, y - 2, footprint, luma.frame_size, kMargin)) {
     return expect_ok(interpolate_luma_inside(luma));
   }
   if (!is_smaller(luma.frame_size, footprint)) return expect_ok(interpolate_luma(luma));
@@ -203,12 +219,11 @@ void InterPredictor::fetch_chroma(const Block& block, int list, const Target<Sam
   if (chroma_shift_y_ == 0) {
     chroma.vector.y *= 2;
   } else if (is_field(id)) {
-    const int own_parity = block.picture.field_pic ? block.picture.parity : block.mb.y & 1;
-    chroma.vector.y += 2 * (own_parity - parity_of(id));
+    chroma.vector.y += 2 * (block.unit.parity - parity_of(id));
   }
   const int x = chroma.position.x + (chroma.vector.x >> 3), y = chroma.position.y + (chroma.vector.y >> 3);
   const MoxiSize footprint = {chroma.size.width + 1, chroma.size.height + 1};
-  const bool inside = expanded_ && !block.mb.field && is_inside(x, y, footprint, chroma.frame_size, kMargin / 2);
+  const bool inside = expanded_ && !block.unit.is_field() && is_inside(x, y, footprint, chroma.frame_size, kMargin / 2);
   if (!inside && !is_smaller(chroma.frame_size, footprint)) return expect_ok(interpolate_chroma(chroma));
   for (int i = 0; i < 2; ++i) {
     const auto plane = [i](const auto& whole) { return interpolate_chroma_inside(whole, i); };
@@ -219,7 +234,7 @@ void InterPredictor::fetch_chroma(const Block& block, int list, const Target<Sam
 /// Offsets are written on the scale of 8 bits.
 SampleWeight InterPredictor::explicit_weight(const Block& block, int list, int plane) const {
   // Both fields of a frame have its weight.
-  const int index = block.reference(list) >> (block.picture.mbaff && block.mb.field ? 1 : 0);
+  const int index = block.reference(list) >> (block.unit.part == PicturePart::kWhole ? 0 : 1);
   const Weight& w = explicit_->weights[list][index][plane];
   return {w.weight, w.offset * (1 << (bit_depth_ - 8))};
 }
@@ -246,8 +261,7 @@ MoxStatus InterPredictor::combine_plane(const Block& block, int plane, const std
                                        size_in(plane, block.size),
                                        bit_depth_};
   if (weighting_ == Weighting::kImplicit) {
-    const PicturePart part = block.picture.part_of(block.mb.y, block.mb.field);
-    const int weight = implicit_[static_cast<int>(part)][block.reference(0)][block.reference(1)];
+    const int weight = implicit_[static_cast<int>(block.unit.part)][block.reference(0)][block.reference(1)];
     if (weight != 32) return weight_implicit(pair, weight);
   }
   if (weighting_ == Weighting::kExplicit) {

@@ -47,12 +47,22 @@ class InterPredictor {
     Mox32s chroma_step;
     Mox32s step(int i) const { return i == 0 ? luma_step : chroma_step; }
   };
+  /// A macroblock in the frame or the field that it and its references are, in samples of luma.
+  struct Unit {
+    const MbMotion& motion;
+    PicturePart part;
+    int parity;  // of a field; -1 for a frame
+    MoxiSize size;
+    MoxiPoint position;
+    Mox32s luma_step;  // in samples
+    Mox32s chroma_step;
+    bool is_field() const { return parity >= 0; }
+  };
   /// A block in work, in samples of luma.
   struct Block {
-    const Picture& picture;
-    const Macroblock& mb;
+    const Unit& unit;
     const MbMotion& motion;
-    MoxiPoint position;  // in the macroblock
+    MoxiPoint position;  // in the frame or the field
     MoxiSize size;
     int index;  // of its first 4x4 block in the macroblock
     int reference(int list) const { return motion.references[list][quadrant_of(index)]; }
@@ -63,8 +73,9 @@ class InterPredictor {
                              const ReferenceBuffer& references);
   template <class Sample>
   void predict_macroblock(const Picture& picture, const Macroblock& mb) const;
+  /// `target` is where the block goes in the picture.
   template <class Sample>
-  void predict_block(const Block& block) const;
+  void predict_block(const Block& block, const Target<Sample>& target) const;
   template <class Sample>
   void fetch(const Block& block, int list, const Target<Sample>& target) const;
   /// The reference as a whole, frame or field, and where in it the block stands.

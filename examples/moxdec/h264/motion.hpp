@@ -77,6 +77,8 @@ class MotionWindow {
     bool field = false;  // the macroblock's own kind, into which vectors and indices are converted
   };
   void load(int list, const Surroundings& around);
+  /// Where all macroblocks are of the same kind.
+  void load(int list, const MbMotion* left, const MbMotion* top, const MbMotion* top_left, const MbMotion* top_right);
   /// Writes the whole list of a macroblock, names of pictures excepted.
   void store(int list, MbMotion& out) const;
 
@@ -100,6 +102,7 @@ class MotionWindow {
   static constexpr std::int8_t kNotThere = -2;
   static constexpr int kRow = 8;
   static constexpr int index(int x, int y) { return kRow * (y + 1) + x + 1; }
+  void put(int list, int at, const MbMotion* mb, int block);
   /// The neighbour above at the right, or the one at the left where that is not there or not yet decoded.
   int diagonal_neighbour(const BlockRect& rect) const;
 
