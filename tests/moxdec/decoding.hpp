@@ -43,13 +43,13 @@ struct Decoded {
   }
 };
 
-/// The shown samples of all planes, 8-bit.
+/// The bytes of the shown samples of all planes.
 inline Stream raw_planes(const moxdec::Frame& frame) {
   Stream samples;
   for (int plane = 0; plane < 3; ++plane) {
     for (int y = 0; y < frame.format().plane_height(plane); ++y) {
       const auto* row = reinterpret_cast<const std::uint8_t*>(frame.shown_row(plane, y));
-      samples.insert(samples.end(), row, row + frame.format().plane_width(plane));
+      samples.insert(samples.end(), row, row + frame.format().plane_width(plane) * frame.format().sample_bytes());
     }
   }
   return samples;

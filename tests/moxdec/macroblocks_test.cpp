@@ -56,6 +56,53 @@ TEST(Macroblocks, RawSamplesStay) {
   EXPECT_EQ(first_row(decode_all(b.stream())), expected);
 }
 
+/// Samples of all depths and chroma formats, each plane a ramp of its own; luma alone gets grey chroma of 4:2:0.
+TEST(Macroblocks, RawSamplesOfAllFormats) {
+  for (const auto& format : {std::pair{0, 8}, {0, 12}, {1, 9}, {1, 10}, {2, 8}, {2, 14}}) {
+    const int chroma_format = format.first, depth = format.second;
+    const auto sample = [depth](int plane, int i) { return (100 * plane + 7 * i) & ((1 << depth) - 1); };
+    const int chroma_samples = 64 * chroma_format;
+    BitWriter w = StreamBuilder::slice_header(kSlice).ue(25).align();
+    for (int i = 0; i < 256; ++i) w.u(depth, sample(0, i));
+    for (int plane = 1; plane < 3; ++plane) {
+      for (int i = 0; i < chroma_samples; ++i) w.u(depth, sample(plane, i));
+    }
+    StreamBuilder b;
+    b.sps({.profile = 244, .chroma_format = chroma_format, .bit_depth = depth}).pps().nal(5, 1, w);
+    const Decoded decoded = decode_all(b.stream());
+    ASSERT_EQ(decoded.frames.size(), 1u) << decoded.error;
+    Stream expected;
+    const auto expect = [&](int value) {
+      expected.push_back(static_cast<std::uint8_t>(value));
+      if (depth > 8) expected.push_back(static_cast<std::uint8_t>(value >> 8));
+    };
+    for (int i = 0; i < 256; ++i) expect(sample(0, i));
+    for (int i = 0; i < std::max(2 * chroma_samples, 128); ++i) {
+      expect(chroma_format == 0 ? 1 << (depth - 1) : sample(1 + i / chroma_samples, i % chroma_samples));
+    }
+    EXPECT_EQ(raw_planes(*decoded.frames[0]), expected) << chroma_format << " " << depth;
+  }
+}
+
+/// The quantiser of 10 bits goes from -12 to 51, and round in both directions. A DC value of 1 adds 16 at 40, 1 at 15.
+TEST(Macroblocks, QuantiserOfDeepSamples) {
+  const auto decode = [](int init_qp, int delta) {
+    BitWriter w = StreamBuilder::slice_header(kSlice).ue(kPlain).ue(0).se(delta).u(4, 0b0101);
+    StreamBuilder b;
+    b.sps({.profile = 110, .bit_depth = 10}).pps({.init_qp = init_qp}).nal(5, 1, w);
+    return decode_all(b.stream());
+  };
+  const auto shade = [](const Decoded& decoded) {
+    return decoded.frames.empty() ? -1 : *reinterpret_cast<const std::uint16_t*>(decoded.frames[0]->shown_row(0, 0));
+  };
+  EXPECT_EQ(shade(decode(40, 0)), 512 + 16);
+  EXPECT_EQ(shade(decode(20, 20)), 512 + 16);
+  EXPECT_EQ(shade(decode(-8, -16)), 512 + 16);
+  EXPECT_EQ(shade(decode(48, 31)), 512 + 1);
+  EXPECT_NE(decode(26, 32).error.find("mb_qp_delta is out of range"), std::string::npos);
+  EXPECT_NE(decode(26, -33).error.find("mb_qp_delta is out of range"), std::string::npos);
+}
+
 /// A macroblock beside a raw one: raw blocks count as 16 coefficients, so the codes have six bits, 000011 for none. Of
 /// the chroma blocks the left ones see 16 and what is above; the right ones see the left ones.
 TEST(Macroblocks, RawBlocksCountAsFull) {

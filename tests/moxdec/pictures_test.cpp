@@ -256,9 +256,10 @@ TEST(Errors, NameWhatIsWrong) {
   for (const Case& c : {
            Case{with_sets({}, {.cabac = true}), "CABAC is not supported"},
            Case{with_sets({}, {.slice_groups = 2}), "slice groups are not supported"},
-           Case{with_sets({.profile = 122, .chroma_format = 2}, plain), "chroma format 2 is not supported"},
-           Case{with_sets({.profile = 110, .bit_depth = 10}, plain), "a bit depth above 8 is not supported"},
-           Case{with_sets({.profile = 244, .bypass = true}, plain), "lossless coding is not supported"},
+           Case{with_sets({.profile = 244, .chroma_format = 3}, plain), "4:4:4 chroma is not supported"},
+           Case{with_sets({.profile = 110, .bit_depth = 10, .chroma_depth = 9}, plain),
+                "a bit depth of chroma other than luma's is not supported"},
+           Case{with_sets({.profile = 110, .bit_depth = 10}, {.init_qp = -13}), "slice_qp_delta is out of range"},
            Case{with_sets({.frame_mbs_only = false}, plain, {.field_pic = 1, .poc_lsb = 0}), "field pictures are not"},
            Case{with_sets({.frame_mbs_only = false, .mb_adaptive = true}, plain, {.field_pic = 0, .poc_lsb = 0}),
                 "frame/field adaptive coding is not supported"},

@@ -43,7 +43,7 @@ class BitWriter {
 
 struct SpsFields {
   int profile = 66, level = 30, id = 0;
-  int chroma_format = 1, bit_depth = 8;  // from here to bypass for profile 100 and higher
+  int chroma_format = 1, bit_depth = 8, chroma_depth = 0;  // from here to bypass for profile 100 and higher
   bool bypass = false;
   int poc_type = 0, max_ref_frames = 1;
   int offset_for_non_ref = 0, offset_top_to_bottom = 0;
@@ -102,7 +102,9 @@ class StreamBuilder {
     BitWriter w;
     w.u(8, f.profile).u(8, 0).u(8, f.level).ue(f.id);
     if (f.profile >= 100) {
-      w.ue(f.chroma_format).ue(f.bit_depth - 8).ue(f.bit_depth - 8).u(1, f.bypass).u(1, 0);
+      w.ue(f.chroma_format);
+      if (f.chroma_format == 3) w.u(1, 0);
+      w.ue(f.bit_depth - 8).ue((f.chroma_depth ? f.chroma_depth : f.bit_depth) - 8).u(1, f.bypass).u(1, 0);
     }
     w.ue(0).ue(f.poc_type);
     if (f.poc_type == 0) w.ue(0);
