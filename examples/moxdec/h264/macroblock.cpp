@@ -66,8 +66,7 @@ struct ModeBorder {
   }
 };
 
-/// What intra prediction may not use: for the upper half, which stands for the whole macroblock above and at the right,
-/// and for the lower half.
+/// What intra prediction may not use.
 void deny_neighbours(const Neighbours& neighbours, bool constrained, Macroblock& mb) {
   const auto denied = [=](const MbInfo* other, Mox32u bit) {
     return other && !(constrained && is_inter(*other)) ? 0 : bit;
@@ -78,9 +77,10 @@ void deny_neighbours(const Neighbours& neighbours, bool constrained, Macroblock&
       if (neighbours.left->used[half] >> i & 1) left[half] |= denied(neighbours.left_pair[i], kDenyLeft);
     }
   }
-  mb.denied = left[0] | denied(neighbours.top, kDenyTop) | denied(neighbours.top_left, kDenyTopLeft) |
-              denied(neighbours.top_right, kDenyTopRight);
-  mb.denied_lower = left[1] | (left[0] ? kDenyTopLeft : 0) | kDenyTopRight;
+  const Mox32u above = denied(neighbours.top, kDenyTop) | denied(neighbours.top_left, kDenyTopLeft) |
+                       denied(neighbours.top_right, kDenyTopRight);
+  mb.denied = left[0] | left[1] | above;
+  mb.denied_halves = {left[0] | above, left[1] | (left[0] ? kDenyTopLeft : 0) | kDenyTopRight};
 }
 
 const std::uint8_t* luma_counts(const MbInfo& mb) { return mb.luma_counts.data(); }

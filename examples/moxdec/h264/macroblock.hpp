@@ -39,13 +39,15 @@ struct Macroblock {
   bool field = false;
   MbKind kind = MbKind::kIntra4x4;
   int qp = 0;
-  Mox32u denied = 0;        // of the whole macroblock
-  Mox32u denied_lower = 0;  // of its lower half, whose left neighbour may be another than that of the upper half
+  Mox32u denied = 0;  // of the whole macroblock
+  /// Of its upper and its lower half, which differ where only one of their two left neighbours may be used.
+  std::array<Mox32u, 2> denied_halves = {0, 0};
   std::array<Mox32u, 16> intra_modes;  // in coding order; of 8x8 blocks the first 4
   Mox32u intra_16x16_mode = 0;
   Mox32u chroma_mode = 0;
   Split split = Split::kNone;  // inter macroblocks; with kQuarters each quadrant is split on its own
   std::array<Split, 4> quarter_splits;
+  bool has_split_left() const { return ((denied_halves[0] ^ denied_halves[1]) & kDenyLeft) != 0; }
   bool transform_8x8 = false;
   Mox32u coded = 0;                                  // luma
   Mox32u coded_8x8 = 0;                              // bits 0 to 3: luma blocks of the 8x8 transform

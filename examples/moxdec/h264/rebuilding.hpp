@@ -1,6 +1,8 @@
 /// The library's functions that rebuild a macroblock, under one name for 8-bit and for deeper samples.
 #pragma once
 
+#include <cstddef>
+
 #include "moxdec/h264/macroblock.hpp"
 #include "moxdec/h264/picture.hpp"
 #include "moxvc.h"
@@ -38,6 +40,14 @@ struct Rebuilding {
   /// The DC values of 4:2:2 have a quantiser of their own.
   Mox32s dc_scale_422(int i) const { return scales.of_4x4(is_inter(), 1 + i, chroma_qp[i] + 3)[0]; }
 
+  /// Of the upper (0) or the lower half of an Intra 4x4 or 8x8 macroblock.
+  Sample* luma_half(int half) const { return luma + std::ptrdiff_t{8} * half * luma_step; }
+  Mox32u denied_half(int half) const { return mb.denied_halves[static_cast<std::size_t>(half)]; }
+  Mox32u coded_half(int half) const { return mb.coded >> (1 + 8 * half); }
+  const Mox32u* modes_half(int half) const { return &mb.intra_modes[static_cast<std::size_t>(8 * half)]; }
+  Mox32u coded_half_8x8(int half) const { return mb.coded_8x8 >> (2 * half); }
+  const Mox32u* modes_half_8x8(int half) const { return &mb.intra_modes[static_cast<std::size_t>(2 * half)]; }
+
   Macroblock& mb;
   const LevelScales& scales;
   int bit_depth;
@@ -55,8 +65,11 @@ struct Rebuilding8 : Rebuilding<Mox8u> {
   MoxStatus intra_16x16();
   MoxStatus intra_8x8();
   MoxStatus intra_4x4();
+  MoxStatus intra_8x8_half(int half);
+  MoxStatus intra_4x4_half(int half);
   MoxStatus inter_luma();
   MoxStatus intra_chroma();
+  MoxStatus intra_chroma_halves();
   MoxStatus inter_chroma();
 };
 
@@ -65,14 +78,19 @@ struct Rebuilding16 : Rebuilding<Mox16u> {
   MoxStatus intra_16x16();
   MoxStatus intra_8x8();
   MoxStatus intra_4x4();
+  MoxStatus intra_8x8_half(int half);
+  MoxStatus intra_4x4_half(int half);
   MoxStatus inter_luma();
   MoxStatus intra_chroma();
+  MoxStatus intra_chroma_halves();
   MoxStatus inter_chroma();
 };
 
 /// 4:2:2 chroma of any depth.
 template <class Sample>
 MoxStatus rebuild_intra_422(Rebuilding<Sample>& work);
+template <class Sample>
+MoxStatus rebuild_intra_422_halves(Rebuilding<Sample>& work);
 template <class Sample>
 MoxStatus rebuild_inter_422(Rebuilding<Sample>& work);
 
