@@ -13,6 +13,10 @@ inline constexpr std::array<std::uint8_t, 64> kZigzag8x8 = {
     0,  1,  8,  16, 9,  2,  3,  10, 17, 24, 32, 25, 18, 11, 4,  5,  12, 19, 26, 33, 40, 48,
     41, 34, 27, 20, 13, 6,  7,  14, 21, 28, 35, 42, 49, 56, 57, 50, 43, 36, 29, 22, 15, 23,
     30, 37, 44, 51, 58, 59, 52, 45, 38, 31, 39, 46, 53, 60, 61, 54, 47, 55, 62, 63};
+inline constexpr std::array<std::uint8_t, 64> kFieldScan8x8 = {
+    0,  8,  16, 1,  9,  24, 32, 17, 2, 25, 40, 48, 56, 33, 10, 3,  18, 41, 49, 57, 26, 11,
+    4,  19, 34, 42, 50, 58, 27, 12, 5, 20, 35, 43, 51, 59, 28, 13, 6,  21, 36, 44, 52, 60,
+    29, 14, 22, 37, 45, 53, 61, 30, 7, 15, 38, 46, 54, 62, 23, 31, 39, 47, 55, 63};
 
 /// The lists that a stream can ask for without writing them, in scan order: for intra and for inter macroblocks.
 inline constexpr std::array<std::array<std::uint8_t, 16>, 2> kDefaultScaling4x4 = {
@@ -42,7 +46,7 @@ inline constexpr std::array<std::uint8_t, 16> kClasses8x8 = {0, 3, 4, 3, 3, 1, 5
 
 namespace h264_tables {
 
-static_assert(is_permutation(kZigzag8x8));
+static_assert(is_permutation(kZigzag8x8) && is_permutation(kFieldScan8x8));
 
 }  // namespace h264_tables
 }  // namespace example

@@ -1,5 +1,6 @@
 #include "moxdec/frame.hpp"
 
+#include <algorithm>
 #include <new>
 
 namespace moxdec {
@@ -44,6 +45,17 @@ void Frame::fill_chroma(int value) {
     }
   };
   format_.sample_bytes() == 1 ? fill(static_cast<std::uint8_t>(value)) : fill(static_cast<std::uint16_t>(value));
+}
+
+void Frame::repeat_lines(int first) {
+  for (int i = 0; i < 3; ++i) {
+    const int width = i == 0 ? layout_.width : layout_.width >> chroma_shift_x(format_.chroma);
+    const int rows = i == 0 ? layout_.height : layout_.height >> chroma_shift_y(format_.chroma);
+    for (int y = first; y < rows; y += 2) {
+      std::byte* line = planes_[i].coded + std::ptrdiff_t{y} * planes_[i].step;
+      std::copy_n(line, width * format_.sample_bytes(), line + (first == 0 ? 1 : -1) * planes_[i].step);
+    }
+  }
 }
 
 void FramePool::configure(const FrameFormat& format, const FrameLayout& layout) {

@@ -64,6 +64,8 @@ class Frame {
     return step(plane) / static_cast<int>(sizeof(Sample));
   }
   void fill_chroma(int value);
+  /// Copies every other line, from line `first` (0 or 1) on, to the one below or above it.
+  void repeat_lines(int first);
   /// The first shown sample of row `y` of the shown part.
   const std::byte* shown_row(int plane, int y) const {
     return planes_[plane].shown + std::ptrdiff_t{y} * planes_[plane].step;

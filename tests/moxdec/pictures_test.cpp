@@ -248,6 +248,11 @@ TEST(Errors, NameWhatIsWrong) {
     return StreamBuilder().sps(sps).pps(pps).raw_slice(slice, {1});
   };
   const auto slice = [&](SliceFields fields) { return with_sets({}, {}, fields); };
+  const auto half_a_pair = [] {
+    BitWriter w = StreamBuilder::slice_header({.field_pic = 0, .poc_lsb = 0});
+    StreamBuilder::raw_macroblock(w.u(1, 0), 1);
+    return StreamBuilder().sps({.frame_mbs_only = false, .mb_adaptive = true}).pps().nal(5, 1, w);
+  };
   struct Case {
     StreamBuilder stream;
     const char* message;
@@ -260,9 +265,7 @@ TEST(Errors, NameWhatIsWrong) {
            Case{with_sets({.profile = 110, .bit_depth = 10, .chroma_depth = 9}, plain),
                 "a bit depth of chroma other than luma's is not supported"},
            Case{with_sets({.profile = 110, .bit_depth = 10}, {.init_qp = -13}), "slice_qp_delta is out of range"},
-           Case{with_sets({.frame_mbs_only = false}, plain, {.field_pic = 1, .poc_lsb = 0}), "field pictures are not"},
-           Case{with_sets({.frame_mbs_only = false, .mb_adaptive = true}, plain, {.field_pic = 0, .poc_lsb = 0}),
-                "frame/field adaptive coding is not supported"},
+           Case{half_a_pair(), "macroblock 1: half a pair of macroblocks"},
            Case{slice({.type = 3, .poc_lsb = 0}), "slice at byte 22: SP slices are not supported"},
            Case{slice({.type = 9, .poc_lsb = 0}), "SI slices are not supported"},
            Case{slice({.type = 5, .poc_lsb = 0}), "slice_type is out of range"},

@@ -70,6 +70,7 @@ struct SliceFields {
   int type = 7, pps_id = 0;
   int frame_num = 0;
   int field_pic = -1;  // written if not negative
+  bool bottom = false;
   int idr_pic_id = 0;
   int poc_lsb = -1;               // written if not negative
   std::vector<int> delta_poc{};   // as the parameter sets want them
@@ -138,7 +139,7 @@ class StreamBuilder {
     BitWriter w;
     w.ue(f.first_mb).ue(f.type).ue(f.pps_id).u(4, f.frame_num);
     if (f.field_pic >= 0) w.u(1, f.field_pic);
-    if (f.field_pic > 0) w.u(1, 0);
+    if (f.field_pic > 0) w.u(1, f.bottom);
     if (f.nal_type == 5) w.ue(f.idr_pic_id);
     if (f.poc_lsb >= 0) w.u(4, f.poc_lsb);
     for (const int delta : f.delta_poc) w.se(delta);

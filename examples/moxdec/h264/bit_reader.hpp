@@ -31,6 +31,8 @@ class BitReader {
     return value;
   }
   bool flag() { return bits(1) != 0; }
+  /// The same without going on.
+  bool next_flag() const { return *word_ >> offset_ & 1; }
   void skip(std::size_t count) {
     for (; count > 32; count -= 32) bits(32);
     if (count > 0) bits(static_cast<int>(count));

@@ -12,19 +12,22 @@ namespace {
 
 /// A block of 15 coefficients starts at scan index 1, and its tables allow one coefficient too many. The 17th index
 /// keeps that one inside the block.
-constexpr std::array<Mox32s, 17> kScan = [] {
+constexpr std::array<Mox32s, 17> scan_4x4(const std::array<std::uint8_t, 16>& order) {
   std::array<Mox32s, 17> scan{};
-  std::ranges::copy(example::kZigzag4x4, scan.begin());
+  std::ranges::copy(order, scan.begin());
   scan[16] = 15;
   return scan;
-}();
+}
+constexpr std::array<Mox32s, 17> kScans4x4[] = {scan_4x4(example::kZigzag4x4), scan_4x4(example::kFieldScan4x4)};
 
 /// By part. The library clears 16 elements at its target before it stores a part, so the target lies behind the block.
-constexpr std::array<std::array<Mox32s, 16>, 4> kScans8x8 = [] {
+constexpr std::array<std::array<Mox32s, 16>, 4> scans_8x8(const std::array<std::uint8_t, 64>& order) {
   std::array<std::array<Mox32s, 16>, 4> scans{};
-  for (int i = 0; i < 64; ++i) scans[i % 4][i / 4] = example::kZigzag8x8[i] - 64;
+  for (int i = 0; i < 64; ++i) scans[i % 4][i / 4] = order[i] - 64;
   return scans;
-}();
+}
+constexpr std::array<std::array<Mox32s, 16>, 4> kScans8x8[] = {scans_8x8(example::kZigzag8x8),
+                                                               scans_8x8(example::kFieldScan8x8)};
 
 /// The library's functions for each width of coefficients.
 template <class Coeff>
@@ -72,14 +75,14 @@ int CavlcTables::read(BitReader& bits, Coeff** out, int context, int max, const 
 }
 
 template <class Coeff>
-int CavlcTables::read_block(BitReader& bits, Coeff** out, int context, int max) const {
-  return read(bits, out, context, max, kScan.data());
+int CavlcTables::read_block(BitReader& bits, Coeff** out, int context, int max, bool field) const {
+  return read(bits, out, context, max, kScans4x4[field].data());
 }
 
 template <class Coeff>
-int CavlcTables::read_part_8x8(BitReader& bits, Coeff* block, int part, int context) const {
+int CavlcTables::read_part_8x8(BitReader& bits, Coeff* block, int part, int context, bool field) const {
   Coeff* target = block + 64;
-  return read(bits, &target, context, 16, kScans8x8[part].data());
+  return read(bits, &target, context, 16, kScans8x8[field][part].data());
 }
 
 template <class Coeff>
@@ -93,10 +96,10 @@ int CavlcTables::read_chroma_dc(BitReader& bits, Coeff** out, bool is_422) const
   return count;
 }
 
-template int CavlcTables::read_block(BitReader&, Mox16s**, int, int) const;
-template int CavlcTables::read_block(BitReader&, Mox32s**, int, int) const;
-template int CavlcTables::read_part_8x8(BitReader&, Mox16s*, int, int) const;
-template int CavlcTables::read_part_8x8(BitReader&, Mox32s*, int, int) const;
+template int CavlcTables::read_block(BitReader&, Mox16s**, int, int, bool) const;
+template int CavlcTables::read_block(BitReader&, Mox32s**, int, int, bool) const;
+template int CavlcTables::read_part_8x8(BitReader&, Mox16s*, int, int, bool) const;
+template int CavlcTables::read_part_8x8(BitReader&, Mox32s*, int, int, bool) const;
 template int CavlcTables::read_chroma_dc(BitReader&, Mox16s**, bool) const;
 template int CavlcTables::read_chroma_dc(BitReader&, Mox32s**, bool) const;
 

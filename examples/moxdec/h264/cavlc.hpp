@@ -14,14 +14,15 @@ class CavlcTables {
   CavlcTables();
 
   /// Reads a 4x4 block of `max` (16 or 15) coefficients into 16 raster positions at `*out`. If there are any, `*out`
-  /// moves behind them. `context` is the count expected from the neighbours. Returns the count.
+  /// moves behind them. `context` is the count expected from the neighbours; field macroblocks have another order of
+  /// coefficients. Returns the count.
   template <class Coeff>
-  int read_block(BitReader& bits, Coeff** out, int context, int max) const;
+  int read_block(BitReader& bits, Coeff** out, int context, int max, bool field) const;
   /// Reads one of the four parts of an 8x8 block, every fourth coefficient from the `part`-th one on, into raster
   /// positions at `block`. Clears 16 elements behind the 64 of the block, whose zeros are the caller's task. Returns
   /// the count.
   template <class Coeff>
-  int read_part_8x8(BitReader& bits, Coeff* block, int part, int context) const;
+  int read_part_8x8(BitReader& bits, Coeff* block, int part, int context, bool field) const;
   /// Reads the DC coefficients of a chroma plane in the same way: 4 of a 4:2:0 plane, 8 of a 4:2:2 plane.
   template <class Coeff>
   int read_chroma_dc(BitReader& bits, Coeff** out, bool is_422) const;

@@ -5,8 +5,9 @@
 
 namespace moxdec::h264 {
 
-/// Filters all edges of the macroblocks of a row, in the picture. The rows above must be filtered, this row and the one
-/// below rebuilt: intra prediction uses unfiltered samples, and filtering reaches three rows up but none down.
-void deblock_row(Picture& picture, int row);
+/// Filters all edges of the macroblocks of a row, of a row of pairs if the picture has such, in the picture. The rows
+/// above must be filtered, this row and the one below rebuilt: intra prediction uses unfiltered samples, and filtering
+/// reaches three lines of each field up but none down.
+void deblock_rows(Picture& picture, int row);
 
 }  // namespace moxdec::h264

@@ -51,6 +51,7 @@ class H264Decoder : public Decoder {
   void decode_slice(const Nal& unit);
   void begin_picture(const SliceHeader& slice, std::size_t position);
   void finish_picture();
+  void finish_frame();
   void finish_stream();
 
   NalReader units_;
@@ -77,12 +78,14 @@ void H264Decoder::advance() {
   } catch (const DecodeError&) {
     error_ = std::current_exception();
     if (picture_.is_complete()) finish_picture();
+    finish_frame();
     output_.flush();
   }
 }
 
 void H264Decoder::finish_stream() {
   finish_picture();
+  finish_frame();
   require(sps_ != nullptr, "no picture found");
   output_.flush();
   at_end_ = true;
@@ -125,6 +128,7 @@ void H264Decoder::begin_picture(const SliceHeader& slice, std::size_t position) 
     sps_ = slice.sps;
   }
   picture_position_ = position;
+  if (!picture_.completes_frame(slice)) finish_frame();
   if (slice.idr || slice.resets_order) output_.flush();
   output_.set_window(sps_->reorder_frames);
   try {
@@ -136,7 +140,14 @@ void H264Decoder::begin_picture(const SliceHeader& slice, std::size_t position) 
 
 void H264Decoder::finish_picture() {
   if (!picture_.in_work()) return;
-  located("picture", picture_position_, [&] { output_.add(picture_.finish(), picture_.order()); });
+  located("picture", picture_position_, [&] {
+    if (auto frame = picture_.finish()) output_.add(std::move(frame), picture_.order());
+  });
+}
+
+/// A field whose frame gets no other one.
+void H264Decoder::finish_frame() {
+  if (picture_.has_single_field()) output_.add(picture_.take_single_field(), picture_.order());
 }
 
 /// A start code at once, then only units with whole headers, and a sequence parameter set before the first slice.

@@ -36,35 +36,86 @@ std::optional<int> distance_scale(int now, int from, int to) {
 }
 
 void DirectPredictor::begin_slice(const SliceHeader& slice, const ReferenceLists& lists,
-                                  const ReferenceBuffer& references, int order) {
+                                  const ReferenceBuffer& references) {
   spatial_ = slice.direct_spatial;
   whole_quadrants_ = slice.sps->direct_8x8_inference;
-  const int slot = lists.slots[1][0];
-  colocated_ = slot < 0 ? nullptr : &references.at(slot);
-  colocated_may_stand_still_ = colocated_ && colocated_->marking == Marking::kShortTerm;
-  if (!spatial_) find_scales(lists, references, order);
+  field_pic_ = slice.field_pic;
+  parity_ = slice.parity();
+  mb_width_ = slice.sps->mb_width;
+  const int id = lists.slots[1][0];
+  colocated_ = id < 0 ? nullptr : &references.at(id);
+  if (!colocated_) return;
+  colocated_may_stand_still_ = colocated_->is(Marking::kShortTerm, id);
+  if (field_pic_) {
+    colocated_parity_ = colocated_->mbaff ? parity_ : parity_of(id);
+  } else {
+    const std::int64_t now = references.current().order.frame();
+    const FieldOrder& order = colocated_->order;
+    colocated_parity_ = std::abs(order.top - now) < std::abs(order.bottom - now) ? kTop : kBottom;
+  }
+  if (spatial_) return;
+  find_indices(lists, references);
+  find_scales(PicturePart::kWhole, slice, lists, references);
+  if (!slice.mbaff()) return;
+  find_scales(PicturePart::kTopField, slice, lists, references);
+  find_scales(PicturePart::kBottomField, slice, lists, references);
 }
 
-void DirectPredictor::find_scales(const ReferenceLists& lists, const ReferenceBuffer& references, int order) {
-  indices_.fill(kNoReference);
-  scales_.fill(std::nullopt);
-  if (!colocated_) return;
+void DirectPredictor::find_indices(const ReferenceLists& lists, const ReferenceBuffer& references) {
+  for (auto& indices : indices_) indices.fill(kNoReference);
   for (int i = lists.count[0] - 1; i >= 0; --i) {
-    const int slot = lists.slots[0][i];
-    if (slot < 0) continue;
-    const StoredPicture& picture = references.at(slot);
+    const int id = lists.slots[0][i];
+    if (id < 0) continue;
+    auto& indices = indices_[is_field(id) ? 1 + parity_of(id) : 0];
     for (int old = 0; old < kPictureSlots; ++old) {
-      if (colocated_->serials[old] == picture.serial) indices_[old] = static_cast<std::int8_t>(i);
+      if (colocated_->serials[old] == references.at(id).serial) indices[old] = static_cast<std::int8_t>(i);
     }
-    if (picture.marking == Marking::kLongTerm) continue;
-    scales_[i] = distance_scale(order, picture.order.frame(), colocated_->order.frame());
   }
 }
 
-DirectPredictor::Colocated DirectPredictor::colocated(int address, int block) const {
-  const MbMotion& motion = colocated_->motion[static_cast<std::size_t>(address)];
+void DirectPredictor::find_scales(PicturePart part, const SliceHeader& slice, const ReferenceLists& lists,
+                                  const ReferenceBuffer& references) {
+  auto& scales = scales_[static_cast<int>(part)];
+  scales.fill(std::nullopt);
+  const int now = references.current().order_of(part, slice);
+  const int to = colocated_->order_of(lists.picture(1, 0, part));
+  for (int i = 0; i < lists.entries(0, part); ++i) {
+    const int id = lists.picture(0, i, part);
+    if (id < 0 || references.at(id).is(Marking::kLongTerm, id)) continue;
+    scales[i] = distance_scale(now, references.at(id).order_of(id), to);
+  }
+}
+
+/// Where frames and fields meet, a macroblock faces two of the other kind or a half of one, and the corners of
+/// quadrants move to the nearest block there.
+DirectPredictor::Facing DirectPredictor::facing(const Place& place) const {
+  const int pair = field_pic_ ? place.y : place.y / 2;
+  const bool field = is_field_at(place);
+  const int parity = place.part != PicturePart::kWhole ? parity_of(place.part) : colocated_parity_;
+  const MbMotion* column = &colocated_->motion[static_cast<std::size_t>(place.x)];
+  const auto macroblock = [=, this](int row) { return column + std::ptrdiff_t{row} * mb_width_; };
+  const MbMotion* same = macroblock(field ? 2 * pair + parity : place.y);
+  if (same->field == field) return {{same, same}};
+  if (field) return {{macroblock(2 * pair), macroblock(2 * pair + 1)}, true, 0, 8};
+  const MbMotion* nearer = macroblock(2 * pair + parity);
+  return {{nearer, nearer}, true, 8 * (place.y & 1), 4};
+}
+
+DirectPredictor::Colocated DirectPredictor::colocated(const Facing& facing, int block) const {
+  const int lower = block >> 3;
+  const MbMotion& motion = *facing.half[static_cast<std::size_t>(lower)];
+  if (facing.mixed) block = facing.first + facing.next * lower + (block & 3);
   const int quadrant = quadrant_of(block), list = motion.references[0][quadrant] >= 0 ? 0 : 1;
-  return {motion.vectors[list][block], motion.references[list][quadrant], motion.picture_slots[list][quadrant]};
+  return {motion.vectors[list][block], motion.references[list][quadrant], motion.pictures[list][quadrant]};
+}
+
+/// The index of the picture that the colocated block refers to, of its frame, or of its field of the own parity.
+int DirectPredictor::map_to_list0(const Colocated& there, PicturePart part) const {
+  const int slot = slot_of(there.picture);
+  if (field_pic_) return indices_[1 + (is_field(there.picture) ? parity_of(there.picture) : parity_)][slot];
+  const int frame = indices_[0][slot];
+  if (part == PicturePart::kWhole || frame < 0) return frame;
+  return 2 * frame + (is_field(there.picture) && parity_of(there.picture) != parity_of(part) ? 1 : 0);
 }
 
 template <class Work>
@@ -80,13 +131,14 @@ void DirectPredictor::for_each_rect(int quadrant, Work work) const {
   }
 }
 
-void DirectPredictor::derive(std::array<MotionWindow, 2>& windows, int address, unsigned quadrants,
+void DirectPredictor::derive(std::array<MotionWindow, 2>& windows, const Place& place, unsigned quadrants,
                              std::array<Split, 4>& splits) const {
   require(colocated_ != nullptr, kMissing);
-  if (spatial_) derive_spatial(windows, address, quadrants);
+  const Facing there = facing(place);
+  if (spatial_) derive_spatial(windows, there, quadrants);
   for (int i = 0; i < 4; ++i) {
     if (!(quadrants >> i & 1)) continue;
-    if (!spatial_) derive_temporal(windows, address, i);
+    if (!spatial_) derive_temporal(windows, place, there, i);
     const bool whole = whole_quadrants_ ||
                        (windows[0].has_one_vector(quadrant_rect(i)) && windows[1].has_one_vector(quadrant_rect(i)));
     splits[i] = whole ? Split::kNone : Split::kQuarters;
@@ -94,7 +146,8 @@ void DirectPredictor::derive(std::array<MotionWindow, 2>& windows, int address, 
 }
 
 /// References and vectors come from the neighbours, but what stands still in the colocated picture may do so here.
-void DirectPredictor::derive_spatial(std::array<MotionWindow, 2>& windows, int address, unsigned quadrants) const {
+void DirectPredictor::derive_spatial(std::array<MotionWindow, 2>& windows, const Facing& facing,
+                                     unsigned quadrants) const {
   std::array<Motion, 2> motion;
   for (int list = 0; list < 2; ++list) {
     const int reference = windows[list].lowest_reference();
@@ -113,7 +166,7 @@ void DirectPredictor::derive_spatial(std::array<MotionWindow, 2>& windows, int a
     }
     if (!may_stop(0) && !may_stop(1)) continue;
     for_each_rect(i, [&](const BlockRect& rect, int block) {
-      const Colocated there = colocated(address, block);
+      const Colocated there = colocated(facing, block);
       if (there.reference != 0 || std::abs(there.vector.x) > 1 || std::abs(there.vector.y) > 1) return;
       for (int list = 0; list < 2; ++list) {
         if (may_stop(list)) windows[list].set_vector(rect, {});
@@ -123,12 +176,15 @@ void DirectPredictor::derive_spatial(std::array<MotionWindow, 2>& windows, int a
 }
 
 /// The colocated vector, shared out by the distances in time.
-void DirectPredictor::derive_temporal(std::array<MotionWindow, 2>& windows, int address, int quadrant) const {
+void DirectPredictor::derive_temporal(std::array<MotionWindow, 2>& windows, const Place& place, const Facing& facing,
+                                      int quadrant) const {
+  const bool field = is_field_at(place);
   for_each_rect(quadrant, [&](const BlockRect& rect, int block) {
-    const Colocated there = colocated(address, block);
-    const int reference = there.reference < 0 ? 0 : indices_[there.slot];
+    Colocated there = colocated(facing, block);
+    const int reference = there.reference < 0 ? 0 : map_to_list0(there, place.part);
     require(reference >= 0, kMissing);
-    const auto& scale = scales_[reference];
+    if (facing.mixed) there.vector.y = clamp16(field ? there.vector.y / 2 : there.vector.y * 2);
+    const auto& scale = scales_[static_cast<int>(place.part)][static_cast<std::size_t>(reference)];
     const MotionVector forward = scale ? scaled(there.vector, *scale) : there.vector;
     windows[0].set_reference(rect, reference);
     windows[0].set_vector(rect, forward);

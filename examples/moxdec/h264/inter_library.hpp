@@ -1,7 +1,9 @@
 /// The library's functions of inter prediction, under one name for both types of samples. Steps count samples.
 #pragma once
 
+#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <type_traits>
 
 #include "moxvc.h"
@@ -90,6 +92,29 @@ inline MoxStatus interpolate_chroma_inside(const ReferenceBlock<Mox8u>& b, int i
 inline MoxStatus interpolate_chroma_inside(const ReferenceBlock<Mox16u>& b, int i) {
   const auto region = library_region(b, i, 3);
   return moxiInterpolateChroma_H264_16u_C1R(&region);
+}
+
+/// Luma, or one of the planes of chroma, from a reference that is smaller than what the filter reads: from a patch with
+/// all of it. `before` and `more` are the samples read before the block and besides it, `log2` is that of the vector.
+template <class Sample, class Interpolate>
+MoxStatus interpolate_patch(const ReferenceBlock<Sample>& b, int i, int before, int more, int log2,
+                            Interpolate interpolate) {
+  constexpr int kStep = 32;
+  std::array<Sample, kStep*(16 + 5)> patch;
+  const int left = b.position.x + (b.vector.x >> log2) - before, top = b.position.y + (b.vector.y >> log2) - before;
+  for (int y = 0; y < b.size.height + more; ++y) {
+    const Sample* row = b.source[i] + std::ptrdiff_t{std::clamp(top + y, 0, b.frame_size.height - 1)} * b.source_step;
+    for (int x = 0; x < b.size.width + more; ++x) {
+      patch[kStep * y + x] = row[std::clamp(left + x, 0, b.frame_size.width - 1)];
+    }
+  }
+  const int fraction = (1 << log2) - 1;
+  ReferenceBlock<Sample> inside = b;
+  inside.source[i] = patch.data() + kStep * before + before;
+  inside.source_step = kStep;
+  inside.position = {0, 0};
+  inside.vector = {b.vector.x & fraction, b.vector.y & fraction};
+  return interpolate(inside);
 }
 
 /// A prediction to be weighted in place; `offset` on the scale of the bit depth.

@@ -58,7 +58,8 @@ void MacroblockReader::read_inter(Macroblock& mb, MbInfo& info, const Neighbours
 
 void MacroblockReader::skip(Macroblock& mb, std::int32_t slice_index) {
   MbInfo& info = picture_.at(mb.x, mb.y);
-  begin_inter(mb, info, picture_.neighbours(mb.x, mb.y, slice_index));
+  info.field = mb.field;
+  begin_inter(mb, info, find_neighbours(picture_, mb.x, mb.y, mb.field, slice_index));
   clear_residual(mb, info);
   if (slice_.type == SliceType::kP) {
     mb.split = Split::kNone;
@@ -77,31 +78,42 @@ void MacroblockReader::skip(Macroblock& mb, std::int32_t slice_index) {
 void MacroblockReader::begin_inter(Macroblock& mb, MbInfo& info, const Neighbours& neighbours) {
   info.kind = mb.kind = MbKind::kInter;
   info.intra_modes.fill(kPlainMode);
-  const MbMotion *left = picture_.motion_of(neighbours.left), *top = picture_.motion_of(neighbours.top),
-                 *top_left = picture_.motion_of(neighbours.top_left),
+  part_ = picture_.part_of(mb.y, mb.field);
+  const MbMotion* left[] = {picture_.motion_of(neighbours.left_pair[0]), picture_.motion_of(neighbours.left_pair[1])};
+  const MbMotion *top = picture_.motion_of(neighbours.top), *top_left = picture_.motion_of(neighbours.top_left),
                  *top_right = picture_.motion_of(neighbours.top_right);
-  for (int list = 0; list < list_count(slice_.type); ++list) {
-    windows_[list].load(list, left, top, top_left, top_right);
+  const int lists = list_count(slice_.type);
+  if (!picture_.mbaff) {
+    for (int list = 0; list < lists; ++list) windows_[list].load(list, left[0], top, top_left, top_right);
+    return;
   }
+  MotionWindow::Surroundings around = {{}, {}, top, top_right, mb.field};
+  for (std::size_t y = 0; y < 4; ++y) {
+    const LeftBlocks &beside = neighbours.left->beside[y], &corner = neighbours.left->corner[y];
+    around.left[y] = {left[beside.mb], beside.row};
+    around.corner[y] = {y == 0 ? top_left : left[corner.mb], corner.row};
+  }
+  for (int list = 0; list < lists; ++list) windows_[list].load(list, around);
 }
 
 /// Takes the motion over into the picture, where each reference must be there.
 void MacroblockReader::finish_inter(Macroblock& mb, MbInfo& info) {
-  MbMotion& motion = picture_.motion[mb.y * picture_.mb_width + mb.x];
+  MbMotion& motion = picture_.motion_at(mb.x, mb.y);
+  motion.field = mb.field;
   const int lists = list_count(slice_.type);
   for (int list = 0; list < lists; ++list) {
     windows_[list].store(list, motion);
     for (int i = 0; i < 4; ++i) {
       const int reference = motion.references[list][i];
-      const std::int8_t slot = reference < 0 ? kNoReference : inter_.lists.slots[list][reference];
-      require(reference < 0 || slot >= 0, "a reference picture is missing");
-      motion.picture_slots[list][i] = slot;
+      const std::int8_t id = reference < 0 ? kNoReference : inter_.lists.picture(list, reference, part_);
+      require(reference < 0 || id >= 0, "a reference picture is missing");
+      motion.pictures[list][i] = id;
     }
   }
   if (lists == 1) {
     motion.vectors[1] = kNoMotion.vectors[1];
     motion.references[1] = kNoMotion.references[1];
-    motion.picture_slots[1] = kNoMotion.picture_slots[1];
+    motion.pictures[1] = kNoMotion.pictures[1];
   }
   info.motion_edges = find_motion_edges(mb);
 }
@@ -135,13 +147,13 @@ MacroblockReader::Parts MacroblockReader::read_parts_b(Macroblock& mb, int type)
     parts.part[i].split = mb.quarter_splits[i] = quadrant.split;
     if (quadrant.lists[0] == 0) direct |= 1u << i;
   }
-  if (direct != 0) inter_.direct.derive(windows_, mb.y * picture_.mb_width + mb.x, direct, mb.quarter_splits);
+  if (direct != 0) inter_.direct.derive(windows_, {mb.x, mb.y, part_}, direct, mb.quarter_splits);
   return parts;
 }
 
 /// Large blocks are predicted faster than small ones: quadrants with the same motion become one.
 void MacroblockReader::derive_direct(Macroblock& mb) {
-  inter_.direct.derive(windows_, mb.y * picture_.mb_width + mb.x, kAllQuadrants, mb.quarter_splits);
+  inter_.direct.derive(windows_, {mb.x, mb.y, part_}, kAllQuadrants, mb.quarter_splits);
   const auto one = [](const MotionWindow& window) {
     const int reference = window.at(0, 0).reference;
     return window.at(2, 0).reference == reference && window.at(0, 2).reference == reference &&
@@ -180,7 +192,7 @@ bool MacroblockReader::allows_transform_8x8(const Macroblock& mb, const Parts& p
 }
 
 int MacroblockReader::read_reference(int list) {
-  const int count = inter_.lists.count[list];
+  const int count = inter_.lists.entries(list, part_);
   if (count == 1) return 0;
   if (count == 2) return bits_.flag() ? 0 : 1;
   return bits_.ue(static_cast<Mox32u>(count - 1), "ref_idx");

@@ -16,6 +16,11 @@ bool is_inside(int x, int y, MoxiSize footprint, MoxiSize plane, int margin) {
          y + footprint.height <= plane.height + margin;
 }
 
+/// Too small for the library to repeat its samples at two opposite sides of a block.
+bool is_smaller(MoxiSize plane, MoxiSize footprint) {
+  return plane.width < footprint.width || plane.height < footprint.height;
+}
+
 MoxiSize coded_size(const Frame& frame) { return {frame.layout().width, frame.layout().height}; }
 
 void expand_plane(Mox8u* plane, MoxiSize size, Mox32s step, int margin) {
@@ -58,7 +63,7 @@ void expand(const Frame& frame) {
 }
 
 void InterPredictor::begin_slice(const SliceHeader& slice, const ReferenceLists& lists,
-                                 const ReferenceBuffer& references, int order) {
+                                 const ReferenceBuffer& references) {
   weighting_ = slice.explicit_weights ? Weighting::kExplicit : Weighting::kNone;
   explicit_ = &slice.weights;
   bit_depth_ = slice.sps->bit_depth_luma;
@@ -66,30 +71,38 @@ void InterPredictor::begin_slice(const SliceHeader& slice, const ReferenceLists&
   chroma_shift_y_ = slice.sps->chroma_mb_height() == 16 ? 0 : 1;
   if (slice.type == SliceType::kB && slice.pps->weighted_bipred_idc == 2) {
     weighting_ = Weighting::kImplicit;
-    find_implicit_weights(lists, references, order);
+    find_implicit_weights(PicturePart::kWhole, slice, lists, references);
+    if (slice.mbaff()) {
+      find_implicit_weights(PicturePart::kTopField, slice, lists, references);
+      find_implicit_weights(PicturePart::kBottomField, slice, lists, references);
+    }
   }
   for (int list = 0; list < 2; ++list) {
     for (int i = 0; i < lists.count[list]; ++i) {
-      const int slot = lists.slots[list][i];
-      if (slot < 0) continue;
-      const Frame& frame = *references.at(slot).frame;
-      for (int plane = 0; plane < 3; ++plane) sources_[slot].plane[plane] = frame.samples<std::byte>(plane);
+      const int id = lists.slots[list][i];
+      if (id < 0) continue;
+      const Frame& frame = *references.at(id).frame;
+      for (int plane = 0; plane < 3; ++plane) sources_[slot_of(id)].plane[plane] = frame.samples<std::byte>(plane);
     }
   }
 }
 
 /// By the distances in time; equal where those tell nothing.
-void InterPredictor::find_implicit_weights(const ReferenceLists& lists, const ReferenceBuffer& references, int order) {
+void InterPredictor::find_implicit_weights(PicturePart part, const SliceHeader& slice, const ReferenceLists& lists,
+                                           const ReferenceBuffer& references) {
   constexpr int kEqual = 32;
-  for (int i = 0; i < lists.count[0]; ++i) {
-    for (int j = 0; j < lists.count[1]; ++j) {
-      implicit_[i][j] = kEqual;
-      if (lists.slots[0][i] < 0 || lists.slots[1][j] < 0) continue;
-      const StoredPicture &first = references.at(lists.slots[0][i]), &second = references.at(lists.slots[1][j]);
-      if (first.marking == Marking::kLongTerm || second.marking == Marking::kLongTerm) continue;
-      const auto scale = distance_scale(order, first.order.frame(), second.order.frame());
+  const int now = references.current().order_of(part, slice);
+  for (int i = 0; i < lists.entries(0, part); ++i) {
+    for (int j = 0; j < lists.entries(1, part); ++j) {
+      std::int16_t& weight = implicit_[static_cast<int>(part)][i][j];
+      weight = kEqual;
+      const int id0 = lists.picture(0, i, part), id1 = lists.picture(1, j, part);
+      if (id0 < 0 || id1 < 0) continue;
+      const StoredPicture &first = references.at(id0), &second = references.at(id1);
+      if (first.is(Marking::kLongTerm, id0) || second.is(Marking::kLongTerm, id1)) continue;
+      const auto scale = distance_scale(now, first.order_of(id0), second.order_of(id1));
       if (!scale || *scale >> 2 < -64 || *scale >> 2 > 128) continue;
-      implicit_[i][j] = static_cast<std::int16_t>(*scale >> 2);
+      weight = static_cast<std::int16_t>(*scale >> 2);
     }
   }
 }
@@ -100,12 +113,31 @@ void InterPredictor::predict(const Picture& picture, const Macroblock& mb) {
 
 template <class Sample>
 void InterPredictor::predict_macroblock(const Picture& picture, const Macroblock& mb) const {
-  const MbMotion& motion = picture.motion[mb.y * picture.mb_width + mb.x];
+  const bool of_frame = picture.mbaff && mb.field;  // a field of the picture, which is none
+  const int mb_row = of_frame ? mb.y / 2 : mb.y;
+  const Unit unit = {picture.motion_at(mb.x, mb.y),
+                     picture.part_of(mb.y, mb.field),
+                     picture.field_pic ? picture.parity
+                     : of_frame        ? mb.y & 1
+                                       : -1,
+                     {16 * picture.mb_width, 16 * picture.mb_height >> (of_frame ? 1 : 0)},
+                     {16 * mb.x, 16 * mb_row},
+                     picture.step<Sample>(0, mb.field),
+                     picture.step<Sample>(1, mb.field)};
+  const std::array<Sample*, 3> planes = {picture.samples<Sample>(0, mb.x, mb.y, mb.field),
+                                         picture.samples<Sample>(1, mb.x, mb.y, mb.field),
+                                         picture.samples<Sample>(2, mb.x, mb.y, mb.field)};
   const auto predict_parts = [&](int left, int top, int size, Split split) {
     const int width = size >> (static_cast<int>(split) >> 1), height = size >> (static_cast<int>(split) & 1);
     for (int y = top; y < top + size; y += height) {
       for (int x = left; x < left + size; x += width) {
-        predict_block<Sample>({picture, motion, {16 * mb.x + x, 16 * mb.y + y}, {width, height}, y / 4 * 4 + x / 4});
+        const std::ptrdiff_t in_chroma = std::ptrdiff_t{rows(1, y)} * unit.chroma_step + x / 2;
+        const Target<Sample> target = {
+            {planes[0] + std::ptrdiff_t{y} * unit.luma_step + x, planes[1] + in_chroma, planes[2] + in_chroma},
+            unit.luma_step,
+            unit.chroma_step};
+        const MoxiPoint position = {unit.position.x + x, unit.position.y + y};
+        predict_block<Sample>({unit, unit.motion, position, {width, height}, y / 4 * 4 + x / 4}, target);
       }
     }
   };
@@ -114,17 +146,9 @@ void InterPredictor::predict_macroblock(const Picture& picture, const Macroblock
 }
 
 template <class Sample>
-void InterPredictor::predict_block(const Block& block) const {
-  const Frame& frame = *block.picture.frame;
-  const MoxiPoint at = block.position;
-  const int chroma_y = rows(1, at.y);
-  const Target<Sample> target = {
-      {block.picture.samples<Sample>(0, at.x, at.y), block.picture.samples<Sample>(1, at.x / 2, chroma_y),
-       block.picture.samples<Sample>(2, at.x / 2, chroma_y)},
-      frame.sample_step<Sample>(0),
-      frame.sample_step<Sample>(1)};
-  if (block.slot(0) < 0 || block.slot(1) < 0) {
-    const int list = block.slot(0) < 0 ? 1 : 0;
+void InterPredictor::predict_block(const Block& block, const Target<Sample>& target) const {
+  if (block.picture_id(0) < 0 || block.picture_id(1) < 0) {
+    const int list = block.picture_id(0) < 0 ? 1 : 0;
     fetch(block, list, target);
     if (weighting_ == Weighting::kExplicit) weight(block, list, target);
     return;
@@ -145,55 +169,73 @@ void InterPredictor::fetch(const Block& block, int list, const Target<Sample>& t
   if (planes_ > 1) fetch_chroma(block, list, target);
 }
 
+/// A field is every other line of its frame.
+template <class Sample>
+ReferenceBlock<Sample> InterPredictor::reference_block(const Block& block, int list, int plane,
+                                                       const Target<Sample>& target) const {
+  const int id = block.picture_id(list), step = plane == 0 ? block.unit.luma_step : block.unit.chroma_step;
+  const std::ptrdiff_t first_line = is_field(id) && parity_of(id) == kBottom ? step / 2 : 0;
+  const auto& planes = sources_[static_cast<std::size_t>(slot_of(id))].plane;
+  const auto source = [&](const std::byte* first) { return reinterpret_cast<const Sample*>(first) + first_line; };
+  const MotionVector vector = block.motion.vectors[list][block.index];
+  ReferenceBlock<Sample> reference = {{source(planes[0]), nullptr},
+                                      step,
+                                      {target.plane[0], nullptr},
+                                      target.luma_step,
+                                      block.unit.size,
+                                      block.size,
+                                      block.position,
+                                      {vector.x, vector.y},
+                                      bit_depth_};
+  if (plane == 0) return reference;
+  reference.source = {source(planes[1]), source(planes[2])};
+  reference.target = {target.plane[1], target.plane[2]};
+  reference.target_step = target.chroma_step;
+  reference.frame_size = size_in(1, block.unit.size);
+  reference.size = size_in(1, block.size);
+  reference.position = {block.position.x / 2, rows(1, block.position.y)};
+  return reference;
+}
+
 template <class Sample>
 void InterPredictor::fetch_luma(const Block& block, int list, const Target<Sample>& target) const {
-  const Planes& source = sources_[block.slot(list)];
-  const Frame& frame = *block.picture.frame;  // all frames have the same layout
-  const MotionVector vector = block.motion.vectors[list][block.index];
-  const ReferenceBlock<Sample> luma = {{reinterpret_cast<const Sample*>(source.plane[0]), nullptr},
-                                       frame.sample_step<Sample>(0),
-                                       {target.plane[0], nullptr},
-                                       target.luma_step,
-                                       coded_size(frame),
-                                       block.size,
-                                       block.position,
-                                       {vector.x, vector.y},
-                                       bit_depth_};
+  const auto luma = reference_block(block, list, 0, target);
   // The filter reaches two samples to the left and above, three to the right and below.
   const MoxiSize footprint = {block.size.width + 5, block.size.height + 5};
-  const int x = block.position.x + (vector.x >> 2), y = block.position.y + (vector.y >> 2);
-  const bool inside = expanded_ && is_inside(x - 2, y - 2, footprint, luma.frame_size, kMargin);
-  expect_ok(inside ? interpolate_luma_inside(luma) : interpolate_luma(luma));
+  const int x = luma.position.x + (luma.vector.x >> 2), y = luma.position.y + (luma.vector.y >> 2);
+  if (expanded_ && !block.unit.is_field() && is_inside(x - 2, y - 2, footprint, luma.frame_size, kMargin)) {
+    return expect_ok(interpolate_luma_inside(luma));
+  }
+  if (!is_smaller(luma.frame_size, footprint)) return expect_ok(interpolate_luma(luma));
+  expect_ok(interpolate_patch(luma, 0, 2, 5, 2, [](const auto& inside) { return interpolate_luma_inside(inside); }));
 }
 
 /// A vector in quarters of luma samples is one in eighths of chroma samples; not so for the rows of 4:2:2, which are
-/// those of luma.
+/// those of luma. In 4:2:0, chroma lines of the two fields are not as far apart as luma lines: a quarter of a line.
 template <class Sample>
 void InterPredictor::fetch_chroma(const Block& block, int list, const Target<Sample>& target) const {
-  const Planes& source = sources_[block.slot(list)];
-  const Frame& frame = *block.picture.frame;
-  const MotionVector vector = block.motion.vectors[list][block.index];
-  const ReferenceBlock<Sample> chroma = {
-      {reinterpret_cast<const Sample*>(source.plane[1]), reinterpret_cast<const Sample*>(source.plane[2])},
-      frame.sample_step<Sample>(1),
-      {target.plane[1], target.plane[2]},
-      target.chroma_step,
-      size_in(1, coded_size(frame)),
-      size_in(1, block.size),
-      {block.position.x / 2, rows(1, block.position.y)},
-      {vector.x, chroma_shift_y_ == 0 ? 2 * vector.y : vector.y},
-      bit_depth_};
+  auto chroma = reference_block(block, list, 1, target);
+  const int id = block.picture_id(list);
+  if (chroma_shift_y_ == 0) {
+    chroma.vector.y *= 2;
+  } else if (is_field(id)) {
+    chroma.vector.y += 2 * (block.unit.parity - parity_of(id));
+  }
   const int x = chroma.position.x + (chroma.vector.x >> 3), y = chroma.position.y + (chroma.vector.y >> 3);
   const MoxiSize footprint = {chroma.size.width + 1, chroma.size.height + 1};
-  if (!expanded_ || !is_inside(x, y, footprint, chroma.frame_size, kMargin / 2)) {
-    return expect_ok(interpolate_chroma(chroma));
+  const bool inside = expanded_ && !block.unit.is_field() && is_inside(x, y, footprint, chroma.frame_size, kMargin / 2);
+  if (!inside && !is_smaller(chroma.frame_size, footprint)) return expect_ok(interpolate_chroma(chroma));
+  for (int i = 0; i < 2; ++i) {
+    const auto plane = [i](const auto& whole) { return interpolate_chroma_inside(whole, i); };
+    expect_ok(inside ? plane(chroma) : interpolate_patch(chroma, i, 0, 1, 3, plane));
   }
-  for (int i = 0; i < 2; ++i) expect_ok(interpolate_chroma_inside(chroma, i));
 }
 
 /// Offsets are written on the scale of 8 bits.
 SampleWeight InterPredictor::explicit_weight(const Block& block, int list, int plane) const {
-  const Weight& w = explicit_->weights[list][block.reference(list)][plane];
+  // Both fields of a frame have its weight.
+  const int index = block.reference(list) >> (block.unit.part == PicturePart::kWhole ? 0 : 1);
+  const Weight& w = explicit_->weights[list][index][plane];
   return {w.weight, w.offset * (1 << (bit_depth_ - 8))};
 }
 
@@ -219,7 +261,7 @@ MoxStatus InterPredictor::combine_plane(const Block& block, int plane, const std
                                        size_in(plane, block.size),
                                        bit_depth_};
   if (weighting_ == Weighting::kImplicit) {
-    const int weight = implicit_[block.reference(0)][block.reference(1)];
+    const int weight = implicit_[static_cast<int>(block.unit.part)][block.reference(0)][block.reference(1)];
     if (weight != 32) return weight_implicit(pair, weight);
   }
   if (weighting_ == Weighting::kExplicit) {

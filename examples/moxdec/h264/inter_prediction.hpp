@@ -15,7 +15,7 @@ namespace moxdec::h264 {
 /// Where blocks outside a reference come from.
 enum class OutsideSamples {
   kOnDemand,  // the library repeats the nearest samples for each block that needs them
-  kExpanded,  // references have margins with those samples; only blocks beyond the margins are treated so
+  kExpanded,  // frames have margins with those samples; only blocks beyond the margins are treated so, and fields
 };
 /// Samples of luma on each side. A block of 16x16 with its filter's footprint lies in the margin if its vector leaves
 /// the picture by no more than 13 samples.
@@ -27,8 +27,8 @@ void expand(const Frame& frame);
 class InterPredictor {
  public:
   void set_outside(OutsideSamples outside) { expanded_ = outside == OutsideSamples::kExpanded; }
-  /// `order` is that of the picture in work. The header must stay while the slice is decoded.
-  void begin_slice(const SliceHeader& slice, const ReferenceLists& lists, const ReferenceBuffer& references, int order);
+  /// The header must stay while the slice is decoded.
+  void begin_slice(const SliceHeader& slice, const ReferenceLists& lists, const ReferenceBuffer& references);
   /// Predicts all planes of a macroblock. Throws DecodeError if the library refuses, which no motion should cause.
   void predict(const Picture& picture, const Macroblock& mb);
 
@@ -38,6 +38,7 @@ class InterPredictor {
   struct Planes {
     std::array<const std::byte*, 3> plane;
   };
+  using ImplicitWeights = std::array<std::array<std::int16_t, kMaxListEntries>, kMaxListEntries>;
   /// Where predicted samples go. Steps count samples.
   template <class Sample>
   struct Target {
@@ -46,24 +47,40 @@ class InterPredictor {
     Mox32s chroma_step;
     Mox32s step(int i) const { return i == 0 ? luma_step : chroma_step; }
   };
+  /// A macroblock in the frame or the field that it and its references are, in samples of luma.
+  struct Unit {
+    const MbMotion& motion;
+    PicturePart part;
+    int parity;  // of a field; -1 for a frame
+    MoxiSize size;
+    MoxiPoint position;
+    Mox32s luma_step;  // in samples
+    Mox32s chroma_step;
+    bool is_field() const { return parity >= 0; }
+  };
   /// A block in work, in samples of luma.
   struct Block {
-    const Picture& picture;
+    const Unit& unit;
     const MbMotion& motion;
-    MoxiPoint position;  // in the picture
+    MoxiPoint position;  // in the frame or the field
     MoxiSize size;
     int index;  // of its first 4x4 block in the macroblock
     int reference(int list) const { return motion.references[list][quadrant_of(index)]; }
-    int slot(int list) const { return motion.picture_slots[list][quadrant_of(index)]; }
+    int picture_id(int list) const { return motion.pictures[list][quadrant_of(index)]; }
   };
 
-  void find_implicit_weights(const ReferenceLists& lists, const ReferenceBuffer& references, int order);
+  void find_implicit_weights(PicturePart part, const SliceHeader& slice, const ReferenceLists& lists,
+                             const ReferenceBuffer& references);
   template <class Sample>
   void predict_macroblock(const Picture& picture, const Macroblock& mb) const;
+  /// `target` is where the block goes in the picture.
   template <class Sample>
-  void predict_block(const Block& block) const;
+  void predict_block(const Block& block, const Target<Sample>& target) const;
   template <class Sample>
   void fetch(const Block& block, int list, const Target<Sample>& target) const;
+  /// The reference as a whole, frame or field, and where in it the block stands.
+  template <class Sample>
+  ReferenceBlock<Sample> reference_block(const Block& block, int list, int plane, const Target<Sample>& target) const;
   template <class Sample>
   void fetch_luma(const Block& block, int list, const Target<Sample>& target) const;
   template <class Sample>
@@ -86,8 +103,8 @@ class InterPredictor {
   int chroma_shift_y_ = 1;
   Weighting weighting_ = Weighting::kNone;
   const WeightTable* explicit_ = nullptr;
-  /// Of list 1, by the indices of both lists; of list 0 it is 64 less this one.
-  std::array<std::array<std::int16_t, kMaxListEntries>, kMaxListEntries> implicit_;
+  /// Of list 1, by the part of the picture and the indices of both lists; of list 0 it is 64 less this one.
+  std::array<ImplicitWeights, kPictureParts> implicit_;
   std::array<Planes, kPictureSlots> sources_;
 };
 

@@ -20,13 +20,18 @@ struct CountBorder {
   std::array<std::uint8_t, Rows> left{};
   std::array<std::uint8_t, Columns> top{};
 
-  /// `left_counts` and `top_counts` are the neighbours' counts in raster order, or null.
-  CountBorder(const std::uint8_t* left_counts, const std::uint8_t* top_counts)
-      : has_left(left_counts), has_top(top_counts) {
+  /// `counts_of` gives the counts of a macroblock in raster order.
+  template <class CountsOf>
+  CountBorder(const Neighbours& neighbours, CountsOf counts_of)
+      : has_left(neighbours.left_pair[0]), has_top(neighbours.top) {
+    constexpr int kStride = 4 / Rows;  // rows of luma blocks for each row
     if (has_left) {
-      for (int y = 0; y < Rows; ++y) left[y] = left_counts[Columns * y + Columns - 1];
+      for (int y = 0; y < Rows; ++y) {
+        const int row = neighbours.left_row(kStride * y) / kStride;
+        left[y] = counts_of(*neighbours.left_at(kStride * y))[Columns * row + Columns - 1];
+      }
     }
-    if (has_top) std::copy_n(top_counts + Columns * (Rows - 1), Columns, top.begin());
+    if (has_top) std::copy_n(counts_of(*neighbours.top) + Columns * (Rows - 1), Columns, top.begin());
   }
   /// The mean of the neighbours' counts, rounded up; of one if the other is missing; else 0.
   int expected(const std::uint8_t* counts, int x, int y) const {
@@ -42,13 +47,16 @@ struct CountBorder {
 struct ModeBorder {
   std::array<std::int8_t, 4> left, top;
 
-  ModeBorder(const MbInfo* left_mb, const MbInfo* top_mb) {
+  /// Constrained prediction tells nothing of inter macroblocks.
+  ModeBorder(const Neighbours& neighbours, bool constrained) {
     left.fill(-1);
     top.fill(-1);
-    if (left_mb) {
-      for (int y = 0; y < 4; ++y) left[y] = left_mb->intra_modes[4 * y + 3];
+    const auto usable = [=](const MbInfo* mb) { return mb && !(constrained && is_inter(*mb)); };
+    for (int y = 0; y < 4; ++y) {
+      const MbInfo* mb = neighbours.left_at(y);
+      if (usable(mb)) left[y] = mb->intra_modes[4 * neighbours.left_row(y) + 3];
     }
-    if (top_mb) std::copy_n(top_mb->intra_modes.begin() + 12, 4, top.begin());
+    if (usable(neighbours.top)) std::copy_n(neighbours.top->intra_modes.begin() + 12, 4, top.begin());
   }
   std::int8_t expected(const std::array<std::int8_t, 16>& modes, int x, int y) const {
     const std::int8_t a = x > 0 ? modes[4 * y + x - 1] : left[y];
@@ -58,34 +66,37 @@ struct ModeBorder {
   }
 };
 
-/// The neighbours that constrained intra prediction may use.
-Neighbours without_inter(Neighbours neighbours) {
-  for (const MbInfo** mb : {&neighbours.left, &neighbours.top, &neighbours.top_left, &neighbours.top_right}) {
-    if (*mb && is_inter(**mb)) *mb = nullptr;
+/// What intra prediction may not use.
+void deny_neighbours(const Neighbours& neighbours, bool constrained, Macroblock& mb) {
+  const auto denied = [=](const MbInfo* other, Mox32u bit) {
+    return other && !(constrained && is_inter(*other)) ? 0 : bit;
+  };
+  Mox32u left[2] = {0, 0};
+  for (int half = 0; half < 2; ++half) {
+    for (int i = 0; i < 2; ++i) {
+      if (neighbours.left->used[half] >> i & 1) left[half] |= denied(neighbours.left_pair[i], kDenyLeft);
+    }
   }
-  return neighbours;
+  const Mox32u above = denied(neighbours.top, kDenyTop) | denied(neighbours.top_left, kDenyTopLeft) |
+                       denied(neighbours.top_right, kDenyTopRight);
+  mb.denied = left[0] | left[1] | above;
+  mb.denied_halves = {left[0] | above, left[1] | (left[0] ? kDenyTopLeft : 0) | kDenyTopRight};
 }
 
-Mox32u denied_neighbours(const Neighbours& neighbours) {
-  return (neighbours.left ? 0 : kDenyLeft) | (neighbours.top ? 0 : kDenyTop) |
-         (neighbours.top_left ? 0 : kDenyTopLeft) | (neighbours.top_right ? 0 : kDenyTopRight);
-}
-
-const std::uint8_t* luma_counts(const MbInfo* mb) { return mb ? mb->luma_counts.data() : nullptr; }
-const std::uint8_t* chroma_counts(const MbInfo* mb, int plane) {
-  return mb ? mb->chroma_counts[plane].data() : nullptr;
-}
+const std::uint8_t* luma_counts(const MbInfo& mb) { return mb.luma_counts.data(); }
 
 }  // namespace
 
 void MacroblockReader::read(Macroblock& mb, std::int32_t slice_index) {
   MbInfo& info = picture_.at(mb.x, mb.y);
-  const Neighbours neighbours = picture_.neighbours(mb.x, mb.y, slice_index);
+  const Neighbours neighbours = find_neighbours(picture_, mb.x, mb.y, mb.field, slice_index);
+  info.field = mb.field;
   const int inter_types = kInterTypes[list_count(slice_.type)];
   const int type = bits_.ue(static_cast<Mox32u>(inter_types + kRawType), "mb_type");
   clear_residual(mb, info);
   if (type < inter_types) return read_inter(mb, info, neighbours, type);
-  picture_.motion[mb.y * picture_.mb_width + mb.x] = kNoMotion;
+  picture_.motion_at(mb.x, mb.y) = kNoMotion;
+  picture_.motion_at(mb.x, mb.y).field = mb.field;
   info.motion_edges = 0;
   read_intra(mb, info, neighbours, type - inter_types);
 }
@@ -96,10 +107,9 @@ void MacroblockReader::clear_residual(Macroblock& mb, MbInfo& info) {
   info.coded_blocks = 0;
 }
 
-void MacroblockReader::read_intra(Macroblock& mb, MbInfo& info, const Neighbours& all, int type) {
+void MacroblockReader::read_intra(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int type) {
   if (type == kRawType) return read_raw(mb, info);
-  const Neighbours neighbours = slice_.pps->constrained_intra ? without_inter(all) : all;
-  mb.denied = denied_neighbours(neighbours);
+  deny_neighbours(neighbours, slice_.pps->constrained_intra, mb);
   info.intra_modes.fill(kPlainMode);
 
   const bool in_blocks = type == 0;
@@ -116,7 +126,7 @@ void MacroblockReader::read_intra(Macroblock& mb, MbInfo& info, const Neighbours
     mb.intra_16x16_mode = static_cast<Mox32u>((type - 1) % 4);
     pattern = (type - 1) / 4 % 3 << 4 | (type > 12 ? 15 : 0);
   }
-  read_residual(mb, info, all, pattern);
+  read_residual(mb, info, neighbours, pattern);
 }
 
 int MacroblockReader::read_pattern(bool inter) {
@@ -172,7 +182,7 @@ void MacroblockReader::read_raw(Macroblock& mb, MbInfo& info) {
 }
 
 void MacroblockReader::read_intra_modes(Macroblock& mb, MbInfo& info, const Neighbours& neighbours) {
-  const ModeBorder border(neighbours.left, neighbours.top);
+  const ModeBorder border(neighbours, slice_.pps->constrained_intra);
   const int size = mb.transform_8x8 ? 2 : 1;  // in 4x4 blocks
   for (int i = 0; i < 16 / (size * size); ++i) {
     const int raster = example::kBlockRaster[size * size * i];
@@ -197,17 +207,17 @@ void MacroblockReader::read_qp_delta() {
 template <class Coeff>
 void MacroblockReader::read_luma(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int quarters,
                                  Coeff** out) {
-  const CountBorder<4, 4> border(luma_counts(neighbours.left), luma_counts(neighbours.top));
+  const CountBorder<4, 4> border(neighbours, luma_counts);
   std::uint8_t* counts = info.luma_counts.data();
   int max = 16;
   if (mb.kind == MbKind::kIntra16x16) {
-    if (tables_.read_block(bits_, out, border.expected(counts, 0, 0), 16) > 0) mb.coded |= kCodedDc;
+    if (tables_.read_block(bits_, out, border.expected(counts, 0, 0), 16, mb.field) > 0) mb.coded |= kCodedDc;
     max = 15;
   }
   for (int i = 0; i < 16; ++i) {
     if (!(quarters >> (i / 4) & 1)) continue;
     const int raster = example::kBlockRaster[i];
-    const int count = tables_.read_block(bits_, out, border.expected(counts, raster % 4, raster / 4), max);
+    const int count = tables_.read_block(bits_, out, border.expected(counts, raster % 4, raster / 4), max, mb.field);
     counts[raster] = static_cast<std::uint8_t>(count);
     if (count == 0) continue;
     mb.coded |= coded_block(i);
@@ -219,7 +229,7 @@ void MacroblockReader::read_luma(Macroblock& mb, MbInfo& info, const Neighbours&
 template <class Coeff>
 void MacroblockReader::read_luma_8x8(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int quarters,
                                      Coeff** out) {
-  const CountBorder<4, 4> border(luma_counts(neighbours.left), luma_counts(neighbours.top));
+  const CountBorder<4, 4> border(neighbours, luma_counts);
   std::uint8_t* counts = info.luma_counts.data();
   for (int i = 0; i < 4; ++i) {
     if (!(quarters >> i & 1)) continue;
@@ -227,7 +237,8 @@ void MacroblockReader::read_luma_8x8(Macroblock& mb, MbInfo& info, const Neighbo
     int all = 0;
     for (int part = 0; part < 4; ++part) {
       const int raster = example::kBlockRaster[4 * i + part];
-      const int count = tables_.read_part_8x8(bits_, *out, part, border.expected(counts, raster % 4, raster / 4));
+      const int count =
+          tables_.read_part_8x8(bits_, *out, part, border.expected(counts, raster % 4, raster / 4), mb.field);
       counts[raster] = static_cast<std::uint8_t>(count);
       all += count;
     }
@@ -247,10 +258,11 @@ void MacroblockReader::read_chroma(Macroblock& mb, MbInfo& info, const Neighbour
   }
   if (!has_ac) return;
   for (int plane = 0; plane < 2; ++plane) {
-    const CountBorder<2, Rows> border(chroma_counts(neighbours.left, plane), chroma_counts(neighbours.top, plane));
+    const CountBorder<2, Rows> border(neighbours,
+                                      [=](const MbInfo& other) { return other.chroma_counts[plane].data(); });
     std::uint8_t* counts = info.chroma_counts[plane].data();
     for (int i = 0; i < 2 * Rows; ++i) {
-      const int count = tables_.read_block(bits_, out, border.expected(counts, i % 2, i / 2), 15);
+      const int count = tables_.read_block(bits_, out, border.expected(counts, i % 2, i / 2), 15, mb.field);
       counts[i] = static_cast<std::uint8_t>(count);
       if (count > 0) mb.coded_chroma[plane] |= coded_block(i);
     }

@@ -8,6 +8,7 @@
 #include "common/h264_tables.hpp"
 #include "moxdec/h264/cavlc.hpp"
 #include "moxdec/h264/direct.hpp"
+#include "moxdec/h264/neighbours.hpp"
 #include "moxdec/h264/picture.hpp"
 #include "moxdec/h264/references.hpp"
 
@@ -35,14 +36,18 @@ using Coefficients = std::array<Coeff, 16 + 16 * 16 + 2 * 8 + 2 * 8 * 16>;
 struct Macroblock {
   int x = 0;  // in macroblocks
   int y = 0;
+  bool field = false;
   MbKind kind = MbKind::kIntra4x4;
   int qp = 0;
-  Mox32u denied = 0;
+  Mox32u denied = 0;  // of the whole macroblock
+  /// Of its upper and its lower half, which differ where only one of their two left neighbours may be used.
+  std::array<Mox32u, 2> denied_halves = {0, 0};
   std::array<Mox32u, 16> intra_modes;  // in coding order; of 8x8 blocks the first 4
   Mox32u intra_16x16_mode = 0;
   Mox32u chroma_mode = 0;
   Split split = Split::kNone;  // inter macroblocks; with kQuarters each quadrant is split on its own
   std::array<Split, 4> quarter_splits;
+  bool has_split_left() const { return ((denied_halves[0] ^ denied_halves[1]) & kDenyLeft) != 0; }
   bool transform_8x8 = false;
   Mox32u coded = 0;                                  // luma
   Mox32u coded_8x8 = 0;                              // bits 0 to 3: luma blocks of the 8x8 transform
@@ -74,8 +79,8 @@ class MacroblockReader {
                    Picture& picture)
       : bits_(bits), tables_(tables), slice_(slice), inter_(inter), picture_(picture), qp_(slice.qp) {}
 
-  /// Reads a macroblock, whose position and slice are set. Its place in the picture gets all but the slice. Throws
-  /// DecodeError.
+  /// Reads a macroblock, whose position and kind, frame or field, are set. Its place in the picture gets all but the
+  /// slice. Throws DecodeError.
   void read(Macroblock& mb, std::int32_t slice_index);
   /// Derives a macroblock of which the slice only says that it is skipped.
   void skip(Macroblock& mb, std::int32_t slice_index);
@@ -92,7 +97,7 @@ class MacroblockReader {
     bool first_references = false;  // all are 0 and not written
   };
 
-  void read_intra(Macroblock& mb, MbInfo& info, const Neighbours& all, int type);
+  void read_intra(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int type);
   void read_raw(Macroblock& mb, MbInfo& info);
   void read_intra_modes(Macroblock& mb, MbInfo& info, const Neighbours& neighbours);
   void read_qp_delta();
@@ -124,8 +129,9 @@ class MacroblockReader {
   const SliceHeader& slice_;
   const InterSlice& inter_;
   Picture& picture_;
-  std::array<MotionWindow, 2> windows_;  // by list
-  int qp_;                               // of the macroblock before
+  std::array<MotionWindow, 2> windows_;     // by list
+  PicturePart part_ = PicturePart::kWhole;  // that the inter macroblock belongs to
+  int qp_;                                  // of the macroblock before
 };
 
 }  // namespace moxdec::h264

@@ -20,16 +20,39 @@ static_assert(precedes(1, 0, 0, 1) && !precedes(2, 0, 1, 1));
 
 }  // namespace
 
+void MotionWindow::put(int list, int at, const MbMotion* mb, int block) {
+  references_[at] = mb ? mb->references[list][quadrant_of(block)] : kNotThere;
+  vectors_[at] = mb ? mb->vectors[list][block] : MotionVector{};
+}
+
 void MotionWindow::load(int list, const MbMotion* left, const MbMotion* top, const MbMotion* top_left,
                         const MbMotion* top_right) {
-  const auto put = [&](int x, int y, const MbMotion* mb, int block) {
-    references_[index(x, y)] = mb ? mb->references[list][quadrant_of(block)] : kNotThere;
-    vectors_[index(x, y)] = mb ? mb->vectors[list][block] : MotionVector{};
+  put(list, index(-1, -1), top_left, 15);
+  for (int x = 0; x < 4; ++x) put(list, index(x, -1), top, 12 + x);
+  put(list, index(4, -1), top_right, 12);
+  for (int y = 0; y < 4; ++y) {
+    put(list, index(-1, y), left, 4 * y + 3);
+    references_[corner(y)] = references_[index(-1, y)];
+    vectors_[corner(y)] = vectors_[index(-1, y)];
+  }
+}
+
+void MotionWindow::load(int list, const Surroundings& around) {
+  const auto put_converted = [&](int at, const MbMotion* mb, int block) {
+    put(list, at, mb, block);
+    if (!mb || mb->field == around.field || references_[at] < 0) return;
+    // A frame has two fields and twice as many lines as each of them.
+    MotionVector& vector = vectors_[at];
+    references_[at] = static_cast<std::int8_t>(around.field ? references_[at] * 2 : references_[at] / 2);
+    vector.y = static_cast<std::int16_t>(around.field ? vector.y / 2 : vector.y * 2);
   };
-  put(-1, -1, top_left, 15);
-  for (int x = 0; x < 4; ++x) put(x, -1, top, 12 + x);
-  put(4, -1, top_right, 12);
-  for (int y = 0; y < 4; ++y) put(-1, y, left, 4 * y + 3);
+  for (int x = 0; x < 4; ++x) put_converted(index(x, -1), around.top, 12 + x);
+  put_converted(index(4, -1), around.top_right, 12);
+  for (int y = 0; y < 4; ++y) {
+    const Block &left = around.left[y], &above = around.corner[y];
+    put_converted(index(-1, y), left.mb, 4 * left.row + 3);
+    put_converted(corner(y - 1), above.mb, 4 * above.row + 3);
+  }
 }
 
 void MotionWindow::store(int list, MbMotion& out) const {
@@ -51,7 +74,8 @@ int MotionWindow::diagonal_neighbour(const BlockRect& rect) const {
   const int x = rect.x + rect.width, y = rect.y - 1;
   const bool decoded = y < 0 || x > 3 || precedes(x, y, rect.x, rect.y);
   const int right = index(x, y);
-  return decoded && references_[right] != kNotThere ? right : index(rect.x - 1, y);
+  if (decoded && references_[right] != kNotThere) return right;
+  return rect.x > 0 ? index(rect.x - 1, y) : corner(y);
 }
 
 MotionVector MotionWindow::predict(const BlockRect& rect, int reference) const {

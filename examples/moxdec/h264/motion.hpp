@@ -18,15 +18,32 @@ constexpr int quadrant_of(int block) { return block >> 3 << 1 | (block >> 1 & 1)
 
 inline constexpr std::int8_t kNoReference = -1;
 
+/// Which field of a frame: its top one has the lines 0, 2 and so on.
+enum Parity { kTop = 0, kBottom = 1 };
+
+/// What a macroblock belongs to: the whole picture, or one field of a frame that has field macroblocks among others.
+enum class PicturePart { kWhole, kTopField, kBottomField };
+inline constexpr int kPictureParts = 3;
+constexpr int parity_of(PicturePart field) { return static_cast<int>(field) - 1; }
+
+/// Names a reference picture: the place of its frame in the reference buffer and, if it is only one field, which one.
+constexpr std::int8_t field_id(int slot, int parity) { return static_cast<std::int8_t>(slot | (parity + 1) << 5); }
+constexpr int slot_of(int id) { return id & 31; }
+constexpr bool is_field(int id) { return id >= 32; }
+constexpr int parity_of(int field) { return (field >> 5) - 1; }
+static_assert(parity_of(field_id(16, kBottom)) == kBottom && slot_of(field_id(16, kBottom)) == 16);
+
 /// What stays of a macroblock's motion. Where a list is not used, index and picture are kNoReference and the vector 0.
+/// Vectors and indices of field macroblocks are those of fields.
 struct MbMotion {
-  std::array<std::array<MotionVector, 16>, 2> vectors;      // [list][4x4 block in raster order]
-  std::array<std::array<std::int8_t, 4>, 2> references;     // [list][quadrant], indices into the slice's lists
-  std::array<std::array<std::int8_t, 4>, 2> picture_slots;  // the same as places in the reference buffer
+  std::array<std::array<MotionVector, 16>, 2> vectors;   // [list][4x4 block in raster order]
+  std::array<std::array<std::int8_t, 4>, 2> references;  // [list][quadrant], indices into the slice's lists
+  std::array<std::array<std::int8_t, 4>, 2> pictures;    // the same as names of pictures
+  bool field = false;
 };
 
 inline constexpr MbMotion kNoMotion = {
-    {}, {{{-1, -1, -1, -1}, {-1, -1, -1, -1}}}, {{{-1, -1, -1, -1}, {-1, -1, -1, -1}}}};
+    {}, {{{-1, -1, -1, -1}, {-1, -1, -1, -1}}}, {{{-1, -1, -1, -1}, {-1, -1, -1, -1}}}, false};
 
 /// Reference index and vector of one list.
 struct Motion {
@@ -47,9 +64,22 @@ class MotionWindow {
  public:
   MotionWindow() { references_.fill(kNotThere); }
 
-  /// Null stands for a neighbour that is not available.
+  /// What is next to a macroblock in work. Null stands for a neighbour that is not available.
+  struct Block {
+    const MbMotion* mb = nullptr;
+    int row = 0;  // of blocks in its macroblock
+  };
+  struct Surroundings {
+    std::array<Block, 4> left;    // of each row of blocks
+    std::array<Block, 4> corner;  // at the left too, one line above
+    const MbMotion* top = nullptr;
+    const MbMotion* top_right = nullptr;
+    bool field = false;  // the macroblock's own kind, into which vectors and indices are converted
+  };
+  void load(int list, const Surroundings& around);
+  /// Where all macroblocks are of the same kind.
   void load(int list, const MbMotion* left, const MbMotion* top, const MbMotion* top_left, const MbMotion* top_right);
-  /// Writes the whole list of a macroblock, picture slots excepted.
+  /// Writes the whole list of a macroblock, names of pictures excepted.
   void store(int list, MbMotion& out) const;
 
   void set_reference(const BlockRect& rect, int reference);
@@ -72,8 +102,13 @@ class MotionWindow {
   static constexpr std::int8_t kNotThere = -2;
   static constexpr int kRow = 8;
   static constexpr int index(int x, int y) { return kRow * (y + 1) + x + 1; }
+  void put(int list, int at, const MbMotion* mb, int block);
   /// The neighbour above at the right, or the one at the left where that is not there or not yet decoded.
   int diagonal_neighbour(const BlockRect& rect) const;
+
+  /// The blocks at the left as seen from the row below. Apart from the others only where frames and fields meet.
+  static constexpr int corner(int y) { return y < 0 ? index(-1, -1) : index(kCornerColumn, y); }
+  static constexpr int kCornerColumn = 5;
 
   std::array<std::int8_t, 5 * kRow> references_;  // the column at the right is never there
   std::array<MotionVector, 5 * kRow> vectors_{};  // 0 where there is no reference

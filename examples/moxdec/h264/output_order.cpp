@@ -11,7 +11,7 @@ namespace {
 
 int checked(std::int64_t count) {
   using Limits = std::numeric_limits<std::int32_t>;
-  require(count >= Limits::min() && count <= Limits::max(), "picture order count is out of range");
+  require(count >= Limits::min() && count < Limits::max(), "picture order count is out of range");
   return static_cast<int>(count);
 }
 
@@ -27,10 +27,12 @@ FieldOrder PictureOrder::next(const SliceHeader& slice) {
     case 1: order = from_cycle(slice); break;
     default: order = from_frame_num(slice); break;
   }
+  if (slice.field_pic) (slice.bottom_field ? order.top : order.bottom) = FieldOrder::kMissing;
   if (!slice.resets_order) return order;
-  checked(std::int64_t{std::max(order.top, order.bottom)} - order.frame());
+  if (!slice.field_pic) checked(std::int64_t{std::max(order.top, order.bottom)} - order.frame());
+  const FieldOrder rebased = slice.field_pic ? FieldOrder{} : order.rebased();
   *this = {};
-  previous_lsb_ = order.rebased().top;
+  previous_lsb_ = rebased.top;
   return order;
 }
 

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <limits>
 #include <memory>
 #include <vector>
 
@@ -11,13 +12,22 @@
 
 namespace moxdec::h264 {
 
-/// Order counts of the two fields of a frame.
+/// Order counts of the two fields of a frame, or of the only one that there is so far.
 struct FieldOrder {
+  static constexpr int kMissing = std::numeric_limits<std::int32_t>::max();
+
   int top = 0;
   int bottom = 0;
   int frame() const { return top < bottom ? top : bottom; }
+  int field(int parity) const { return parity == 0 ? top : bottom; }
+  /// Takes over the field that is missing here.
+  void complete(const FieldOrder& other) {
+    (top == kMissing ? top : bottom) = top == kMissing ? other.top : other.bottom;
+  }
   /// As pictures behind a memory management operation 5 see it.
-  FieldOrder rebased() const { return {top - frame(), bottom - frame()}; }
+  FieldOrder rebased() const {
+    return {top == kMissing ? kMissing : top - frame(), bottom == kMissing ? kMissing : bottom - frame()};
+  }
 };
 
 /// Order counts of the pictures of a stream, from their first slice headers (ITU-T H.264 8.2.1).

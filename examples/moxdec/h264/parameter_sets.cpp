@@ -111,7 +111,7 @@ void parse_dimensions(BitReader& bits, Sps& sps) {
   sps.mb_height = map_height * (sps.frame_mbs_only ? 1 : 2);
   require(sps.macroblocks() <= kMaxMacroblocks, "picture size is out of range");
   if (!sps.frame_mbs_only) sps.mb_adaptive = bits.flag();
-  sps.direct_8x8_inference = bits.flag();
+  sps.direct_8x8_inference = bits.flag() || !sps.frame_mbs_only;
   if (!bits.flag()) return;
   const int unit_x = sps.chroma_format_idc == 1 || sps.chroma_format_idc == 2 ? 2 : 1;
   const int unit_y = (sps.chroma_format_idc == 1 ? 2 : 1) * (sps.frame_mbs_only ? 1 : 2);

@@ -19,27 +19,18 @@ Slice::Slice(const SliceHeader& slice_header, std::shared_ptr<const LevelScales>
   }
 }
 
-void Picture::begin(std::shared_ptr<Frame> new_frame, MbMotion* new_motion, int new_mb_width, int new_mb_height) {
+void Picture::begin(std::shared_ptr<Frame> new_frame, MbMotion* new_motion, const SliceHeader& slice) {
   frame = std::move(new_frame);
   motion = new_motion;
-  mb_width = new_mb_width;
-  mb_height = new_mb_height;
-  macroblocks.resize(static_cast<std::size_t>(mb_width * mb_height));
+  mb_width = slice.sps->mb_width;
+  mb_height = slice.sps->mb_height >> (slice.field_pic ? 1 : 0);
+  field_pic = slice.field_pic;
+  mbaff = slice.mbaff();
+  parity = slice.parity();
+  chroma_mb_height = slice.sps->chroma_mb_height();
+  macroblocks.resize(static_cast<std::size_t>(slice.sps->macroblocks()));
   for (MbInfo& mb : macroblocks) mb.slice = -1;
   slices.clear();
-}
-
-Neighbours Picture::neighbours(int x, int y, std::int32_t slice) const {
-  const MbInfo* mb = &macroblocks[static_cast<std::size_t>(y * mb_width + x)];
-  const auto same_slice = [=](const MbInfo* other) { return other->slice == slice ? other : nullptr; };
-  Neighbours found;
-  if (x > 0) found.left = same_slice(mb - 1);
-  if (y == 0) return found;
-  const MbInfo* above = mb - mb_width;
-  found.top = same_slice(above);
-  if (x > 0) found.top_left = same_slice(above - 1);
-  if (x + 1 < mb_width) found.top_right = same_slice(above + 1);
-  return found;
 }
 
 }  // namespace moxdec::h264

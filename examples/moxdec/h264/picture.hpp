@@ -1,4 +1,5 @@
-/// The picture in work: its frame, and what its macroblocks tell their neighbours and the deblocking filter.
+/// The picture in work: its frame, and what its macroblocks tell their neighbours and the deblocking filter. A picture
+/// may be one field, every other line, of its frame.
 #pragma once
 
 #include <array>
@@ -22,6 +23,7 @@ struct alignas(64) MbInfo {
   /// Edges between inter partitions: bit e for the vertical inner edge e, bit 4 + e for the horizontal one, e 1 to 3.
   std::uint8_t motion_edges = 0;
   bool transform_8x8 = false;
+  bool field = false;              // its lines are those of one field
   std::uint16_t coded_blocks = 0;  // bit i if 4x4 luma block i, or the 8x8 block it is part of, has coefficients
   std::array<std::int8_t, 16> intra_modes;                   // kPlainMode where the macroblock has none
   std::array<std::uint8_t, 16> luma_counts;                  // coefficients of each 4x4 block, as they are coded
@@ -47,36 +49,59 @@ struct Slice {
   std::array<std::array<std::int8_t, kMaxQpOffset + 52>, 2> chroma_qps_;
 };
 
-/// Neighbours that belong to the same slice; null for any other.
-struct Neighbours {
-  const MbInfo* left = nullptr;
-  const MbInfo* top = nullptr;
-  const MbInfo* top_left = nullptr;
-  const MbInfo* top_right = nullptr;
-};
-
 class Picture {
  public:
-  /// Starts a new picture, whose motion has a place for each macroblock. Memory is kept from picture to picture as long
-  /// as the size stays.
-  void begin(std::shared_ptr<Frame> new_frame, MbMotion* new_motion, int new_mb_width, int new_mb_height);
+  /// Starts a new picture, whose motion has a place for each macroblock of a frame. Memory is kept from picture to
+  /// picture as long as the size stays.
+  void begin(std::shared_ptr<Frame> new_frame, MbMotion* new_motion, const SliceHeader& slice);
 
-  MbInfo& at(int x, int y) { return macroblocks[static_cast<std::size_t>(y * mb_width + x)]; }
-  Neighbours neighbours(int x, int y, std::int32_t slice) const;
+  int macroblock_count() const { return mb_width * mb_height; }
+  /// Where the macroblock lies that comes so many places behind the first one in coding order.
+  int x_of(int address) const { return mbaff ? address / 2 % mb_width : address % mb_width; }
+  int y_of(int address) const { return mbaff ? address / 2 / mb_width * 2 + address % 2 : address / mb_width; }
+
+  PicturePart part_of(int y, bool field) const {
+    if (!mbaff || !field) return PicturePart::kWhole;
+    return (y & 1) == kTop ? PicturePart::kTopField : PicturePart::kBottomField;
+  }
+
+  /// The macroblock rows of a field are every other one of the frame's. The two fields of a frame so leave behind what
+  /// a frame of field pairs does.
+  std::ptrdiff_t row_stride() const { return field_pic ? 2 * mb_width : mb_width; }
+  MbInfo& at(int x, int y) { return macroblocks[index(x, y)]; }
+  const MbInfo& at(int x, int y) const { return macroblocks[index(x, y)]; }
+  MbMotion& motion_at(int x, int y) { return motion[index(x, y)]; }
+  const MbMotion& motion_at(int x, int y) const { return motion[index(x, y)]; }
   /// Null for null.
   const MbMotion* motion_of(const MbInfo* mb) const { return mb ? motion + (mb - macroblocks.data()) : nullptr; }
+
+  /// The first sample of the macroblock at (x, y), and how many samples lead from one of its rows to the next.
   template <class Sample>
-  Sample* samples(int plane, int x, int y) const {
-    auto* row = frame->samples<std::byte>(plane) + std::ptrdiff_t{y} * frame->step(plane);
-    return reinterpret_cast<Sample*>(row) + x;
+  Sample* samples(int plane, int x, int y, bool field) const {
+    const int width = plane == 0 ? 16 : 8, height = plane == 0 ? 16 : chroma_mb_height;
+    const int row = field_pic ? 2 * height * y + parity : field ? height * (y & ~1) + (y & 1) : height * y;
+    return frame->samples<Sample>(plane) + std::ptrdiff_t{row} * frame->sample_step<Sample>(plane) + width * x;
+  }
+  template <class Sample>
+  int step(int plane, bool field) const {
+    return frame->sample_step<Sample>(plane) << (field ? 1 : 0);
   }
 
   std::shared_ptr<Frame> frame;
   int mb_width = 0;
-  int mb_height = 0;
-  std::vector<MbInfo> macroblocks;
+  int mb_height = 0;       // of the field, if the picture is one
+  bool field_pic = false;  // all macroblocks are field macroblocks then
+  bool mbaff = false;      // macroblocks come in pairs, one above the other, which are coded as frames or as fields
+  int parity = kTop;       // of a field picture
+  int chroma_mb_height = 8;
+  std::vector<MbInfo> macroblocks;  // of the frame
   MbMotion* motion = nullptr;
   std::vector<Slice> slices;
+
+ private:
+  std::size_t index(int x, int y) const {
+    return static_cast<std::size_t>((field_pic ? 2 * y + parity : y) * mb_width + x);
+  }
 };
 
 }  // namespace moxdec::h264

@@ -8,14 +8,32 @@
 
 namespace moxdec::h264 {
 
+bool PictureDecoder::completes_frame(const SliceHeader& slice) const {
+  return single_field_ && slice.sps == sps_ && slice.field_pic && slice.bottom_field != first_slice_.bottom_field &&
+         slice.frame_num == references_.current().frame_num && !slice.idr && !slice.resets_order &&
+         (slice.nal_ref_idc == 0) == (first_slice_.nal_ref_idc == 0);
+}
+
+std::shared_ptr<const Frame> PictureDecoder::take_single_field() {
+  single_field_ = false;
+  picture_.frame->repeat_lines(first_slice_.parity());
+  return picture_.frame;
+}
+
 void PictureDecoder::begin(const SliceHeader& first_slice) {
   in_work_ = false;
-  if (first_slice.sps != sps_) configure(first_slice);
-  fill_gap(first_slice);
-  order_ = orders_.next(first_slice);
-  StoredPicture& stored = references_.begin(first_slice, order_, pool_.take());
-  if (sps_->chroma_mb_height() == 0) stored.frame->fill_chroma(1 << (sps_->bit_depth_luma - 1));
-  picture_.begin(stored.frame, stored.motion.data(), sps_->mb_width, sps_->mb_height);
+  if (completes_frame(first_slice)) {
+    StoredPicture& stored = references_.begin_second_field(orders_.next(first_slice));
+    picture_.begin(stored.frame, stored.motion.data(), first_slice);
+    single_field_ = false;
+  } else {
+    if (first_slice.sps != sps_) configure(first_slice);
+    fill_gap(first_slice);
+    StoredPicture& stored = references_.begin(first_slice, orders_.next(first_slice), pool_.take());
+    if (sps_->chroma_mb_height() == 0) stored.frame->fill_chroma(1 << (sps_->bit_depth_luma - 1));
+    picture_.begin(stored.frame, stored.motion.data(), first_slice);
+    single_field_ = first_slice.field_pic;
+  }
   first_slice_ = first_slice;
   in_work_ = true;
   decoded_ = complete_ = filtered_rows_ = 0;
@@ -23,9 +41,8 @@ void PictureDecoder::begin(const SliceHeader& first_slice) {
 
 void PictureDecoder::configure(const SliceHeader& slice) {
   sps_ = slice.sps;
-  // A block that leaves so small a picture at two sides is beyond what the library repeats samples for.
-  expands_ = outside_ == OutsideSamples::kExpanded || sps_->mb_width == 1 || sps_->mb_height == 1;
-  predictor_.set_outside(expands_ ? OutsideSamples::kExpanded : OutsideSamples::kOnDemand);
+  expands_ = outside_ == OutsideSamples::kExpanded;
+  predictor_.set_outside(outside_);
   const Chroma chroma = sps_->chroma_format_idc == 2 ? Chroma::k422 : Chroma::k420;
   pool_.configure({sps_->width(), sps_->height(), chroma, sps_->bit_depth_luma},
                   {16 * sps_->mb_width, 16 * sps_->mb_height, sps_->crop.left, sps_->crop.top, expands_ ? kMargin : 0});
@@ -44,10 +61,9 @@ void PictureDecoder::fill_gap(const SliceHeader& slice) {
 }
 
 void PictureDecoder::begin_slice(const SliceHeader& header) {
-  const int order = order_.frame();
   inter_.lists = references_.lists(header);
-  if (header.type == SliceType::kB) inter_.direct.begin_slice(header, inter_.lists, references_, order);
-  if (header.type != SliceType::kI) predictor_.begin_slice(header, inter_.lists, references_, order);
+  if (header.type == SliceType::kB) inter_.direct.begin_slice(header, inter_.lists, references_);
+  if (header.type != SliceType::kI) predictor_.begin_slice(header, inter_.lists, references_);
 }
 
 std::shared_ptr<const LevelScales> PictureDecoder::scales_of(const SliceHeader& header) {
@@ -67,31 +83,49 @@ void PictureDecoder::decode_slice(const SliceHeader& header, BitReader& bits) {
     MacroblockReader reader(bits, tables_, slice.header, inter_, picture_);
     decode_macroblocks(reader, slice, bits, address);
   } catch (const DecodeError& error) {
-    in_work_ = false;
+    in_work_ = single_field_ = false;
     throw DecodeError("macroblock " + std::to_string(address) + ": " + error.what());
   }
 }
 
+/// A pair tells once whether it is a field pair: before the first of its macroblocks that is not skipped.
 void PictureDecoder::decode_macroblocks(MacroblockReader& reader, const Slice& slice, BitReader& bits, int& address) {
   const auto index = static_cast<std::int32_t>(picture_.slices.size() - 1);
-  const int end = static_cast<int>(picture_.macroblocks.size());
+  const int end = picture_.macroblock_count();
+  mb_.field = picture_.field_pic;
   do {
+    int skipped = 0;
     if (slice.header.type != SliceType::kI) {
-      const int skipped = bits.ue(static_cast<Mox32u>(end - address), "mb_skip_run");
-      for (int i = 0; i < skipped; ++i) decode_macroblock(slice, address, [&] { reader.skip(mb_, index); });
-      if (skipped > 0 && !bits.more_data()) return;
+      skipped = bits.ue(static_cast<Mox32u>(end - address), "mb_skip_run");
+      skip_macroblocks(reader, slice, bits, skipped, address);
+      if (skipped > 0 && !bits.more_data()) break;
     }
     require(address < end, "data go on behind the last macroblock");
+    if (picture_.mbaff && (address % 2 == 0 || skipped > 0)) mb_.field = bits.flag();
     decode_macroblock(slice, address, [&] { reader.read(mb_, index); });
   } while (bits.more_data());
+  require(!picture_.mbaff || address % 2 == 0, "half a pair of macroblocks");
+}
+
+void PictureDecoder::skip_macroblocks(MacroblockReader& reader, const Slice& slice, BitReader& bits, int count,
+                                      int& address) {
+  const auto index = static_cast<std::int32_t>(picture_.slices.size() - 1);
+  for (int i = count; i > 0; --i) {
+    if (picture_.mbaff && address % 2 == 0) {
+      const bool lower_follows = i == 1 && bits.more_data();
+      mb_.field = lower_follows ? bits.next_flag()
+                                : infer_field_pair(picture_, picture_.x_of(address), picture_.y_of(address), index);
+    }
+    decode_macroblock(slice, address, [&] { reader.skip(mb_, index); });
+  }
 }
 
 template <class Read>
 void PictureDecoder::decode_macroblock(const Slice& slice, int& address, Read read) {
-  MbInfo& info = picture_.macroblocks[static_cast<std::size_t>(address)];
+  mb_.x = picture_.x_of(address);
+  mb_.y = picture_.y_of(address);
+  MbInfo& info = picture_.at(mb_.x, mb_.y);
   require(info.slice < 0, "coded twice");
-  mb_.x = address % picture_.mb_width;
-  mb_.y = address / picture_.mb_width;
   read();
   if (mb_.kind == MbKind::kInter) {
     predictor_.predict(picture_, mb_);
@@ -102,25 +136,28 @@ void PictureDecoder::decode_macroblock(const Slice& slice, int& address, Read re
   info.slice = static_cast<std::int32_t>(picture_.slices.size() - 1);
   ++decoded_;
   ++address;
-  if (address % picture_.mb_width == 0) filter_complete_rows();
+  if (mb_.x + 1 == picture_.mb_width) filter_complete_rows();
 }
 
 void PictureDecoder::filter_complete_rows() {
-  const int all = static_cast<int>(picture_.macroblocks.size());
-  while (complete_ < all && picture_.macroblocks[static_cast<std::size_t>(complete_)].slice >= 0) ++complete_;
-  const int ready = complete_ == all ? picture_.mb_height : complete_ / picture_.mb_width - 1;
-  for (; filtered_rows_ < ready; ++filtered_rows_) deblock_row(picture_, filtered_rows_);
+  const int all = picture_.macroblock_count();
+  while (complete_ < all && picture_.at(picture_.x_of(complete_), picture_.y_of(complete_)).slice >= 0) ++complete_;
+  const int unit = picture_.mbaff ? 2 : 1;
+  const int ready = complete_ == all ? picture_.mb_height : (complete_ / (unit * picture_.mb_width) - 1) * unit;
+  for (; filtered_rows_ < ready; filtered_rows_ += unit) deblock_rows(picture_, filtered_rows_);
 }
 
 std::shared_ptr<const Frame> PictureDecoder::finish() {
   in_work_ = false;
-  const int all = static_cast<int>(picture_.macroblocks.size());
+  const int all = picture_.macroblock_count();
   if (decoded_ < all) {
+    single_field_ = false;
     throw DecodeError(std::to_string(all - decoded_) + " of " + std::to_string(all) + " macroblocks are missing");
   }
   filter_complete_rows();
-  if (expands_ && first_slice_.nal_ref_idc != 0) expand(*picture_.frame);
   references_.finish(first_slice_);
+  if (single_field_) return nullptr;
+  if (expands_ && first_slice_.nal_ref_idc != 0) expand(*picture_.frame);
   return picture_.frame;
 }
 

@@ -15,18 +15,24 @@ class PictureDecoder {
  public:
   /// To be called before the first picture, if at all.
   void set_outside(OutsideSamples outside) { outside_ = outside; }
-  /// Starts the picture of this slice; one that is still in work is given up.
+  /// Whether a field waits for the other field of its frame, and whether this slice belongs to that one.
+  bool has_single_field() const { return single_field_ && !in_work_; }
+  bool completes_frame(const SliceHeader& first_slice) const;
+  /// Hands the frame of a single field out, whose lines stand for the missing ones.
+  std::shared_ptr<const Frame> take_single_field();
+  /// Starts the picture of this slice; one that is still in work is given up, and so is a single field that it does not
+  /// belong to.
   void begin(const SliceHeader& first_slice);
   bool in_work() const { return in_work_; }
   /// Whether the picture in work lacks nothing.
-  bool is_complete() const { return in_work_ && decoded_ == static_cast<int>(picture_.macroblocks.size()); }
+  bool is_complete() const { return in_work_ && decoded_ == picture_.macroblock_count(); }
   /// Decodes the macroblocks of a slice; `bits` stands behind its header. The slices of a picture may come in any
   /// order. Throws DecodeError, and then gives the picture up.
   void decode_slice(const SliceHeader& header, BitReader& bits);
-  /// The picture's place in display order, behind memory management.
-  int order() const { return first_slice_.resets_order ? 0 : order_.frame(); }
-  /// Filters what is left to be filtered, marks the references and hands the frame out. Throws DecodeError if
-  /// macroblocks are missing.
+  /// The frame's place in display order, behind memory management.
+  int order() const { return references_.current().order.frame(); }
+  /// Filters what is left to be filtered, marks the references and hands the frame out; null behind the first field of
+  /// a frame. Throws DecodeError if macroblocks are missing.
   std::shared_ptr<const Frame> finish();
 
  private:
@@ -35,6 +41,7 @@ class PictureDecoder {
   void begin_slice(const SliceHeader& header);
   std::shared_ptr<const LevelScales> scales_of(const SliceHeader& header);
   void decode_macroblocks(MacroblockReader& reader, const Slice& slice, BitReader& bits, int& address);
+  void skip_macroblocks(MacroblockReader& reader, const Slice& slice, BitReader& bits, int count, int& address);
   template <class Read>
   void decode_macroblock(const Slice& slice, int& address, Read read);
   void filter_complete_rows();
@@ -51,14 +58,14 @@ class PictureDecoder {
   std::shared_ptr<const Sps> scales_sps_;
   std::shared_ptr<const Pps> scales_pps_;
   SliceHeader first_slice_;  // of the picture in work
-  FieldOrder order_;
   bool expands_ = false;
   Picture picture_;
   Macroblock mb_;
   bool in_work_ = false;
-  int decoded_ = 0;        // macroblocks, wherever they lie
-  int complete_ = 0;       // macroblocks without a gap, from the first one on
-  int filtered_rows_ = 0;  // one row behind the complete ones
+  bool single_field_ = false;  // of the frame that was in work last
+  int decoded_ = 0;            // macroblocks, wherever they lie
+  int complete_ = 0;           // macroblocks without a gap, from the first one on
+  int filtered_rows_ = 0;      // one row, of pairs if there are any, behind the complete ones
 };
 
 }  // namespace moxdec::h264

@@ -1,6 +1,8 @@
 /// The library's functions that rebuild a macroblock, under one name for 8-bit and for deeper samples.
 #pragma once
 
+#include <cstddef>
+
 #include "moxdec/h264/macroblock.hpp"
 #include "moxdec/h264/picture.hpp"
 #include "moxvc.h"
@@ -17,11 +19,10 @@ struct Rebuilding {
         scales(*slice.scales),
         bit_depth(slice.header.sps->bit_depth_luma),
         chroma_height(slice.header.sps->chroma_mb_height()),
-        luma(picture.samples<Sample>(0, 16 * mb.x, 16 * mb.y)),
-        chroma{picture.samples<Sample>(1, 8 * mb.x, chroma_height * mb.y),
-               picture.samples<Sample>(2, 8 * mb.x, chroma_height * mb.y)},
-        luma_step(picture.frame->sample_step<Sample>(0)),
-        chroma_step(picture.frame->sample_step<Sample>(1)),
+        luma(picture.samples<Sample>(0, mb.x, mb.y, mb.field)),
+        chroma{picture.samples<Sample>(1, mb.x, mb.y, mb.field), picture.samples<Sample>(2, mb.x, mb.y, mb.field)},
+        luma_step(picture.step<Sample>(0, mb.field)),
+        chroma_step(picture.step<Sample>(1, mb.field)),
         coefficients(mb.coefficients<CoeffOf<Sample>>()) {
     const int offset = slice.header.sps->qp_offset();
     luma_qp = mb.qp + offset;
@@ -38,6 +39,14 @@ struct Rebuilding {
   const Mox16s* chroma_scales(int i) const { return scales.of_4x4(is_inter(), 1 + i, chroma_qp[i]); }
   /// The DC values of 4:2:2 have a quantiser of their own.
   Mox32s dc_scale_422(int i) const { return scales.of_4x4(is_inter(), 1 + i, chroma_qp[i] + 3)[0]; }
+
+  /// Of the upper (0) or the lower half of an Intra 4x4 or 8x8 macroblock.
+  Sample* luma_half(int half) const { return luma + std::ptrdiff_t{8} * half * luma_step; }
+  Mox32u denied_half(int half) const { return mb.denied_halves[static_cast<std::size_t>(half)]; }
+  Mox32u coded_half(int half) const { return mb.coded >> (1 + 8 * half); }
+  const Mox32u* modes_half(int half) const { return &mb.intra_modes[static_cast<std::size_t>(8 * half)]; }
+  Mox32u coded_half_8x8(int half) const { return mb.coded_8x8 >> (2 * half); }
+  const Mox32u* modes_half_8x8(int half) const { return &mb.intra_modes[static_cast<std::size_t>(2 * half)]; }
 
   Macroblock& mb;
   const LevelScales& scales;
@@ -56,8 +65,11 @@ struct Rebuilding8 : Rebuilding<Mox8u> {
   MoxStatus intra_16x16();
   MoxStatus intra_8x8();
   MoxStatus intra_4x4();
+  MoxStatus intra_8x8_half(int half);
+  MoxStatus intra_4x4_half(int half);
   MoxStatus inter_luma();
   MoxStatus intra_chroma();
+  MoxStatus intra_chroma_halves();
   MoxStatus inter_chroma();
 };
 
@@ -66,14 +78,19 @@ struct Rebuilding16 : Rebuilding<Mox16u> {
   MoxStatus intra_16x16();
   MoxStatus intra_8x8();
   MoxStatus intra_4x4();
+  MoxStatus intra_8x8_half(int half);
+  MoxStatus intra_4x4_half(int half);
   MoxStatus inter_luma();
   MoxStatus intra_chroma();
+  MoxStatus intra_chroma_halves();
   MoxStatus inter_chroma();
 };
 
 /// 4:2:2 chroma of any depth.
 template <class Sample>
 MoxStatus rebuild_intra_422(Rebuilding<Sample>& work);
+template <class Sample>
+MoxStatus rebuild_intra_422_halves(Rebuilding<Sample>& work);
 template <class Sample>
 MoxStatus rebuild_inter_422(Rebuilding<Sample>& work);
 

@@ -38,6 +38,18 @@ MoxStatus Rebuilding8::intra_4x4() {
                                                       luma_qp, mb.denied, luma_scales(), lossless);
 }
 
+MoxStatus Rebuilding8::intra_8x8_half(int half) {
+  return moxiReconstructLumaIntraHalf8x8MB_H264_16s8u_C1R(&coefficients, luma_half(half), luma_step,
+                                                          modes_half_8x8(half), coded_half_8x8(half), luma_qp,
+                                                          denied_half(half), luma_scales_8x8(), lossless);
+}
+
+MoxStatus Rebuilding8::intra_4x4_half(int half) {
+  return moxiReconstructLumaIntraHalf4x4MB_H264_16s8u_C1R(&coefficients, luma_half(half), luma_step, modes_half(half),
+                                                          coded_half(half), luma_qp, denied_half(half), luma_scales(),
+                                                          lossless);
+}
+
 MoxStatus Rebuilding8::inter_luma() {
   if (mb.transform_8x8) {
     return moxiReconstructLumaInter8x8MB_H264_16s8u_C1R(&coefficients, luma, luma_step, mb.coded_8x8, luma_qp,
@@ -59,6 +71,13 @@ MoxStatus Rebuilding8::intra_chroma() {
   return moxiReconstructChromaIntra4x4MB_H264_16s8u_P2R(&coefficients, chroma[0], chroma[1], chroma_step,
                                                         mb.chroma_mode, chroma_pattern(mb), chroma_qp[0], chroma_qp[1],
                                                         mb.denied, chroma_scales(0), chroma_scales(1), lossless);
+}
+
+MoxStatus Rebuilding8::intra_chroma_halves() {
+  if (is_422()) return rebuild_intra_422_halves<Sample>(*this);
+  return moxiReconstructChromaIntraHalfs4x4MB_H264_16s8u_P2R(
+      &coefficients, chroma[0], chroma[1], chroma_step, mb.chroma_mode, chroma_pattern(mb), chroma_qp[0], chroma_qp[1],
+      denied_half(0), denied_half(1), chroma_scales(0), chroma_scales(1), lossless);
 }
 
 MoxStatus Rebuilding8::inter_chroma() {

@@ -35,6 +35,10 @@ constexpr auto kIntra422 = moxiReconstructChroma422Intra4x4_H264High_16s8u_IP2R;
 template <>
 constexpr auto kIntra422<Mox16u> = moxiReconstructChroma422Intra4x4_H264High_32s16u_IP2R;
 template <class Sample>
+constexpr auto kIntra422Halves = moxiReconstructChroma422IntraHalf4x4_H264High_16s8u_IP2R;
+template <>
+constexpr auto kIntra422Halves<Mox16u> = moxiReconstructChroma422IntraHalf4x4_H264High_32s16u_IP2R;
+template <class Sample>
 constexpr auto kInter422 = moxiReconstructChroma422Inter4x4_H264High_16s8u_IP2R;
 template <>
 constexpr auto kInter422<Mox16u> = moxiReconstructChroma422Inter4x4_H264High_32s16u_IP2R;
@@ -56,6 +60,16 @@ MoxStatus Rebuilding16::intra_4x4() {
   return moxiReconstructLumaIntra4x4_H264High_32s16u_IP1R(&rec, mb.intra_modes.data(), mb.denied);
 }
 
+MoxStatus Rebuilding16::intra_8x8_half(int half) {
+  const auto rec = record<Mox16u>(*this, luma_half(half), luma_step, coded_half_8x8(half), luma_qp, luma_scales_8x8());
+  return moxiReconstructLumaIntraHalf8x8_H264High_32s16u_IP1R(&rec, modes_half_8x8(half), denied_half(half));
+}
+
+MoxStatus Rebuilding16::intra_4x4_half(int half) {
+  const auto rec = record<Mox16u>(*this, luma_half(half), luma_step, coded_half(half), luma_qp, luma_scales());
+  return moxiReconstructLumaIntraHalf4x4_H264High_32s16u_IP1R(&rec, modes_half(half), denied_half(half));
+}
+
 MoxStatus Rebuilding16::inter_luma() {
   if (mb.transform_8x8) {
     const auto rec = luma_record_8x8(*this);
@@ -69,6 +83,13 @@ MoxStatus Rebuilding16::intra_chroma() {
   if (is_422()) return rebuild_intra_422<Sample>(*this);
   ChromaRecords<Sample> records(*this);
   return moxiReconstructChromaIntra4x4_H264High_32s16u_IP2R(records.pointers, mb.chroma_mode, mb.denied);
+}
+
+MoxStatus Rebuilding16::intra_chroma_halves() {
+  if (is_422()) return rebuild_intra_422_halves<Sample>(*this);
+  ChromaRecords<Sample> records(*this);
+  return moxiReconstructChromaIntraHalf4x4_H264High_32s16u_IP2R(records.pointers, mb.chroma_mode, denied_half(0),
+                                                                denied_half(1));
 }
 
 MoxStatus Rebuilding16::inter_chroma() {
@@ -85,12 +106,20 @@ MoxStatus rebuild_intra_422(Rebuilding<Sample>& work) {
 }
 
 template <class Sample>
+MoxStatus rebuild_intra_422_halves(Rebuilding<Sample>& work) {
+  ChromaRecords<Sample> records(work);
+  return kIntra422Halves<Sample>(records.pointers, work.mb.chroma_mode, work.denied_half(0), work.denied_half(1),
+                                 work.dc_scale_422(0), work.dc_scale_422(1));
+}
+
+template <class Sample>
 MoxStatus rebuild_inter_422(Rebuilding<Sample>& work) {
   ChromaRecords<Sample> records(work);
   return kInter422<Sample>(records.pointers, work.dc_scale_422(0), work.dc_scale_422(1));
 }
 
 template MoxStatus rebuild_intra_422(Rebuilding<Mox8u>&);
+template MoxStatus rebuild_intra_422_halves(Rebuilding<Mox8u>&);
 template MoxStatus rebuild_inter_422(Rebuilding<Mox8u>&);
 
 }  // namespace moxdec::h264

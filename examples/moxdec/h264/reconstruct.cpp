@@ -33,14 +33,14 @@ bool uses_denied_neighbour(const Macroblock& mb) {
                               kDenyTop | kDenyLeft | kDenyTopLeft,
                               kDenyTop,
                               kDenyLeft};
-  // For each block: the macroblocks that its neighbours above, left, and above and left belong to.
+  // For each block: the macroblocks that its neighbours above, left, and above and left belong to, seen from its half.
   constexpr Mox32u kNeighbours[4][3] = {
-      {kDenyTop, kDenyLeft, kDenyTopLeft}, {kDenyTop, 0, kDenyTop}, {0, kDenyLeft, kDenyLeft}, {0, 0, 0}};
+      {kDenyTop, kDenyLeft, kDenyTopLeft}, {kDenyTop, 0, kDenyTop}, {0, kDenyLeft, kDenyTopLeft}, {0, 0, 0}};
   for (int i = 0; i < 4; ++i) {
     const Mox32u used = kUsed[mb.intra_modes[i]];
     const Mox32u needed = (used & kDenyTop ? kNeighbours[i][0] : 0) | (used & kDenyLeft ? kNeighbours[i][1] : 0) |
                           (used & kDenyTopLeft ? kNeighbours[i][2] : 0);
-    if (needed & mb.denied) return true;
+    if (needed & mb.denied_halves[static_cast<std::size_t>(i / 2)]) return true;
   }
   return false;
 }
@@ -65,17 +65,27 @@ MoxStatus rebuild_intra_luma(Work& work) {
   Macroblock& mb = work.mb;
   if (mb.kind == MbKind::kIntra16x16) return rebuild_16x16(work);
   if (work.lossless) sum_blocks(mb, work.coefficients);
-  if (mb.kind == MbKind::kIntra4x4) return work.intra_4x4();
-  return uses_denied_neighbour(mb) ? moxStsEdgeUnavailable : work.intra_8x8();
+  const bool is_4x4 = mb.kind == MbKind::kIntra4x4;
+  if (!is_4x4 && uses_denied_neighbour(mb)) return moxStsEdgeUnavailable;
+  if (!mb.has_split_left()) return is_4x4 ? work.intra_4x4() : work.intra_8x8();
+  const MoxStatus status = is_4x4 ? work.intra_4x4_half(0) : work.intra_8x8_half(0);
+  if (status != moxStsOk) return status;
+  return is_4x4 ? work.intra_4x4_half(1) : work.intra_8x8_half(1);
+}
+
+/// Only DC prediction can do without a part of the left neighbours.
+template <class Work>
+MoxStatus predict_chroma(Work& work) {
+  return work.mb.has_split_left() && work.mb.chroma_mode == 0 ? work.intra_chroma_halves() : work.intra_chroma();
 }
 
 template <class Work>
 MoxStatus rebuild_intra_chroma(Work& work) {
   Macroblock& mb = work.mb;
   const SumDirection sums = chroma_sums(mb.chroma_mode);
-  if (!work.lossless || sums == SumDirection::kNone) return work.intra_chroma();
+  if (!work.lossless || sums == SumDirection::kNone) return predict_chroma(work);
   const auto coded = std::exchange(mb.coded_chroma, {});
-  const MoxStatus status = work.intra_chroma();
+  const MoxStatus status = predict_chroma(work);
   if (status != moxStsOk) return status;
   const int dc_values = work.chroma_height / 2;
   const auto *u_dc = work.coefficients, *v_dc = u_dc + (coded[0] & kCodedDc ? dc_values : 0);

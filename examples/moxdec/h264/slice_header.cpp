@@ -32,8 +32,6 @@ void parse_picture_structure(BitReader& bits, SliceHeader& slice) {
   if (slice.sps->frame_mbs_only) return;
   slice.field_pic = bits.flag();
   if (slice.field_pic) slice.bottom_field = bits.flag();
-  if (slice.field_pic) unsupported("field pictures", "are");
-  if (slice.sps->mb_adaptive) unsupported("frame/field adaptive coding");
 }
 
 void parse_picture_order(BitReader& bits, SliceHeader& slice) {
@@ -49,13 +47,13 @@ void parse_picture_order(BitReader& bits, SliceHeader& slice) {
 }
 
 void parse_list_changes(BitReader& bits, SliceHeader& slice) {
-  const Mox32u highest = static_cast<Mox32u>(slice.sps->max_frame_num()) - 1;
+  const Mox32u highest = static_cast<Mox32u>(slice.number_range()) - 1, longest = slice.field_pic ? 31 : 15;
   for (int list = 0; list < list_count(slice.type); ++list) {
     if (!bits.flag()) continue;
     auto& changes = slice.list_changes[list];
     for (int operation; (operation = bits.ue(3, "modification_of_pic_nums_idc")) != 3;) {
       require(std::ssize(changes) < slice.ref_count[list], "too many changes to a reference list");
-      changes.push_back({operation, bits.ue(operation == 2 ? 15 : highest, "picture number")});
+      changes.push_back({operation, bits.ue(operation == 2 ? longest : highest, "picture number")});
     }
   }
 }
@@ -65,8 +63,10 @@ void parse_reference_lists(BitReader& bits, SliceHeader& slice) {
   if (lists == 2) slice.direct_spatial = bits.flag();
   const bool has_counts = lists > 0 && bits.flag();
   for (int list = 0; list < lists; ++list) {
-    slice.ref_count[list] =
-        has_counts ? 1 + bits.ue(kMaxListEntries - 1, "num_ref_idx_active_minus1") : slice.pps->default_ref_count[list];
+    const int longest = slice.field_pic ? kMaxListEntries : kMaxListEntries / 2;
+    slice.ref_count[list] = has_counts ? 1 + bits.ue(static_cast<Mox32u>(longest - 1), "num_ref_idx_active_minus1")
+                                       : slice.pps->default_ref_count[list];
+    require(slice.ref_count[list] <= longest, "num_ref_idx_active_minus1 is out of range");
   }
   parse_list_changes(bits, slice);
 }
@@ -97,10 +97,10 @@ void parse_weights(BitReader& bits, SliceHeader& slice) {
 
 MarkingOperation parse_marking_operation(BitReader& bits, const SliceHeader& slice, int operation) {
   constexpr Mox32u kHighestIndex = 15;
-  const Mox32u highest = static_cast<Mox32u>(slice.sps->max_frame_num()) - 1;
+  const Mox32u highest = static_cast<Mox32u>(slice.number_range()) - 1;
   switch (operation) {
     case 1: return {operation, bits.ue(highest, "difference_of_pic_nums_minus1")};
-    case 2: return {operation, bits.ue(kHighestIndex, "long_term_pic_num")};
+    case 2: return {operation, bits.ue(slice.field_pic ? 2 * kHighestIndex + 1 : kHighestIndex, "long_term_pic_num")};
     case 3: {
       const int difference = bits.ue(highest, "difference_of_pic_nums_minus1");
       return {operation, difference, bits.ue(kHighestIndex, "long_term_frame_idx")};
@@ -145,11 +145,12 @@ SliceHeader parse_slice_header(BitReader& bits, const Nal& nal, const ParameterS
   slice.pps = sets.pps(bits.ue());
   slice.sps = sets.sps(static_cast<Mox32u>(slice.pps->sps_id));
   expect_supported(*slice.sps, *slice.pps);
-  require(first_mb < static_cast<Mox32u>(slice.sps->macroblocks()), "first_mb_in_slice is out of range");
-  slice.first_mb = static_cast<int>(first_mb);
   slice.frame_num = static_cast<int>(bits.bits(slice.sps->log2_max_frame_num));
   require(!slice.idr || slice.frame_num == 0, "frame_num is out of range");
   parse_picture_structure(bits, slice);
+  const int unit = slice.mbaff() ? 2 : 1;  // slices begin at pairs
+  require(first_mb < static_cast<Mox32u>(slice.macroblocks() / unit), "first_mb_in_slice is out of range");
+  slice.first_mb = static_cast<int>(first_mb) * unit;
   if (slice.idr) slice.idr_pic_id = bits.ue(65535, "idr_pic_id");
   parse_picture_order(bits, slice);
   if (slice.pps->redundant_pic_count) slice.redundant_pic_count = bits.ue(127, "redundant_pic_cnt");

@@ -16,7 +16,7 @@ enum class SliceType { kP, kB, kI, kSP, kSI };
 /// How the deblocking filter treats the edges of a slice.
 enum class Deblocking { kOn = 0, kOff = 1, kInsideSlice = 2 };
 
-/// The most entries of a reference list.
+/// The most entries of a reference list, of a field; a frame has half as many.
 inline constexpr int kMaxListEntries = 32;
 
 /// A change to the order of a reference list: 0 or 1 steps down or up from the picture number before by `value` + 1, 2
@@ -49,7 +49,7 @@ struct SliceHeader {
   std::shared_ptr<const Pps> pps;
   int nal_ref_idc = 0;
   bool idr = false;
-  int first_mb = 0;
+  int first_mb = 0;  // in coding order
   SliceType type = SliceType::kI;
   int frame_num = 0;
   bool field_pic = false;
@@ -72,6 +72,14 @@ struct SliceHeader {
   Deblocking deblocking = Deblocking::kOn;
   int alpha_offset = 0;
   int beta_offset = 0;
+
+  /// A frame whose macroblocks come in pairs, which are coded as frames or as fields.
+  bool mbaff() const { return !field_pic && sps->mb_adaptive; }
+  int parity() const { return bottom_field ? 1 : 0; }
+  int macroblocks() const { return sps->macroblocks() >> (field_pic ? 1 : 0); }
+  /// Numbers of pictures count frames, in fields twice as much and one more for those of the same parity.
+  int number_range() const { return sps->max_frame_num() << (field_pic ? 1 : 0); }
+  int own_number() const { return field_pic ? 2 * frame_num + 1 : frame_num; }
 };
 
 /// Lists that the prediction of a slice uses.

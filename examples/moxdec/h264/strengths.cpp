@@ -10,31 +10,32 @@ namespace {
 /// luma has those at 0 and 8.
 constexpr int edge_step(bool transform_8x8) { return transform_8x8 ? 2 : 1; }
 
-constexpr Strengths intra_strengths(bool outer, bool transform_8x8) {
+constexpr Strengths intra_strengths(int outer, bool transform_8x8) {
   Strengths strengths{};
-  std::fill_n(strengths.begin(), 4, outer ? std::uint8_t{4} : std::uint8_t{0});
+  std::fill_n(strengths.begin(), 4, static_cast<std::uint8_t>(outer));
   for (int edge = edge_step(transform_8x8); edge < 4; edge += edge_step(transform_8x8)) {
     std::fill_n(strengths.begin() + 4 * edge, 4, std::uint8_t{3});
   }
   return strengths;
 }
-constexpr std::array<std::array<Strengths, 2>, 2> kIntraStrengths = {  // [8x8 transform][outer edge]
-    {{intra_strengths(false, false), intra_strengths(true, false)},
-     {intra_strengths(false, true), intra_strengths(true, true)}}};
+constexpr std::array<std::array<Strengths, 3>, 2> kIntraStrengths = {  // [8x8 transform][outer edge: 0, 3, 4]
+    {{intra_strengths(0, false), intra_strengths(3, false), intra_strengths(4, false)},
+     {intra_strengths(0, true), intra_strengths(3, true), intra_strengths(4, true)}}};
 
-/// A full sample or more.
-bool is_far(MotionVector a, MotionVector b) {
-  return static_cast<unsigned>(a.x - b.x + 3) > 6 || static_cast<unsigned>(a.y - b.y + 3) > 6;
+/// A full sample or more. `rows` is less than that in height, in quarters.
+bool is_far(MotionVector a, MotionVector b, int rows) {
+  return static_cast<unsigned>(a.x - b.x + 3) > 6 ||
+         static_cast<unsigned>(a.y - b.y + rows) > static_cast<unsigned>(2 * rows);
 }
 
 /// Whether two blocks are predicted from other pictures or with vectors far from each other. It is of no importance
 /// which list a picture comes from. Vectors of lists that are not used are 0, so these compare as equal.
-bool moves_otherwise(const MbMotion& p, int p_block, const MbMotion& q, int q_block) {
+bool moves_otherwise(const MbMotion& p, int p_block, const MbMotion& q, int q_block, int rows) {
   const int p_quadrant = quadrant_of(p_block), q_quadrant = quadrant_of(q_block);
-  const int p0 = p.picture_slots[0][p_quadrant], p1 = p.picture_slots[1][p_quadrant];
-  const int q0 = q.picture_slots[0][q_quadrant], q1 = q.picture_slots[1][q_quadrant];
+  const int p0 = p.pictures[0][p_quadrant], p1 = p.pictures[1][p_quadrant];
+  const int q0 = q.pictures[0][q_quadrant], q1 = q.pictures[1][q_quadrant];
   const auto far = [&](int p_list, int q_list) {
-    return is_far(p.vectors[p_list][p_block], q.vectors[q_list][q_block]);
+    return is_far(p.vectors[p_list][p_block], q.vectors[q_list][q_block], rows);
   };
   const bool straight = p0 == q0 && p1 == q1, crossed = p0 == q1 && p1 == q0;
   if (!straight && !crossed) return true;
@@ -48,11 +49,28 @@ struct View {
   const MbMotion& motion;
 };
 
+bool is_coded(const MbInfo& p, int p_block, const MbInfo& q, int q_block) {
+  return (p.coded_blocks >> p_block | q.coded_blocks >> q_block) & 1;
+}
+
+/// Between frame and field macroblocks every edge is filtered.
+std::uint8_t mixed_strength(const MbInfo& p, int p_block, const MbInfo& q, int q_block, std::uint8_t intra) {
+  if (!is_inter(p) || !is_inter(q)) return intra;
+  return is_coded(p, p_block, q, q_block) ? 2 : 1;
+}
+
+/// Of an outer edge beside an intra macroblock: fields are not filtered so strongly in height.
+std::uint8_t intra_strength(const MbInfo& mb, const MbInfo& outer, EdgeDirection direction) {
+  return direction == EdgeDirection::kHorizontal && (mb.field || outer.field) ? 3 : 4;
+}
+
 /// Of the edge between two rows or columns of blocks; `step` leads from one block to the next along the edge.
 void find_edge(const View& p, int p_block, const View& q, int q_block, int step, bool motion, std::uint8_t* out) {
+  const int rows = q.info.field ? 1 : 3;  // a sample in height is one of the frame, which has twice the lines
   for (int i = 0; i < 4; ++i, p_block += step, q_block += step) {
-    const bool coded = (p.info.coded_blocks >> p_block | q.info.coded_blocks >> q_block) & 1;
-    out[i] = coded ? 2 : motion && moves_otherwise(p.motion, p_block, q.motion, q_block) ? 1 : 0;
+    out[i] = is_coded(p.info, p_block, q.info, q_block)                              ? 2
+             : motion && moves_otherwise(p.motion, p_block, q.motion, q_block, rows) ? 1
+                                                                                     : 0;
   }
 }
 
@@ -61,7 +79,7 @@ void find_edge(const View& p, int p_block, const View& q, int q_block, int step,
 bool find_strengths(const Picture& picture, const MbInfo& mb, const MbInfo* outer, EdgeDirection direction,
                     Strengths& strengths) {
   if (!is_inter(mb)) {
-    strengths = kIntraStrengths[mb.transform_8x8][outer ? 1 : 0];
+    strengths = kIntraStrengths[mb.transform_8x8][outer ? intra_strength(mb, *outer, direction) - 2u : 0];
     return true;
   }
   strengths.fill(0);
@@ -69,7 +87,9 @@ bool find_strengths(const Picture& picture, const MbInfo& mb, const MbInfo* oute
   const bool vertical = direction == EdgeDirection::kVertical;
   const int step = vertical ? 4 : 1, across = vertical ? 1 : 4;
   if (outer && !is_inter(*outer)) {
-    std::fill_n(strengths.begin(), 4, std::uint8_t{4});
+    std::fill_n(strengths.begin(), 4, intra_strength(mb, *outer, direction));
+  } else if (outer && outer->field != mb.field) {
+    std::ranges::copy(mixed_top_strengths(mb, *outer), strengths.begin());
   } else if (outer) {
     find_edge(View(picture, *outer), 3 * across, view, 0, step, true, strengths.data());
   }
@@ -81,6 +101,20 @@ bool find_strengths(const Picture& picture, const MbInfo& mb, const MbInfo* oute
     find_edge(view, (edge - 1) * across, view, edge * across, step, motion, &strengths[4 * edge]);
   }
   return std::ranges::any_of(strengths, [](std::uint8_t strength) { return strength != 0; });
+}
+
+EdgeStrengths mixed_left_strengths(const MbInfo& mb, const MbInfo& left, const std::array<BlockRows, 4>& rows) {
+  EdgeStrengths strengths;
+  std::ranges::transform(rows, strengths.begin(), [&](const BlockRows& at) {
+    return mixed_strength(left, 4 * at.other + 3, mb, 4 * at.own, 4);
+  });
+  return strengths;
+}
+
+EdgeStrengths mixed_top_strengths(const MbInfo& mb, const MbInfo& above) {
+  EdgeStrengths strengths;
+  for (int x = 0; x < 4; ++x) strengths[x] = mixed_strength(above, 12 + x, mb, x, 3);
+  return strengths;
 }
 
 }  // namespace moxdec::h264
