@@ -1,9 +1,10 @@
 /// Vector 8x8 discrete cosine transforms: the integers of the portable ones by pairwise products.
 ///
-/// A pass works on eight lanes of doublewords, one for each line, in 2 / B vectors. Its operands are pairs of words, two
-/// terms of a line side by side. Rows of words become such pairs by one shuffle in each row, which brings the two terms
-/// together, and a transposition of four rows of four doublewords. The results of the row pass, packed to words, are
-/// the rows of the transposed block, so that the column pass begins in the same way and ends with rows of the result.
+/// A pass works on eight lanes of doublewords, one for each line, in 2 / B vectors. Its operands are pairs of words,
+/// two terms of a line side by side. Rows of words become such pairs by one shuffle in each row, which brings the two
+/// terms together, and a transposition of four rows of four doublewords. The results of the row pass, packed to words,
+/// are the rows of the transposed block, so that the column pass begins in the same way and ends with rows of the
+/// result.
 #pragma once
 
 #include "dct/dct_px.hpp"
@@ -32,8 +33,10 @@ struct Results {
 
   /// Result 4 h + i of all lanes as words, saturated; with B = 2, result 4 + i in the second block.
   MOX_INLINE simd::s16<B> words(int h, int i) const {
-    if constexpr (B == 1) return packs(v[0][4 * h + i], v[1][4 * h + i]);
-    else return regroup(packs(v[0][i], v[0][i + 4]));
+    if constexpr (B == 1)
+      return packs(v[0][4 * h + i], v[1][4 * h + i]);
+    else
+      return regroup(packs(v[0][i], v[0][i + 4]));
   }
 };
 
@@ -47,7 +50,7 @@ MOX_INLINE Pairs<B> pairs_of(const Rows& rows, int h, simd::u8<B> order) {
            simd::as<simd::s16>(hi64(c, d))}};
 }
 /// Words as bytes of a shuffle.
-#define MOX_WORDS(a, b, c, d, e, f, g, h) \
+#define MOX_WORDS(a, b, c, d, e, f, g, h)                                                                            \
   2 * a, 2 * a + 1, 2 * b, 2 * b + 1, 2 * c, 2 * c + 1, 2 * d, 2 * d + 1, 2 * e, 2 * e + 1, 2 * f, 2 * f + 1, 2 * g, \
       2 * g + 1, 2 * h, 2 * h + 1
 alignas(16) inline constexpr Mox8u kInverseOrder[16] = {MOX_WORDS(0, 4, 2, 6, 1, 7, 3, 5)};
@@ -96,7 +99,8 @@ MOX_INLINE SourceRows<B, Load> source_rows(Load load) {
 }
 template <int B>
 MOX_INLINE auto rows_16s(const Mox16s* src, std::ptrdiff_t step) {
-  return source_rows<B>([=](int y) { return simd::load16<simd::s16, B>(step_bytes(src, y * step), simd::strips<B>(4 * step)); });
+  return source_rows<B>(
+      [=](int y) { return simd::load16<simd::s16, B>(step_bytes(src, y * step), simd::strips<B>(4 * step)); });
 }
 
 template <int B, class Rows>
@@ -146,7 +150,8 @@ inline MoxStatus dct_forward_16s(const Mox16s* src, Mox32s srcStep, Mox16s* dst)
 inline MoxStatus dct_forward_8u(const Mox8u* src, Mox32s srcStep, Mox16s* dst) {
   constexpr int B = kDctBlocks;
   const std::ptrdiff_t step = srcStep;
-  const auto rows = source_rows<B>([=](int y) { return simd::load8_wide<B>(src + y * step, simd::strips<B>(4 * step)); });
+  const auto rows =
+      source_rows<B>([=](int y) { return simd::load8_wide<B>(src + y * step, simd::strips<B>(4 * step)); });
   store_rows_16s(forward<B>(rows), dst, 16);
   return moxStsOk;
 }
@@ -157,7 +162,8 @@ inline MoxStatus dct_forward_pair(const Mox8u* src, Mox32s srcStep, Mox16s* dstU
   const auto row = [=](int y) { return simd::load16<simd::u16, B>(src + y * step, simd::strips<B>(4 * step)); };
   const auto low = simd::splat<simd::u16, B>(255);
   store_rows_16s(forward<B>(source_rows<B>([=](int y) { return simd::as<simd::s16>(row(y) & low); })), dstU, 16);
-  store_rows_16s(forward<B>(source_rows<B>([=](int y) { return simd::as<simd::s16>(simd::shr<8>(row(y))); })), dstV, 16);
+  store_rows_16s(forward<B>(source_rows<B>([=](int y) { return simd::as<simd::s16>(simd::shr<8>(row(y))); })), dstV,
+                 16);
   return moxStsOk;
 }
 

@@ -243,17 +243,20 @@ TEST_P(Dct, Arguments) {
     Call{lib(symbol), std::tuple{a.data()}}.expect_order({{moxStsNullPointer, set<0>(nullptr)}});
   };
   const auto two = [&](auto symbol) {
-    Call{lib(symbol), std::tuple{a.data(), b.data()}}.keeps(b.data(), 128).expect_order(
-        {{moxStsNullPointer, set<0>(nullptr)}, {moxStsNullPointer, set<1>(nullptr)}});
+    Call{lib(symbol), std::tuple{a.data(), b.data()}}
+        .keeps(b.data(), 128)
+        .expect_order({{moxStsNullPointer, set<0>(nullptr)}, {moxStsNullPointer, set<1>(nullptr)}});
   };
   /// Pointers of the given indices, then a step; the least step is good, one less is not, nor is a negative one.
   const auto stepped = [&]<std::size_t... P>(auto symbol, auto good, auto step_at, std::index_sequence<P...>) {
     constexpr std::size_t kStep = decltype(step_at)::value;
     const int least = std::get<kStep>(good);
-    Call{lib(symbol), good}.keeps(samples.data(), 128).keeps(wide.data(), 256).expect_order(
-        {{moxStsNullPointer, set<P>(nullptr)}...,
-         {moxStsBadStep, set<kStep>(least - 1)},
-         {moxStsBadStep, set<kStep>(-least)}});
+    Call{lib(symbol), good}
+        .keeps(samples.data(), 128)
+        .keeps(wide.data(), 256)
+        .expect_order({{moxStsNullPointer, set<P>(nullptr)}...,
+                       {moxStsBadStep, set<kStep>(least - 1)},
+                       {moxStsBadStep, set<kStep>(-least)}});
   };
   constexpr std::integral_constant<std::size_t, 1> kAt1;
   constexpr std::integral_constant<std::size_t, 2> kAt2;

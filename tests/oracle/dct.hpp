@@ -1,5 +1,5 @@
-/// Slow oracle of the 8x8 discrete cosine transforms: the definition in floating point, and the integer arithmetic of the
-/// header as double sums over a block, with factors from the cosine function.
+/// Slow oracle of the 8x8 discrete cosine transforms: the definition in floating point, and the integer arithmetic of
+/// the header as double sums over a block, with factors from the cosine function.
 #pragma once
 
 #include <array>
