@@ -28,10 +28,19 @@ struct MacroblockTypes {
   std::array<std::uint8_t, N> flags;
 };
 inline constexpr MacroblockTypes<2> kMacroblockTypesI = {"1 01", {kIntra, kQuant | kIntra}};
-inline constexpr MacroblockTypes<7> kMacroblockTypesP = {"1 01 001 00011 00010 00001 000001", {kMotionForward | kPattern, kPattern, kMotionForward, kIntra, kQuant | kMotionForward | kPattern, kQuant | kPattern, kQuant | kIntra}};
-inline constexpr MacroblockTypes<11> kMacroblockTypesB = {"10 11 010 011 0010 0011 00011 00010 000011 000010 000001", {kMotionForward | kMotionBackward, kMotionForward | kMotionBackward | kPattern, kMotionBackward, kMotionBackward | kPattern, kMotionForward, kMotionForward | kPattern, kIntra, kQuant | kMotionForward | kMotionBackward | kPattern, kQuant | kMotionForward | kPattern, kQuant | kMotionBackward | kPattern, kQuant | kIntra}};
+inline constexpr MacroblockTypes<7> kMacroblockTypesP = {
+    "1 01 001 00011 00010 00001 000001",
+    {kMotionForward | kPattern, kPattern, kMotionForward, kIntra, kQuant | kMotionForward | kPattern, kQuant | kPattern,
+     kQuant | kIntra}};
+inline constexpr MacroblockTypes<11> kMacroblockTypesB = {
+    "10 11 010 011 0010 0011 00011 00010 000011 000010 000001",
+    {kMotionForward | kMotionBackward, kMotionForward | kMotionBackward | kPattern, kMotionBackward,
+     kMotionBackward | kPattern, kMotionForward, kMotionForward | kPattern, kIntra,
+     kQuant | kMotionForward | kMotionBackward | kPattern, kQuant | kMotionForward | kPattern,
+     kQuant | kMotionBackward | kPattern, kQuant | kIntra}};
 
-/// coded_block_pattern from 0, which only 4:2:2 has, to 63. Bit 5 is the first block of luma, bit 0 the second of chroma.
+/// coded_block_pattern from 0, which only 4:2:2 has, to 63. Bit 5 is the first block of luma, bit 0 the second of
+/// chroma.
 inline constexpr std::string_view kCodedBlockPatternCodes =
     "000000001 01011 01001 001101 1101 0010111 0010011 00011111 1100 0010110 0010010 00011110 10011 00011011 "
     "00010111 00010011 1011 0010101 0010001 00011101 10001 00011001 00010101 00010001 001111 00001111 00001101 "
@@ -46,31 +55,47 @@ inline constexpr std::string_view kMotionCodes =
     "0000010110 0000010100 0000010010 00000100010 00000100000 00000011110 00000011100 00000011010 00000011000";
 
 /// dmvector from -1 to 1.
-inline constexpr std::string_view kDmvectorCodes =
-    "11 0 10";
+inline constexpr std::string_view kDmvectorCodes = "11 0 10";
 
 // Prefix-free; so many of the 65536 values of 16 bits begin with no code.
-static_assert(VlcCodes(kAddressIncrementCodes).count == 35 && VlcCodes(kAddressIncrementCodes).prefix_free() && VlcCodes(kAddressIncrementCodes).unused() == 704);
-static_assert(VlcCodes(kCodedBlockPatternCodes).count == 64 && VlcCodes(kCodedBlockPatternCodes).prefix_free() && VlcCodes(kCodedBlockPatternCodes).unused() == 128);
-static_assert(VlcCodes(kMotionCodes).count == 33 && VlcCodes(kMotionCodes).prefix_free() && VlcCodes(kMotionCodes).unused() == 768);
-static_assert(VlcCodes(kDmvectorCodes).count == 3 && VlcCodes(kDmvectorCodes).prefix_free() && VlcCodes(kDmvectorCodes).unused() == 0);
-static_assert(VlcCodes(kMacroblockTypesI.codes).count == 2 && VlcCodes(kMacroblockTypesI.codes).prefix_free() && VlcCodes(kMacroblockTypesI.codes).unused() == 16384);
-static_assert(VlcCodes(kMacroblockTypesP.codes).count == 7 && VlcCodes(kMacroblockTypesP.codes).prefix_free() && VlcCodes(kMacroblockTypesP.codes).unused() == 1024);
-static_assert(VlcCodes(kMacroblockTypesB.codes).count == 11 && VlcCodes(kMacroblockTypesB.codes).prefix_free() && VlcCodes(kMacroblockTypesB.codes).unused() == 1024);
+static_assert(VlcCodes(kAddressIncrementCodes).count == 35 && VlcCodes(kAddressIncrementCodes).prefix_free() &&
+              VlcCodes(kAddressIncrementCodes).unused() == 704);
+static_assert(VlcCodes(kCodedBlockPatternCodes).count == 64 && VlcCodes(kCodedBlockPatternCodes).prefix_free() &&
+              VlcCodes(kCodedBlockPatternCodes).unused() == 128);
+static_assert(VlcCodes(kMotionCodes).count == 33 && VlcCodes(kMotionCodes).prefix_free() &&
+              VlcCodes(kMotionCodes).unused() == 768);
+static_assert(VlcCodes(kDmvectorCodes).count == 3 && VlcCodes(kDmvectorCodes).prefix_free() &&
+              VlcCodes(kDmvectorCodes).unused() == 0);
+static_assert(VlcCodes(kMacroblockTypesI.codes).count == 2 && VlcCodes(kMacroblockTypesI.codes).prefix_free() &&
+              VlcCodes(kMacroblockTypesI.codes).unused() == 16384);
+static_assert(VlcCodes(kMacroblockTypesP.codes).count == 7 && VlcCodes(kMacroblockTypesP.codes).prefix_free() &&
+              VlcCodes(kMacroblockTypesP.codes).unused() == 1024);
+static_assert(VlcCodes(kMacroblockTypesB.codes).count == 11 && VlcCodes(kMacroblockTypesB.codes).prefix_free() &&
+              VlcCodes(kMacroblockTypesB.codes).unused() == 1024);
 
 inline constexpr auto kAddressIncrementSpec = describe<86>(kAddressIncrementCodes, 6, [](int i) { return i + 1; });
-inline constexpr auto kMacroblockTypeSpecI = describe<10>(kMacroblockTypesI.codes, 6, [](int i) { return kMacroblockTypesI.flags[i]; });
-inline constexpr auto kMacroblockTypeSpecP = describe<24>(kMacroblockTypesP.codes, 6, [](int i) { return kMacroblockTypesP.flags[i]; });
-inline constexpr auto kMacroblockTypeSpecB = describe<32>(kMacroblockTypesB.codes, 6, [](int i) { return kMacroblockTypesB.flags[i]; });
+inline constexpr auto kMacroblockTypeSpecI =
+    describe<10>(kMacroblockTypesI.codes, 6, [](int i) { return kMacroblockTypesI.flags[i]; });
+inline constexpr auto kMacroblockTypeSpecP =
+    describe<24>(kMacroblockTypesP.codes, 6, [](int i) { return kMacroblockTypesP.flags[i]; });
+inline constexpr auto kMacroblockTypeSpecB =
+    describe<32>(kMacroblockTypesB.codes, 6, [](int i) { return kMacroblockTypesB.flags[i]; });
 inline constexpr auto kCodedBlockPatternSpec = describe<141>(kCodedBlockPatternCodes, 9, [](int i) { return i; });
 inline constexpr auto kMotionCodeSpec = describe<82>(kMotionCodes, 6, [](int i) { return i - 16; });
 inline constexpr auto kDmvectorSpec = describe<12>(kDmvectorCodes, 2, [](int i) { return i - 1; });
 
 /// quantiser_scale by code, with q_scale_type 0 and 1; code 0 is forbidden. MPEG-1 takes the code itself.
-inline constexpr std::array<std::array<std::uint8_t, 32>, 2> kQuantiserScales = {{{0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30, 32, 34, 36, 38, 40, 42, 44, 46, 48, 50, 52, 54, 56, 58, 60, 62}, {0, 1, 2, 3, 4, 5, 6, 7, 8, 10, 12, 14, 16, 18, 20, 22, 24, 28, 32, 36, 40, 44, 48, 52, 56, 64, 72, 80, 88, 96, 104, 112}}};
+inline constexpr std::array<std::array<std::uint8_t, 32>, 2> kQuantiserScales = {
+    {{0,  2,  4,  6,  8,  10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30,
+      32, 34, 36, 38, 40, 42, 44, 46, 48, 50, 52, 54, 56, 58, 60, 62},
+     {0,  1,  2,  3,  4,  5,  6,  7,  8,  10, 12, 14, 16, 18, 20,  22,
+      24, 28, 32, 36, 40, 44, 48, 52, 56, 64, 72, 80, 88, 96, 104, 112}}};
 
 /// The default weights of intra blocks in raster order. Those of other blocks are 16 throughout.
-inline constexpr std::array<std::int16_t, 64> kDefaultIntraWeights = {8, 16, 19, 22, 26, 27, 29, 34, 16, 16, 22, 24, 27, 29, 34, 37, 19, 22, 26, 27, 29, 34, 34, 38, 22, 22, 26, 27, 29, 34, 37, 40, 22, 26, 27, 29, 32, 35, 40, 48, 26, 27, 29, 32, 35, 40, 48, 58, 26, 27, 29, 34, 38, 46, 56, 69, 27, 29, 35, 38, 46, 56, 69, 83};
+inline constexpr std::array<std::int16_t, 64> kDefaultIntraWeights = {
+    8,  16, 19, 22, 26, 27, 29, 34, 16, 16, 22, 24, 27, 29, 34, 37, 19, 22, 26, 27, 29, 34,
+    34, 38, 22, 22, 26, 27, 29, 34, 37, 40, 22, 26, 27, 29, 32, 35, 40, 48, 26, 27, 29, 32,
+    35, 40, 48, 58, 26, 27, 29, 34, 38, 46, 56, 69, 27, 29, 35, 38, 46, 56, 69, 83};
 inline constexpr std::int16_t kDefaultNonIntraWeight = 16;
 
 /// frame_rate_code as a fraction of frames per second; 0 and codes from 9 on are none.

@@ -36,9 +36,9 @@ struct CodeTables {
   const CodeTable& macroblock_type(PictureType type) const { return types[static_cast<int>(type) - 1]; }
 
   CodeTable address_increment, coded_block_pattern, motion_code, dmvector;
-  std::array<CodeTable, 3> types;         // of I, P and B pictures
-  std::array<CodeTable, 2> dc_size;       // luma, chroma
-  std::array<CodeTable, 2> coefficients;  // zero, one
+  std::array<CodeTable, 3> types;               // of I, P and B pictures
+  std::array<CodeTable, 2> dc_size;             // luma, chroma
+  std::array<CodeTable, 2> coefficients;        // zero, one
   std::array<std::array<Mox32s, 64>, 2> scans;  // zigzag, alternate: raster positions
 };
 

@@ -63,8 +63,8 @@ class Mpeg12Decoder : public Decoder {
   Weights weights_;
   std::optional<PictureHeader> header_;  // of a picture whose slices have not begun
   Picture picture_;
-  bool in_work_ = false;         // slices of picture_ may follow
-  bool awaits_field_ = false;    // picture_ is a first field
+  bool in_work_ = false;       // slices of picture_ may follow
+  bool awaits_field_ = false;  // picture_ is a first field
   std::size_t picture_position_ = 0;
   FramePool pool_;
   std::shared_ptr<const Frame> older_, newer_;  // references in display order
@@ -194,7 +194,7 @@ void Mpeg12Decoder::flush() {
 void Mpeg12Decoder::finish_stream() {
   finish_picture();
   located("picture", picture_position_, [&] { require(!awaits_field_, "a field without the other one of its frame"); });
-  require(newer_ || !ready_.empty() || at_end_ || held_ || picture_.sequence.width > 0, "no picture found");
+  require(picture_.sequence.width > 0, "no picture found");
   flush();
   at_end_ = true;
 }

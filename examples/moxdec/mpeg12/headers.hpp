@@ -44,8 +44,8 @@ struct Sequence {
   int mb_height() const { return progressive ? (height + 15) / 16 : (height + 31) / 32 * 2; }
   /// Whether pictures of the other sequence have the same form, so that they can be references.
   bool same_pictures(const Sequence& other) const {
-    return width == other.width && height == other.height && mpeg2 == other.mpeg2 &&
-           progressive == other.progressive && chroma == other.chroma;
+    return width == other.width && height == other.height && mpeg2 == other.mpeg2 && progressive == other.progressive &&
+           chroma == other.chroma;
   }
 };
 

@@ -17,7 +17,8 @@ struct Vector {
 enum Direction { kForward, kBackward };
 
 /// What a macroblock is predicted by. In frame pictures: kFrame one vector for the frame, kField one for each field. In
-/// field pictures: kField one vector, k16x8 one for each half. kDualPrime: each field from both fields of one reference.
+/// field pictures: kField one vector, k16x8 one for each half. kDualPrime: each field from both fields of one
+/// reference.
 enum class MotionKind { kFrame, kField, k16x8, kDualPrime };
 
 struct Motion {

@@ -132,8 +132,7 @@ class MacroblockPredictor {
   /// A field of a reference. The second field of a P frame is predicted from the first one too.
   View field(Direction s, int parity) const {
     const PictureHeader& header = picture_.header;
-    const bool from_first_field =
-        picture_.second_field && header.type == PictureType::kP && parity != header.parity();
+    const bool from_first_field = picture_.second_field && header.type == PictureType::kP && parity != header.parity();
     return field_of(from_first_field ? *picture_.frame : frame(s), parity);
   }
 

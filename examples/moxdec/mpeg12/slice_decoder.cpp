@@ -196,8 +196,8 @@ void SliceDecoder::decode_residual_block(int i, bool field_transform) {
   const auto reconstruct =
       picture_.sequence.mpeg2 ? moxiReconstructDCTBlock_MPEG2_32s : moxiReconstructDCTBlock_MPEG1_32s;
   Mox32s last = 0;
-  const MoxStatus status = reconstruct(bits_.word(), bits_.offset(), codes, codes, scan, scale_, matrix.data(),
-                                       block_.data(), &last);
+  const MoxStatus status =
+      reconstruct(bits_.word(), bits_.offset(), codes, codes, scan, scale_, matrix.data(), block_.data(), &last);
   require(status == moxStsOk, "broken coefficients");
   bits_.expect_inside();
   saturate();
