@@ -67,7 +67,7 @@ MoxStatus moxiDCT8x8Inv_16s_C1R(const Mox16s* pSrc, Mox16s* pDst, Mox32s dstStep
 MoxStatus moxiDCT8x8InvOrSet_16s8u_C1R(const Mox16s* pSrc, Mox8u* pDst, Mox32s dstStep, Mox32s flag) {
   if (any_null(pSrc, pDst)) return moxStsNullPointer;
   if (dstStep < kSamples) return moxStsBadStep;
-  return flag ? active::dct_set_8u(*pSrc, pDst, dstStep) : active::dct_inverse_8u<false>(pSrc, pDst, dstStep);
+  return flag ? active::dct_set_8u(*pSrc, pDst, dstStep) : moxiDCT8x8Inv_16s8u_C1R(pSrc, pDst, dstStep);
 }
 
 MoxStatus moxiDCT8x8InvOrSet_16s8u_P2C2(const Mox16s* pSrcU, const Mox16s* pSrcV, Mox8u* pDstUV, Mox32s dstStep,

@@ -24,7 +24,7 @@ struct Source {
   Block64<long long> want;
 
   void make(int round, bool transposed, bool flat, Random& random) {
-    block.emplace(flat ? 64 : round, flat ? 1 : 64, random);  // of a flat block, one coefficient can be read
+    block.emplace(flat ? random(1, 70) : round, flat ? 1 : 64, random);  // one coefficient can be read of a flat block
     Block64<long long> coefficients{};
     for (int i = 0; i < static_cast<int>(block->size()); ++i) {
       coefficients[transposed ? i % 8 * 8 + i / 8 : i] = (*block)[i];
@@ -157,6 +157,29 @@ TEST_P(Dct, ByHand) {
   EXPECT_EQ(result[7], -139);
   lib(MOX_FN(moxiDCT8x8Fwd_16s_C1I))(result);
   EXPECT_NEAR(result[1], 800, 8 * 0.354 * 2.563 / 2);  // eight equal rows of samples, each rounded by up to 1/2
+}
+
+/// Each remainder that a rounding can meet: rows that are all alike leave a shift to the column pass.
+TEST_P(Dct, EveryRemainder) {
+  const auto floor_shift = [](long long value, int n) { return oracle::floor_divide(value, 1LL << n); };
+  Mox16s block[64], result[64];
+  for (int i = -24000; i < 24000; ++i) {
+    const int value = i >> 3, dc = i & 7;
+    std::fill_n(block, 64, Mox16s{0});
+    block[0] = static_cast<Mox16s>(dc), block[1] = static_cast<Mox16s>(value);
+    ASSERT_EQ(lib(MOX_FN(moxiDCT8x8Inv_16s_C1))(block, result), moxStsOk);
+    for (int x = 0; x < 8; ++x) {
+      const long long row = 8 * dc + floor_shift(value * oracle::dct_weight(1, x) + 512, 10);
+      ASSERT_EQ(result[x], floor_shift(std::clamp(row, -32768LL, 32767LL) + 32, 6)) << value;
+      ASSERT_EQ(result[56 + x], result[x]) << value;
+    }
+    if (dc > 0 || std::abs(value) > 1400) continue;
+    for (int k = 0; k < 64; ++k) block[k] = static_cast<Mox16s>(k % 8 ? 0 : value);
+    ASSERT_EQ(lib(MOX_FN(moxiDCT8x8Fwd_16s_C1))(block, result), moxStsOk);
+    for (int u = 0; u < 8; ++u) {
+      ASSERT_EQ(result[u], floor_shift(floor_shift(value * oracle::dct_weight(u, 0) + 1024, 11) + 2, 2)) << value;
+    }
+  }
 }
 
 /// The numbers of the procedure: uniform in -low..high, from its linear congruential generator.

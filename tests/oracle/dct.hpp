@@ -35,7 +35,14 @@ inline Block64<double> dct(const Block64<double>& in, bool inverse) {
 inline long long floor_divide(long long value, long long divisor) {
   return static_cast<long long>(std::floor(static_cast<long double>(value) / static_cast<long double>(divisor)));
 }
-inline long long dct_weight(int u, int x) { return std::llround(std::exp2(14.5) * dct_factor(u, x)); }
+inline long long dct_weight(int u, int x) {
+  static const auto weights = [] {
+    Block64<long long> w;
+    for (int i = 0; i < 64; ++i) w[i] = std::llround(std::exp2(14.5) * dct_factor(i / 8, i % 8));
+    return w;
+  }();
+  return weights[8 * u + x];
+}
 
 /// A line of the inverse transform: each value is the sum of all products, rounded.
 inline std::array<long long, 8> dct_line_inverse(const std::array<long long, 8>& line, int shift) {
