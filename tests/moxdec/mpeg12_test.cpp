@@ -172,6 +172,49 @@ TEST(Mpeg12Prediction, OfASecondFieldFromTheFirst) {
   for (const int y : {0, 1, 30, 31}) EXPECT_EQ(row_at(*decoded.frames[0], y, {0, 31}), (std::vector<int>{168, 188}));
 }
 
+/// A picture of one macroblock with F(1,0) in the first blocks of luma and U: level * 16 * weight / 16, scale code 8.
+Stream textured(const BitWriter& matrices, int level) {
+  BitWriter w;
+  w.u(2, 3);
+  for (int i = 0; i < 6; ++i) {
+    code(w, i < 4 ? example::kDcSizeLumaCodes : example::kDcSizeChromaCodes, 0);
+    if (i == 0 || i == 4) w.u(6, 1).u(6, 0).u(12, level);
+    w.u(2, 2);
+  }
+  Mpeg m;
+  return m.sequence({.width = 16, .height = 16, .progressive = true})
+      .picture({})
+      .unit(0xB5, matrices)
+      .slice(0, w)
+      .stream();
+}
+
+TEST(Mpeg12Coefficients, AreWeightedAndLimited) {
+  const auto matrix = [](BitWriter& w, int weight) {
+    w.u(1, 1).u(8, 16).u(8, weight);
+    for (int i = 2; i < 64; ++i) w.u(8, 16);
+  };
+  BitWriter none, luma, chroma;
+  none.u(4, 3).u(4, 0);
+  matrix(luma.u(4, 3), 32);
+  luma.u(3, 0);
+  matrix(chroma.u(4, 3).u(2, 0), 48);
+  chroma.u(1, 0);
+  // The first sample is 128 + F * sqrt(1/8) / 2 * cos(pi/16), with 7 pi/16 the fourth. F is 2047 at most.
+  struct Case {
+    const BitWriter& matrices;
+    int level, column, luma, u;
+  };
+  for (const Case& c : {Case{none, 10, 0, 128 + 28, 128 + 28}, Case{luma, 10, 0, 128 + 55, 128 + 55},
+                        Case{chroma, 10, 0, 128 + 28, 128 + 83}, Case{luma, -10, 0, 128 - 55, 128 - 55},
+                        Case{none, 2000, 3, 128 + 71, 128 + 71}}) {
+    const Decoded decoded = decode_all(textured(c.matrices, c.level));
+    ASSERT_EQ(decoded.frames.size(), 1u) << decoded.error;
+    EXPECT_NEAR(std::to_integer<int>(decoded.frames[0]->shown_row(0, 2)[c.column]), c.luma, 1) << c.level;
+    EXPECT_NEAR(std::to_integer<int>(decoded.frames[0]->shown_row(1, 2)[c.column]), c.u, 1) << c.level;
+  }
+}
+
 TEST(Mpeg12Order, HoldsReferencesBack) {
   Mpeg m;
   m.sequence().flat_i(10).flat_i(40).copy(kB).flat_i(70).copy(kB).copy(kB);
