@@ -57,21 +57,15 @@ inline constexpr std::string_view kMotionCodes =
 /// dmvector from -1 to 1.
 inline constexpr std::string_view kDmvectorCodes = "11 0 10";
 
-// Prefix-free; so many of the 65536 values of 16 bits begin with no code.
-static_assert(VlcCodes(kAddressIncrementCodes).count == 35 && VlcCodes(kAddressIncrementCodes).prefix_free() &&
-              VlcCodes(kAddressIncrementCodes).unused() == 704);
-static_assert(VlcCodes(kCodedBlockPatternCodes).count == 64 && VlcCodes(kCodedBlockPatternCodes).prefix_free() &&
-              VlcCodes(kCodedBlockPatternCodes).unused() == 128);
-static_assert(VlcCodes(kMotionCodes).count == 33 && VlcCodes(kMotionCodes).prefix_free() &&
-              VlcCodes(kMotionCodes).unused() == 768);
-static_assert(VlcCodes(kDmvectorCodes).count == 3 && VlcCodes(kDmvectorCodes).prefix_free() &&
-              VlcCodes(kDmvectorCodes).unused() == 0);
-static_assert(VlcCodes(kMacroblockTypesI.codes).count == 2 && VlcCodes(kMacroblockTypesI.codes).prefix_free() &&
-              VlcCodes(kMacroblockTypesI.codes).unused() == 16384);
-static_assert(VlcCodes(kMacroblockTypesP.codes).count == 7 && VlcCodes(kMacroblockTypesP.codes).prefix_free() &&
-              VlcCodes(kMacroblockTypesP.codes).unused() == 1024);
-static_assert(VlcCodes(kMacroblockTypesB.codes).count == 11 && VlcCodes(kMacroblockTypesB.codes).prefix_free() &&
-              VlcCodes(kMacroblockTypesB.codes).unused() == 1024);
+/// So many codes, none the start of another, and so many of the 65536 values of 16 bits that begin with none.
+constexpr bool is_code(std::string_view text, int count, int unused) {
+  const VlcCodes codes(text);
+  return codes.count == count && codes.prefix_free() && codes.unused() == unused;
+}
+static_assert(is_code(kAddressIncrementCodes, 35, 704) && is_code(kCodedBlockPatternCodes, 64, 128));
+static_assert(is_code(kMotionCodes, 33, 768) && is_code(kDmvectorCodes, 3, 0) &&
+              is_code(kMacroblockTypesI.codes, 2, 16384));
+static_assert(is_code(kMacroblockTypesP.codes, 7, 1024) && is_code(kMacroblockTypesB.codes, 11, 1024));
 
 inline constexpr auto kAddressIncrementSpec = describe<86>(kAddressIncrementCodes, 6, [](int i) { return i + 1; });
 inline constexpr auto kMacroblockTypeSpecI =

@@ -33,10 +33,11 @@ struct Results {
 
   /// Result 4 h + i of all lanes as words, saturated; with B = 2, result 4 + i in the second block.
   MOX_INLINE simd::s16<B> words(int h, int i) const {
-    if constexpr (B == 1)
+    if constexpr (B == 1) {
       return packs(v[0][4 * h + i], v[1][4 * h + i]);
-    else
+    } else {
       return regroup(packs(v[0][i], v[0][i + 4]));
+    }
   }
 };
 
@@ -49,13 +50,15 @@ MOX_INLINE Pairs<B> pairs_of(const Rows& rows, int h, simd::u8<B> order) {
   return {{simd::as<simd::s16>(lo64(a, b)), simd::as<simd::s16>(hi64(a, b)), simd::as<simd::s16>(lo64(c, d)),
            simd::as<simd::s16>(hi64(c, d))}};
 }
-/// Words as bytes of a shuffle.
-#define MOX_WORDS(a, b, c, d, e, f, g, h)                                                                            \
-  2 * a, 2 * a + 1, 2 * b, 2 * b + 1, 2 * c, 2 * c + 1, 2 * d, 2 * d + 1, 2 * e, 2 * e + 1, 2 * f, 2 * f + 1, 2 * g, \
-      2 * g + 1, 2 * h, 2 * h + 1
-alignas(16) inline constexpr Mox8u kInverseOrder[16] = {MOX_WORDS(0, 4, 2, 6, 1, 7, 3, 5)};
-alignas(16) inline constexpr Mox8u kForwardOrder[16] = {MOX_WORDS(0, 1, 3, 2, 7, 6, 4, 5)};
-#undef MOX_WORDS
+
+/// The shuffle of bytes that brings eight words into an order.
+constexpr std::array<Mox8u, 16> word_order(std::array<int, 8> words) {
+  std::array<Mox8u, 16> bytes{};
+  for (int i = 0; i < 16; ++i) bytes[i] = static_cast<Mox8u>(2 * words[i / 2] + i % 2);
+  return bytes;
+}
+inline constexpr auto kInverseOrder = word_order({0, 4, 2, 6, 1, 7, 3, 5});
+inline constexpr auto kForwardOrder = word_order({0, 1, 3, 2, 7, 6, 4, 5});
 
 /// One pass of the inverse transform on the pairs (0, 4), (2, 6), (1, 7), (3, 5).
 template <int Shift, int B>
@@ -105,7 +108,7 @@ MOX_INLINE auto rows_16s(const Mox16s* src, std::ptrdiff_t step) {
 
 template <int B, class Rows>
 MOX_INLINE Results<B> forward(const Rows& rows) {
-  const auto order = simd::table<simd::u8, B>(kForwardOrder);
+  const auto order = simd::table<simd::u8, B>(kForwardOrder.data());
   Results<B> lines, result;
   for (int h = 0; h < 2 / B; ++h) forward_pass<kForwardRowShift>(pairs_of<B>(rows, h, order), lines.v[h]);
   for (int h = 0; h < 2 / B; ++h) forward_pass<kForwardColumnShift>(pairs_of<B>(lines, h, order), result.v[h]);
@@ -114,7 +117,7 @@ MOX_INLINE Results<B> forward(const Rows& rows) {
 
 template <bool kTransposed, int B>
 MOX_INLINE Results<B> inverse(const Mox16s* src) {
-  const auto order = simd::table<simd::u8, B>(kInverseOrder);
+  const auto order = simd::table<simd::u8, B>(kInverseOrder.data());
   Results<B> lines, result;
   for (int h = 0; h < 2 / B; ++h) {
     if constexpr (kTransposed) {  // row u holds term u of all lines

@@ -5,23 +5,12 @@
 #include <exception>
 #include <new>
 #include <optional>
-#include <string>
 
 #include "moxdec/error.hpp"
 #include "moxdec/mpeg12/slice_decoder.hpp"
 
 namespace moxdec::mpeg12 {
 namespace {
-
-/// Does a part of the work; adds to its errors where they happened.
-template <class Work>
-void located(const char* part, std::size_t position, Work work) {
-  try {
-    work();
-  } catch (const DecodeError& error) {
-    throw DecodeError(std::string(part) + " at byte " + std::to_string(position) + ": " + error.what());
-  }
-}
 
 bool is_slice(int code) { return code >= kFirstSlice && code <= kLastSlice; }
 
