@@ -10,8 +10,8 @@
  *  level as 8 bits, -128 to 127. DC sizes are single values.
  *
  *  Reading position. `*ppBitStream` is the 32-bit word with the next bit, `*pBitOffset` the index of that bit, 31
- * (first) to 0 (last of the word), not tested; words are in the machine's order, the stream's first byte most
- * significant. The word behind the one of the block's last bit may be read, so the caller pads by one word.
+ *  (first) to 0 (last of the word), not tested; words are in the machine's order, the stream's first byte most
+ *  significant. The word behind the one of the block's last bit may be read, so the caller pads by one word.
  *
  *  Writing position. `*pBitOffset` is the number of free bits of the word `*ppBitStream`, 32 (empty) to 1, not tested:
  *  one more than the reading offset of the same place. Bits are OR-ed into the word that is begun; a further word is
@@ -27,7 +27,7 @@
  *      all        codes of pACTable up to end of block; the first coefficient of a non-intra block may end it as well
  *
  *  and stores each level l at its scan position, w being the weight there, q = quantScale, in 32 bits that wrap, /
- * towards zero and sgn(0) = 0:
+ *  towards zero and sgn(0) = 0:
  *
  *      MPEG-1 intra      (2 * l * q * w) / 16               an even value other than 0 moves by 1 towards 0,
  *      MPEG-1 non-intra  ((2 * l + sgn(l)) * q * w) / 16    then it is limited to -2048..2047
@@ -40,10 +40,10 @@
  *  Corrupt data. A code that is none, a scan index beyond 63, and a DC size above 32 end the call with
  *  moxStsBadBitstream: the position is behind the code read last, fields of an escape included (behind the bits that
  *  were read minus one for what is no code), the coefficients stored so far stay, mismatch control is not done,
- * *pDstSize is as it was, *pDCPred is the new one if there was a DC size. A call reads 64 codes at most.
+ *  *pDstSize is as it was, *pDCPred is the new one if there was a DC size. A call reads 65 codes at most.
  *
  *  Status. Pointers are tested, `*ppBitStream` among them; when one is null, nothing is changed. Nothing else is
- * tested. */
+ *  tested. */
 #ifndef MOXVC_MPEG12_BLOCK_H
 #define MOXVC_MPEG12_BLOCK_H
 
@@ -61,13 +61,13 @@ MOX_BEGIN_DECLS
  *      header + level    (in words, level signed and not 0) code << 16 | length
  *
  *  Section 0 has its header at word n0 / 2 + maxRun + 2, and each further one nr / 2 + ns / 2 + 1 words behind the
- * header before, where n is a run's number of codes. The table has 2 * maxRun + all codes + 3 words. */
+ *  header before, where n is a run's number of codes. The table has 2 * maxRun + all codes + 3 words. */
 typedef Mox32s MoxRLEncodeTable;
 
 /** Builds a table for encoding from a run-level description (huffman.h). Codes have up to 16 significant bits and are
- * up to 32 bits long; each run's levels are 1 to n and -1 to -n without a gap. The layout of the description is
- * trusted. A wrong one gives a wrong table, in which no header allows a level outside the table: runs are cut to 8
- * bits, a level without a place in the table and a code longer than 32 bits are left out.
+ *  up to 32 bits long; each run's levels are 1 to n and -1 to -n without a gap. The layout of the description is
+ *  trusted. A wrong one gives a wrong table, in which no header allows a level outside the table: runs are cut to 8
+ *  bits, a level without a place in the table and a code longer than 32 bits are left out (and written as escapes).
  *  @param[in]  pSpec   description
  *  @param[out] ppTable the new table; release it with moxiHuffmanTableFree_32s
  *  @retval moxStsNullPointer pSpec or ppTable is null
@@ -78,7 +78,7 @@ MOX_API MoxStatus moxiCreateRLEncodeTable(const MoxVlcSpec* pSpec, MoxRLEncodeTa
  *  @param[in,out] ppBitStream,pBitOffset position of the DC size; moved behind the block
  *  @param[in]     pDCSizeTable  single-value table of DC sizes
  *  @param[in]     pACTable      run-level table. Escape: 6 bits run, 8 bits signed level b; for b = 0 and b = -128
- * follow 8 bits c, and the level is c and c - 256
+ *                               follow 8 bits c, and the level is c and c - 256
  *  @param[in]     pScanMatrix   raster positions
  *  @param         quantScale    quantiser scale, any value
  *  @param[in]     pQuantMatrix  weights
@@ -119,7 +119,7 @@ MOX_API MoxStatus moxiReconstructDCTBlock_MPEG1_32s(const Mox32u** ppBitStream, 
                                                     const Mox16s* pQuantMatrix, Mox16s* pDstBlock, Mox32s* pDstSize);
 
 /** Decodes an MPEG-2 non-intra block; as moxiReconstructDCTBlock_MPEG1_32s except for the escape, 6 bits run and 12
- * bits signed level, and for *pDstSize, which is 1 where the last coefficient is the first one. */
+ *  bits signed level, and for *pDstSize, which is 1 where the last coefficient is the first one. */
 MOX_API MoxStatus moxiReconstructDCTBlock_MPEG2_32s(const Mox32u** ppBitStream, Mox32s* pBitOffset,
                                                     const MoxVlcTable* pFirstTable, const MoxVlcTable* pACTable,
                                                     const Mox32s* pScanMatrix, Mox32s quantScale,
@@ -127,25 +127,25 @@ MOX_API MoxStatus moxiReconstructDCTBlock_MPEG2_32s(const Mox32u** ppBitStream, 
 
 /** Writes an intra block: the DC size s, the bit length of |d| with d = pSrcBlock[0] - *pDCPred; s bits of d, or of
  *  d - 1 if d is negative; the next `count` coefficients other than 0; the end of the block. A coefficient is written
- * with its code and, where its run and level have none, as an MPEG-2 escape: 000001, whatever the table says, 6 bits
- * run, the low 12 bits of the level.
+ *  with its code and, where its run and level have none, as an MPEG-2 escape: 000001, whatever the table says, 6 bits
+ *  run, the low 12 bits of the level.
  *  @param[in,out] ppBitStream,pBitOffset writing position; moved behind the block
  *  @param[in]     pSrcBlock   coefficients
  *  @param[in,out] pDCPred     DC predictor; becomes pSrcBlock[0]
- *  @param[in]     pDCTable    for each DC size that can occur, code and length, 1 to 32
+ *  @param[in]     pDCTable    for each DC size from 0 that can occur the code and its length, 1 to 32; not tested
  *  @param[in]     pACTable    table of moxiCreateRLEncodeTable
  *  @param[in]     pScanMatrix raster positions
  *  @param         eobLength   length of the end-of-block code, 32 at most; below 1 none is written
  *  @param         eobCode     end-of-block code
  *  @param         count       number of coefficients other than 0 behind the first. With fewer, those of the lowest
- * scan positions are written; with more, all. 0 and below: none
+ *                             scan positions are written; with more, all. 0 and below: none
  *  @retval moxStsNullPointer a pointer or *ppBitStream is null */
 MOX_API MoxStatus moxiPutIntraBlock(Mox32u** ppBitStream, Mox32s* pBitOffset, const Mox16s* pSrcBlock, Mox32s* pDCPred,
                                     const Mox32u* pDCTable, const MoxRLEncodeTable* pACTable, const Mox32s* pScanMatrix,
                                     Mox32s eobLength, Mox32u eobCode, Mox32s count);
 
 /** Writes a non-intra block: as moxiPutIntraBlock, but with pSrcBlock[0] as the first coefficient, written as 10 for 1
- * and 11 for -1, otherwise with its code or an escape, whatever `count` is.
+ *  and 11 for -1, otherwise with its code or an escape, whatever `count` is.
  *  @param count number of coefficients other than 0, the first one included */
 MOX_API MoxStatus moxiPutNonIntraBlock(Mox32u** ppBitStream, Mox32s* pBitOffset, const Mox16s* pSrcBlock,
                                        const MoxRLEncodeTable* pACTable, const Mox32s* pScanMatrix, Mox32s eobLength,

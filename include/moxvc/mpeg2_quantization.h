@@ -2,7 +2,7 @@
  *  MPEG-2 quantisation of whole blocks (inverse: ISO/IEC 13818-2 7.4).
  *
  *  Blocks are 64 coefficients in raster order, changed in place; matrices are 64 values in raster order. Arrays need
- * the alignment of their elements only; 16-byte alignment may be faster. Exactly the arrays are read and written.
+ *  the alignment of their elements only; 16-byte alignment may be faster. Exactly the arrays are read and written.
  *
  *  Forward quantisation takes the reciprocals 1 / W of the weights as floats. With f = 16 / quantScale, a coefficient c
  *  and its reciprocal m become
@@ -13,10 +13,10 @@
  *  more in magnitude, or one that is no number, gives -2047 whatever its sign; with reciprocals of weights none occurs.
  *
  *  Inverse quantisation takes the weights W themselves and counts in 16 bits: products wrap (their low 16 bits as a
- * signed number count), sums saturate at -32768 and 32767, shifts to the right round downwards. It ends with mismatch
- * control: if the sum of the 64 results is even, coefficient 63 changes from odd to the even value below, or from even
- * to the odd value above. The sum is that of eight saturating 16-bit lanes, lane i having the coefficients i, i + 8 and
- * so on in this order; as long as no lane leaves 16 bits, its parity is that of the true sum.
+ *  signed number count), sums saturate at -32768 and 32767, shifts to the right round downwards. It ends with mismatch
+ *  control: if the sum of the 64 results is even, coefficient 63 changes from odd to the even value below, or from even
+ *  to the odd value above. The sum is that of eight saturating 16-bit lanes, lane i having the coefficients i, i + 8
+ *  and so on in this order; as long as no lane leaves 16 bits, its parity is that of the true sum.
  *
  *  Status. Null pointers are tested first, then quantScale where a function says so; nothing is written then. */
 #ifndef MOXVC_MPEG2_QUANTIZATION_H
@@ -38,7 +38,7 @@ MOX_API MoxStatus moxiQuantIntra_MPEG2_16s_C1I(Mox16s* pSrcDst, Mox32s quantScal
 
 /** Quantises all coefficients of a block. Without a matrix the weights are 16 throughout, and integers are used: with
  *  r = (quantScale / 2 + 65536) / quantScale (towards zero) and a = |c|, 32767 at most, the result is (a * r) >> 16,
- * 2047 at most, with the sign of c. Without a matrix and with quantScale below 2 no coefficient is changed or limited.
+ *  2047 at most, with the sign of c. Without a matrix and with quantScale below 2 no coefficient is changed or limited.
  *  @param[in,out] pSrcDst      coefficients
  *  @param         quantScale   quantiser scale; may be negative
  *  @param[in]     pQuantMatrix reciprocals of the weights, or null
@@ -62,7 +62,7 @@ MOX_API MoxStatus moxiQuantInvIntra_MPEG2_16s_C1I(Mox16s* pSrcDst, Mox32s quantS
  *  With a matrix: w = the low 16 bits of W * quantScale, unsigned; p = c * w, e = w >> 1. For c = 0 the result is 0,
  *  otherwise (p + e) >> 4 if p is 0 or positive, ((p - e) + 15) >> 4 if p, which has wrapped, is negative. There is no
  *  limit. Without a matrix the weights are 16 throughout: x = 2 * c + sgn(c), the result is (x * quantScale) >> 1,
- * where 1 is added to the product if c is negative, limited to -2048..2047.
+ *  where 1 is added to the product if c is negative, limited to -2048..2047.
  *  @param[in,out] pSrcDst      coefficients
  *  @param         quantScale   quantiser scale; its low 16 bits count
  *  @param[in]     pQuantMatrix weights, or null

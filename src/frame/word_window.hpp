@@ -1,6 +1,8 @@
 /// A reading word cursor that holds its next bits in a register, for loops that read many codes.
 ///
-/// It reads the word behind the one of the next bit at most, and that only when a bit is asked for.
+/// It reads the word behind the one of the next bit at most, and that only when a bit is asked for. Its functions, and
+/// those of a reader that has a window as a member, are to be inlined whatever their size: one that is not keeps the
+/// window in memory, for all others too.
 #pragma once
 
 #include <cstdint>
@@ -8,33 +10,35 @@
 #include "frame/vlc_table.hpp"
 #include "frame/word_cursor.hpp"
 
+#define MOX_READER_INLINE [[gnu::always_inline]]
+
 namespace mox {
 
 class WordWindow {
  public:
-  explicit WordWindow(const MoxWordCursor& at)
+  MOX_READER_INLINE explicit WordWindow(const MoxWordCursor& at)
       : next_(at.word + 1), bits_(std::uint64_t{*at.word} << (63 - at.offset)), held_(at.offset + 1) {}
 
   /// The position of the next bit.
-  MoxWordCursor cursor() const {
+  MOX_READER_INLINE MoxWordCursor cursor() const {
     const Mox32s words = (held_ + 31) >> 5;  // that hold bits not yet consumed
     return {next_ - words, 31 - (32 * words - held_)};
   }
 
   /// Makes the next 32 bits available to peek and skip.
-  void fill() {
+  MOX_READER_INLINE void fill() {
     if (held_ >= 32) return;
     bits_ |= std::uint64_t{*next_++} << (32 - held_);
     held_ += 32;
   }
   /// The next n bits, 0 to 32.
-  Mox32u peek(Mox32s n) const { return static_cast<Mox32u>(bits_ >> 1 >> (63 - n)); }
-  void skip(Mox32s n) {
+  MOX_READER_INLINE Mox32u peek(Mox32s n) const { return static_cast<Mox32u>(bits_ >> 1 >> (63 - n)); }
+  MOX_READER_INLINE void skip(Mox32s n) {
     bits_ <<= n & 63;
     held_ -= n;
   }
   /// Fills and consumes the next n bits, 0 to 32.
-  Mox32u get(Mox32s n) {
+  MOX_READER_INLINE Mox32u get(Mox32s n) {
     fill();
     const Mox32u value = peek(n);
     skip(n);
@@ -42,7 +46,7 @@ class WordWindow {
   }
 
   /// Decodes one code and gives back what was read beyond it, as ownVlcDecode does.
-  VlcLeaf decode(const Mox32s* table) {
+  MOX_READER_INLINE VlcLeaf decode(const Mox32s* table) {
     fill();
     const Mox32s width = table[0], entry = table[1 + peek(width)];
     if (entry & kVlcLinkTag) return decode_on(table, width, entry);
@@ -52,7 +56,7 @@ class WordWindow {
 
  private:
   /// Goes on from a link in the root.
-  VlcLeaf decode_on(const Mox32s* table, Mox32s width, Mox32s entry) {
+  MOX_READER_INLINE VlcLeaf decode_on(const Mox32s* table, Mox32s width, Mox32s entry) {
     do {
       skip(width);
       fill();

@@ -23,7 +23,7 @@ struct RunAndLevel {
 /// What differs between the standards: the fields behind the escape code, and the way from the product of twice the
 /// level, scale and weight to the coefficient.
 struct Mpeg1Coefficients {
-  static RunAndLevel read_escape(WordWindow& in) {
+  MOX_READER_INLINE static RunAndLevel read_escape(WordWindow& in) {
     const auto run = static_cast<Mox32s>(in.get(6));
     Mox32s level = wrap_to<std::int8_t>(in.get(8));
     if ((level & 127) == 0) level = static_cast<Mox32s>(in.get(8)) + 2 * level;
@@ -36,7 +36,7 @@ struct Mpeg1Coefficients {
   }
 };
 struct Mpeg2Coefficients {
-  static RunAndLevel read_escape(WordWindow& in) {
+  MOX_READER_INLINE static RunAndLevel read_escape(WordWindow& in) {
     const Mox32u fields = in.get(18);
     return {static_cast<Mox32s>(fields >> 12), shl32(static_cast<Mox32s>(fields), 20) >> 20};
   }
@@ -55,19 +55,19 @@ struct BlockTarget {
 template <class Standard, bool kIntra>
 class BlockReader {
  public:
-  BlockReader(const MoxWordCursor& at, const BlockTarget& target) : in(at), target_(target) {
+  MOX_READER_INLINE BlockReader(const MoxWordCursor& at, const BlockTarget& target) : in(at), target_(target) {
     std::fill_n(target_.coefficients, 64, Mox16s{0});
   }
 
   /// Puts a level behind `run` zeros. False if that is beyond the end of the block.
-  bool put(Mox32s run, Mox32s level) {
+  MOX_READER_INLINE bool put(Mox32s run, Mox32s level) {
     last += run + 1;
     if (last > 63) return false;
     store(level);
     return true;
   }
   /// Reads one code, and puts its level. False at the end of the block, at no code, and beyond the end.
-  bool read(const MoxVlcTable* table) {
+  MOX_READER_INLINE bool read(const MoxVlcTable* table) {
     const VlcLeaf leaf = in.decode(table);
     const Mox32s run = leaf.run();
     const Mox32s index = last + run + 1;
@@ -76,7 +76,7 @@ class BlockReader {
     store(wrap_to<std::int8_t>(leaf.level()));
     return true;
   }
-  void read_all(const MoxVlcTable* table) {
+  MOX_READER_INLINE void read_all(const MoxVlcTable* table) {
     while (read(table)) continue;
   }
 
@@ -86,14 +86,14 @@ class BlockReader {
   bool ended = false;  ///< by an end-of-block code
 
  private:
-  void store(Mox32s level) {
+  MOX_READER_INLINE void store(Mox32s level) {
     const Mox32s position = target_.scan[last];
     const Mox32s doubled = kIntra ? 2 * level : 2 * level + sign_of(level);
     const Mox16s value = Standard::reconstruct(mul32(mul32(doubled, target_.quantScale), target_.weights[position]));
     target_.coefficients[position] = value;
     parity ^= value;
   }
-  bool read_special(Mox32s run) {
+  MOX_READER_INLINE bool read_special(Mox32s run) {
     ended = run == kEndOfBlockRun;
     if (run != kEscapeRun) return false;
     const RunAndLevel escaped = Standard::read_escape(in);
@@ -107,7 +107,7 @@ class BlockReader {
 inline constexpr Mox32s kMostDcBits = 32;
 
 /// Reads the difference of two DC values, 16 bits. False if there is no such size.
-inline bool read_dc_difference(WordWindow& in, const MoxVlcTable* sizes, Mox16s& difference) {
+MOX_READER_INLINE inline bool read_dc_difference(WordWindow& in, const MoxVlcTable* sizes, Mox16s& difference) {
   const Mox32s size = in.decode(sizes).value() & 0xFFFF;
   if (size > kMostDcBits) return false;
   const std::uint64_t bits = in.get(size);
@@ -117,7 +117,8 @@ inline bool read_dc_difference(WordWindow& in, const MoxVlcTable* sizes, Mox16s&
 }
 
 template <class Standard, bool kIntra>
-MoxStatus finish(const BlockReader<Standard, kIntra>& block, const Mox32u** ppBitStream, Mox32s* pBitOffset) {
+MOX_READER_INLINE inline MoxStatus finish(const BlockReader<Standard, kIntra>& block, const Mox32u** ppBitStream,
+                                          Mox32s* pBitOffset) {
   block.in.cursor().store(ppBitStream, pBitOffset);
   return block.ended ? moxStsOk : moxStsBadBitstream;
 }
@@ -162,7 +163,7 @@ inline MoxStatus decode_intra_mpeg2(const Mox32u** ppBitStream, Mox32s* pBitOffs
 
 /// Reads the first coefficient, which has a shorter code for levels 1 and -1, and all others.
 template <class Block>
-void read_non_intra(Block& block, const MoxVlcTable* first, const MoxVlcTable* ac) {
+MOX_READER_INLINE inline void read_non_intra(Block& block, const MoxVlcTable* first, const MoxVlcTable* ac) {
   block.in.fill();
   if (block.in.peek(1)) {
     block.put(0, block.in.get(2) & 1 ? -1 : 1);

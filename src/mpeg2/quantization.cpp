@@ -3,6 +3,7 @@
 #include "frame/arguments.hpp"
 #include "frame/generation.hpp"
 #include "mpeg2/quantization_px.hpp"
+#include "mpeg2/quantization_vec.hpp"
 
 using namespace mox;
 
@@ -17,8 +18,9 @@ MoxStatus moxiQuant_MPEG2_16s_C1I(Mox16s* pSrcDst, Mox32s quantScale, const floa
   if (any_null(pSrcDst, pCount)) return moxStsNullPointer;
   if (quantScale == 0) return moxStsZeroDivisor;
   if (pQuantMatrix) return active::quantize_by_matrix(pSrcDst, 0, quantScale, pQuantMatrix, pCount);
-  if (quantScale < 2) return active::count_levels(pSrcDst, pCount);
-  return active::quantize_flat(pSrcDst, quantScale, pCount);
+  if (quantScale >= 2) return active::quantize_flat(pSrcDst, quantScale, pCount);
+  *pCount = 64 - active::zeros(pSrcDst);
+  return moxStsOk;
 }
 
 MoxStatus moxiQuantInvIntra_MPEG2_16s_C1I(Mox16s* pSrcDst, Mox32s quantScale, const Mox16u* pQuantMatrix) {
@@ -34,5 +36,6 @@ MoxStatus moxiQuantInv_MPEG2_16s_C1I(Mox16s* pSrcDst, Mox32s quantScale, const M
 
 MoxStatus moxiCountZeros8x8_16s_C1(const Mox16s* pSrc, Mox32s* pCount) {
   if (any_null(pCount, pSrc)) return moxStsNullPointer;
-  return active::count_zeros(pSrc, pCount);
+  *pCount = active::zeros(pSrc);
+  return moxStsOk;
 }

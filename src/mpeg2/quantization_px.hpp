@@ -27,17 +27,7 @@ constexpr Mox32s truncate32(float value) {
   return value >= -0x1p31f && value < 0x1p31f ? static_cast<Mox32s>(value) : -0x7FFFFFFF - 1;
 }
 
-inline MoxStatus count_zeros(const Mox16s* src, Mox32s* pCount) {
-  *pCount = static_cast<Mox32s>(std::count(src, src + 64, Mox16s{0}));
-  return moxStsOk;
-}
-
-/// The number of coefficients other than 0.
-inline MoxStatus count_levels(const Mox16s* src, Mox32s* pCount) {
-  count_zeros(src, pCount);
-  *pCount = 64 - *pCount;
-  return moxStsOk;
-}
+inline Mox32s zeros(const Mox16s* block) { return static_cast<Mox32s>(std::count(block, block + 64, Mox16s{0})); }
 
 /// The two products are rounded one by one, in this order.
 inline Mox16s quantize(Mox16s coefficient, float factor, float reciprocal) {

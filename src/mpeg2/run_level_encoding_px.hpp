@@ -86,10 +86,8 @@ inline MoxStatus build_run_level_table(const MoxVlcSpec* pSpec, MoxRLEncodeTable
 inline void put_level(MoxWordWriter& at, const MoxRLEncodeTable* table, Mox32s run, Mox32s level) {
   if (run <= table[0] >> 20) {
     const MoxRLEncodeTable* const section = table + table[1 + run] / 4;
-    if (std::abs(level) <= *section) {
-      const auto code = static_cast<Mox32u>(section[level]);
-      return ownPutBits32(at, code >> 16, static_cast<Mox32s>(code & 0xFFFF));
-    }
+    const auto code = static_cast<Mox32u>(std::abs(level) <= *section ? section[level] : 0);
+    if (code != 0) return ownPutBits32(at, code >> 16, static_cast<Mox32s>(code & 0xFFFF));
   }
   ownPutBits32(at, 1, 6);
   ownPutBits32(at, static_cast<Mox32u>(run), 6);

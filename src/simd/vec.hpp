@@ -441,4 +441,22 @@ MOX_INLINE Mox32s total(s32<1> v) {
 }
 MOX_WIDE(MOX_INLINE Mox32s total(s32<2> v) { return total(part<0>(v) + part<1>(v)); })
 
+/// 4 floats a block, in a register of the others' type.
+template <int Blocks>
+struct f32 {
+  Raw<Blocks> r;
+  static constexpr int B = Blocks;
+};
+MOX_INLINE f32<1> to_float(s32<1> v) { return {_mm_castps_si128(_mm_cvtepi32_ps(v.r))}; }
+MOX_INLINE f32<1> operator*(f32<1> a, f32<1> b) {
+  return {_mm_castps_si128(_mm_mul_ps(_mm_castsi128_ps(a.r), _mm_castsi128_ps(b.r)))};
+}
+/// Towards zero; what 32 bits cannot hold becomes the least integer.
+MOX_INLINE s32<1> truncate(f32<1> v) { return {_mm_cvttps_epi32(_mm_castsi128_ps(v.r))}; }
+MOX_WIDE(MOX_INLINE f32<2> to_float(s32<2> v) { return {_mm256_castps_si256(_mm256_cvtepi32_ps(v.r))}; })
+MOX_WIDE(MOX_INLINE f32<2> operator*(f32<2> a, f32<2> b) {
+  return {_mm256_castps_si256(_mm256_mul_ps(_mm256_castsi256_ps(a.r), _mm256_castsi256_ps(b.r)))};
+})
+MOX_WIDE(MOX_INLINE s32<2> truncate(f32<2> v) { return {_mm256_cvttps_epi32(_mm256_castsi256_ps(v.r))}; })
+
 }  // namespace mox::simd

@@ -249,6 +249,65 @@ TEST_P(Huffman, WrongDescriptionsStayInsideTheTable) {
   }
 }
 
+TEST_P(Huffman, EncodeTable) {
+  const auto create = lib(MOX_FN(moxiCreateRLEncodeTable));
+  MoxRLEncodeTable* table = nullptr;
+  // End of block 10 and escape 000001; run 0 with levels to 2, run 1 without a code, run 2 with level 1.
+  const MoxVlcSpec spec[] = {0, 1, 8, 0, 1,  2, 254, 0,   2, 6, 0,  1, 7, 0,  -1, 0,  2, 8,
+                             0, 2, 9, 0, -2, 1, 1,   255, 0, 2, 42, 2, 1, 43, 2,  -1, -1};
+  const std::vector<MoxRLEncodeTable> expected = {2 << 20 | 0x22 << 10 | 0x16,
+                                                  24,
+                                                  36,
+                                                  44,
+                                                  9 << 16 | 5,
+                                                  7 << 16 | 3,
+                                                  2,
+                                                  6 << 16 | 3,
+                                                  8 << 16 | 5,
+                                                  -1,
+                                                  43 << 16 | 7,
+                                                  1,
+                                                  42 << 16 | 7,
+                                                  0,
+                                                  0};
+  const MoxVlcSpec empty[] = {0, 1, 2, -1};
+  reset_allocator();
+  ASSERT_EQ(create(spec, &table), moxStsOk);
+  EXPECT_EQ(g_sizes, (std::vector<int>{15 * 4}));
+  EXPECT_EQ(std::vector<MoxRLEncodeTable>(table, table + 15), expected);
+  release(table);
+  ASSERT_EQ(create(empty, &table), moxStsOk);
+  EXPECT_EQ(std::vector<MoxRLEncodeTable>(table, table + 3), (std::vector<MoxRLEncodeTable>{0, 8, -1}));
+  release(table);
+
+  reset_allocator(1);
+  MoxRLEncodeTable* none = nullptr;
+  EXPECT_EQ(create(spec, &none), moxStsNoMemory);
+  EXPECT_EQ(none, nullptr);
+  EXPECT_EQ(create(nullptr, &none), moxStsNullPointer);
+  EXPECT_EQ(create(spec, nullptr), moxStsNullPointer);
+
+  Random random;
+  for (int round = 0; round < 1000; ++round) {  // wrong descriptions: no level that a header allows is outside
+    std::vector<MoxVlcSpec> words = {0, 0};
+    for (int length = random(1, 50); length > 0; --length) {
+      words.push_back(random(0, 3));
+      for (int i = words.back(); i > 0; --i) {
+        const int level = random.chance(0.9) ? random(-40, 40) : static_cast<int>(random.bits());
+        words.insert(words.end(), {random(-9, 999), random(-1, random.chance(0.9) ? 20 : 999), level});
+      }
+    }
+    words.push_back(-1);
+    reset_allocator();
+    ASSERT_EQ(create(words.data(), &table), moxStsOk);
+    for (int run = 0; run <= table[0] >> 20; ++run) {
+      const int section = table[1 + run] / 4, most = std::max(table[section], 0);
+      ASSERT_TRUE(section - most >= 0 && section + most < g_sizes[0] / 4) << round;
+    }
+    release(table);
+  }
+}
+
 TEST_P(Huffman, Arguments) {
   const MoxVlcSpec spec[] = {0, 1, 1, 1, 1, 5, -1};
   MoxVlcTable *table = nullptr, *none = nullptr;
