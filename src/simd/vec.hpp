@@ -355,6 +355,11 @@ MOX_INLINE s16<B> load8_wide(const void* p, const Strips<B>& s) {
   return gather<s16, B>(p, s, [](const Mox8u* q) { return _mm_cvtepu8_epi16(raw8(q)); });
 }
 
+/// The four quadwords of two blocks in the order 0, 2, 1, 3: lower halves of both blocks, then upper halves.
+MOX_WIDE(template <template <int> class V> MOX_INLINE V<2> regroup(V<2> v) {
+  return {_mm256_permute4x64_epi64(v.r, 0xD8)};
+})
+
 // Rows that run on from block to block: 16 B consecutive bytes, or 8 B as words.
 template <template <int> class V, int B>
 MOX_INLINE V<B> load_row(const void* p) {

@@ -74,6 +74,7 @@ inline Decoded decode_all(const Stream& stream, References references = Referenc
 struct Vector {
   std::string file, md5;
   int frames, width, height;
+  bool is_h264() const { return file.ends_with(".264"); }
 };
 inline std::vector<Vector> manifest() {
   std::ifstream file(vector_path("manifest.csv"));
