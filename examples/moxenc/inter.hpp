@@ -1,0 +1,22 @@
+/// Prediction from the reference, search for vectors, and choice of partitions.
+#pragma once
+
+#include "moxenc/site.hpp"
+
+namespace moxenc {
+
+/// Vectors whose macroblock lies within the reference and its margin.
+struct Limits {
+  int left, right, top, bottom;  ///< in quarters of a sample, inclusive
+  bool allow(Vector v) const { return v.x >= left && v.x <= right && v.y >= top && v.y <= bottom; }
+};
+Limits limits_at(const Site& site);
+
+/// Predicts all planes of a partition into the picture.
+void predict_part(const Site& site, const moxdec::Frame& reference, const Part& part, Vector vector);
+void predict_inter(const Macroblock& mb, const Site& site, const moxdec::Frame& reference);
+
+/// Finds the partitions and vectors of a macroblock; returns the cost. `before` is the motion of the picture before.
+int choose_inter(Macroblock& mb, const Site& site, const moxdec::Frame& reference);
+
+}  // namespace moxenc
