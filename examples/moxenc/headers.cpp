@@ -69,8 +69,8 @@ int level_of(const SequenceHeader& header) {
                                                          static_cast<double>(header.rate.denominator);
   const int side = std::max(columns, rows);
   const auto level = std::ranges::find_if(kLevels, [&](const Level& l) {
-    return size <= l.macroblocks && double{size} * rate <= l.macroblock_rate && header.kbits <= l.kbits &&
-           double{side} * side <= 8.0 * l.macroblocks;
+    return size <= l.macroblocks && size * rate <= l.macroblock_rate && header.kbits <= l.kbits &&
+           side * side <= 8 * l.macroblocks;
   });
   return level == std::end(kLevels) ? kLevels[std::size(kLevels) - 1].idc : level->idc;
 }

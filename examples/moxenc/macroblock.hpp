@@ -47,9 +47,9 @@ struct Residual {
 
   /// coded_block_pattern: bits 0 to 3 for the luma quarters, 4 and 5 the chroma part (0 none, 1 DC, 2 DC and AC).
   int pattern() const {
-    int luma = 0;
-    for (int i = 0; i < 4; ++i) luma |= (coded >> (4 * i + 1) & 15) != 0 ? 1 << i : 0;
-    return luma | ((coded >> 19 & 255) != 0 ? 2 : (coded >> 17 & 3) != 0 ? 1 : 0) << 4;
+    int quarters = 0;
+    for (int i = 0; i < 4; ++i) quarters |= (coded >> (4 * i + 1) & 15) != 0 ? 1 << i : 0;
+    return quarters | ((coded >> 19 & 255) != 0 ? 2 : (coded >> 17 & 3) != 0 ? 1 : 0) << 4;
   }
 };
 

@@ -19,7 +19,7 @@ constexpr std::uint32_t quarter_bits(std::size_t quarter) { return 30u << (4 * q
 
 /// Transforms and quantises differences in place. Returns the number of levels, negative if the DC is one of them.
 int quantise(std::array<Mox16s, 16>& block, int qp, bool intra, Mox8u& last) {
-  Mox8s count = 0;
+  std::int8_t count = 0;
   expect_ok(moxiTransformQuantResidual_H264_16s_C1I(block.data(), qp, &count, intra, scan_positions(), &last));
   return count;
 }
@@ -103,7 +103,7 @@ bool quantise_luma_16x16(Macroblock& mb, const Planes& source, const Planes& pic
       residual.coded |= luma_bit(block);
     }
   }
-  Mox8s count = 0;
+  std::int8_t count = 0;
   alignas(16) Mox16s transformed[16];
   const MoxStatus status = moxiTransformQuantLumaDC_H264_16s_C1I(residual.luma_dc.data(), transformed, mb.qp, &count, 1,
                                                                  scan_positions(), &residual.luma_dc_last);
@@ -130,7 +130,7 @@ bool quantise_chroma(Macroblock& mb, const Planes& source, const Planes& picture
       weight += weight_of(blocks[block], 1);
     }
     if (weight < kLightPlane) residual.coded &= ~(15u << (19 + 4 * plane));
-    Mox8s count = 0;
+    std::int8_t count = 0;
     Mox16s transformed[4];
     const MoxStatus status = moxiTransformQuantChromaDC_H264_16s_C1I(residual.chroma_dc[plane].data(), transformed, qp,
                                                                      &count, mb.is_intra(), 1);
