@@ -2,10 +2,12 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "moxenc/headers.hpp"
 #include "moxenc/picture_coder.hpp"
+#include "moxenc/rate_control.hpp"
 
 namespace moxenc {
 
@@ -27,15 +29,19 @@ class Encoder {
 
  private:
   void write_parameter_sets();
+  /// Codes the source with a QP into bits_ and picture_.
+  void code(int qp);
+  int choose_qp();
 
   SequenceHeader header_;
   Settings settings_;
+  std::optional<RateControl> rate_control_;
   CodingState state_;
   FramePtr source_, picture_, reference_;
   BitWriter bits_;
   std::vector<std::uint8_t> stream_;
-  long long frames_ = 0;
-  int since_key_ = 0;
+  int since_key_ = 0;  ///< pictures since the last I picture
+  int keys_ = 0;
 };
 
 }  // namespace moxenc

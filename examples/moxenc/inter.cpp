@@ -17,30 +17,47 @@ struct Choice {
   int cost;
 };
 
-/// Searches the partitions of a split one after the other, as their prediction wants it. Starts are the vectors that
-/// are known for its quarters, and those around it.
-Choice search_split(const Site& site, const moxdec::Frame& reference, Split split, const Choice* known, int limit) {
+Target target_of(const Site& site, const moxdec::Frame& reference, const Part& part, Split split,
+                 const Limits& limits) {
+  const int x = 8 * part.x, y = 8 * part.y;
+  return {site.source.at[0] + std::ptrdiff_t{y % 16} * site.source.step[0] + x % 16,
+          site.source.step[0],
+          sample_at(reference, 0, x, y),
+          reference.step(0),
+          shape_of(part.width, part.height),
+          predict_vector(site.state.motion, part, split),
+          limits,
+          site.lambda};
+}
+
+/// Searches for whole samples, then between them. `known` is a vector for the macroblock, if there is one.
+Match search(const Target& target, const Grid<Motion>& motion, const Part& part, const Vector* known) {
+  const Vector around[] = {target.predicted, motion.at(part.x - 1, part.y).vector,
+                           motion.at(part.x, part.y - 1).vector,
+                           motion.at(part.x + part.width, part.y - 1).vector, known ? *known : Vector{}};
+  const Vector starts[] = {search_whole(target, around).vector, target.predicted};
+  return refine(target, starts, Precision::kHalf);
+}
+
+/// The partitions of a split one after the other, as their prediction wants it. Halves begin at the vectors of their
+/// quarters.
+Choice search_split(const Site& site, const moxdec::Frame& reference, Split split, const Vector* whole,
+                    const Choice* quarters, int limit) {
   constexpr int kTypeBits[4] = {1, 3, 3, 9};
   const Limits limits = limits_at(site);
   Choice choice{{}, site.lambda.satd * kTypeBits[static_cast<int>(split)]};
   for (int i = 0; i < part_count(split); ++i) {
     const Part part = part_of(site.x, site.y, split, i);
     auto& motion = site.state.motion;
-    const int x = 8 * part.x, y = 8 * part.y;
-    const Target target{site.source.at[0] + std::ptrdiff_t{y % 16} * site.source.step[0] + x % 16,
-                        site.source.step[0],
-                        sample_at(reference, 0, x, y),
-                        reference.step(0),
-                        shape_of(part.width, part.height),
-                        predict_vector(motion, part, split),
-                        limits,
-                        site.lambda};
-    std::array<Vector, 5> starts = {target.predicted, motion.at(part.x - 1, part.y).vector,
-                                    motion.at(part.x, part.y - 1).vector,
-                                    motion.at(part.x + part.width, part.y - 1).vector,
-                                    {}};
-    if (known) starts[4] = known->vectors[first_quarter(part)];
-    const Match match = refine(target, search_whole(target, starts).vector);
+    const Target target = target_of(site, reference, part, split, limits);
+    Match match;
+    if (quarters) {
+      const std::size_t first = first_quarter(part), last = split == Split::kRows ? first + 1 : first + 2;
+      const Vector starts[] = {quarters->vectors[first], quarters->vectors[last], *whole, target.predicted};
+      match = refine(target, starts, Precision::kQuarter);
+    } else {
+      match = search(target, motion, part, whole);
+    }
     choice.cost += match.cost;
     if (choice.cost >= limit) return choice;
     motion.fill(part.x, part.y, part.width, part.height, {match.vector, 0});
@@ -87,17 +104,18 @@ void predict_inter(const Macroblock& mb, const Site& site, const moxdec::Frame& 
 }
 
 int choose_inter(Macroblock& mb, const Site& site, const moxdec::Frame& reference) {
-  const Choice whole = search_split(site, reference, Split::kNone, nullptr, 1 << 30);
-  Choice best = whole;
+  Choice best = search_split(site, reference, Split::kNone, nullptr, nullptr, 1 << 30);
+  const Vector whole = best.vectors[0];
   mb.split = Split::kNone;
-  const auto consider = [&](Split split, const Choice& known) {
-    const Choice choice = search_split(site, reference, split, &known, best.cost);
+  const auto consider = [&](Split split, const Choice& choice) {
     if (choice.cost < best.cost) best = choice, mb.split = split;
   };
-  consider(Split::kQuarters, whole);
-  const Choice known = best;
-  consider(Split::kRows, known);
-  consider(Split::kColumns, known);
+  const Choice quarters = search_split(site, reference, Split::kQuarters, &whole, nullptr, 1 << 30);
+  consider(Split::kQuarters, quarters);
+  if (quarters.cost >= best.cost + 12 * site.lambda.satd) { mb.vectors = best.vectors; return best.cost; }
+  for (const Split split : {Split::kRows, Split::kColumns}) {
+    consider(split, search_split(site, reference, split, &whole, &quarters, best.cost));
+  }
   mb.vectors = best.vectors;
   return best.cost;
 }

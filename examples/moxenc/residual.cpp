@@ -69,7 +69,7 @@ class Packed {
 }  // namespace
 
 void quantise_luma_inter(Macroblock& mb, const Planes& source, const Planes& picture) {
-  constexpr int kLightQuarter = 4, kLightMacroblock = 6;
+  constexpr int kLightQuarter = 3, kLightMacroblock = 5;
   Residual& residual = mb.residual;
   Mox16s sums[16];
   expect_ok(moxiSumsDiff16x16Blocks4x4_8u16s_C1(source.at[0], source.step[0], picture.at[0], picture.step[0], sums,

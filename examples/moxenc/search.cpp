@@ -88,13 +88,15 @@ Match search_whole(const Target& target, std::span<const Vector> starts) {
   return best;
 }
 
-Match refine(const Target& target, Vector start) {
+Match refine(const Target& target, std::span<const Vector> starts, Precision from) {
   static constexpr Vector kHalf[] = {{0, -2}, {-2, 0}, {2, 0}, {0, 2}};
   static constexpr Vector kQuarter[] = {{0, -1}, {-1, 0}, {1, 0}, {0, 1}};
   constexpr int kMostSteps = 2;
-  Match best{start, cost_between(target, start)};
-  if (!(target.predicted == start)) consider(target, target.predicted, best, cost_between);
-  for (int i = 0; i < kMostSteps && improve(target, kHalf, best, cost_between); ++i) {
+  Match best{starts[0], cost_between(target, starts[0])};
+  for (const Vector start : starts.subspan(1)) {
+    if (!(start == best.vector)) consider(target, start, best, cost_between);
+  }
+  for (int i = 0; from == Precision::kHalf && i < kMostSteps && improve(target, kHalf, best, cost_between); ++i) {
   }
   for (int i = 0; i < kMostSteps && improve(target, kQuarter, best, cost_between); ++i) {
   }

@@ -37,7 +37,9 @@ struct Match {
 
 /// The best vector of whole samples by SAD: the best start, then hexagons downhill.
 Match search_whole(const Target& target, std::span<const Vector> starts);
-/// From a vector of whole samples, or the predicted one, to quarters of a sample by SATD.
-Match refine(const Target& target, Vector start);
+/// From the best of some vectors to quarters of a sample by SATD, by steps of half a sample first or of quarters alone.
+/// The first start must be allowed.
+enum class Precision { kHalf, kQuarter };
+Match refine(const Target& target, std::span<const Vector> starts, Precision from);
 
 }  // namespace moxenc
