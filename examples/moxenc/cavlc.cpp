@@ -46,8 +46,9 @@ struct Analysis {
 constexpr std::size_t kChromaDcToken = 3;
 void put_token(BitWriter& bits, int nc, int count, int trailing_ones) {
   if (nc >= 8) return bits.put(static_cast<std::uint32_t>(count == 0 ? 3 : (count - 1) << 2 | trailing_ones), 6);
-  put(bits, kCoeffToken[nc < 2 ? 0 : nc < 4 ? 1 : 2]
-                       [static_cast<std::size_t>(example::coeff_token_index(count, trailing_ones))]);
+  put(bits, kCoeffToken[nc < 2   ? 0
+                        : nc < 4 ? 1
+                                 : 2][static_cast<std::size_t>(example::coeff_token_index(count, trailing_ones))]);
 }
 
 /// level_prefix zeros, a one, and the suffix.
@@ -114,8 +115,8 @@ void write_chroma_dc(BitWriter& bits, const Mox16s* levels) {
   Analysis block;
   expect_ok(moxiEncodeChromaDcCoeffsCAVLC_H264_16s(levels, &block.trailing_ones, &block.signs, &block.count,
                                                    &block.total_zeros, block.levels.data(), block.runs.data()));
-  put(bits, kCoeffToken[kChromaDcToken][static_cast<std::size_t>(
-                example::coeff_token_index(block.count, block.trailing_ones))]);
+  put(bits, kCoeffToken[kChromaDcToken]
+                       [static_cast<std::size_t>(example::coeff_token_index(block.count, block.trailing_ones))]);
   if (block.count == 0) return;
   put_levels(bits, block);
   if (block.count < 4) put(bits, kTotalZerosChroma[block.count - 1u][block.total_zeros]);

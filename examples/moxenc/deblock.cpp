@@ -57,7 +57,8 @@ struct Thresholds {
 
   Thresholds(int outer_qp, int inner_qp, const Strengths& strengths, std::size_t edge_stride) {
     const std::size_t qp[2] = {static_cast<std::size_t>(outer_qp), static_cast<std::size_t>(inner_qp)};
-    for (std::size_t i = 0; i < 2; ++i) alpha[i] = example::kDeblockAlpha[qp[i]], beta[i] = example::kDeblockBeta[qp[i]];
+    for (std::size_t i = 0; i < 2; ++i)
+      alpha[i] = example::kDeblockAlpha[qp[i]], beta[i] = example::kDeblockBeta[qp[i]];
     for (std::size_t edge = 0; edge < 4 / edge_stride; ++edge) {
       for (std::size_t i = 0; i < 4; ++i) {
         const Mox8u strength = strengths[4 * edge * edge_stride + i];

@@ -14,11 +14,25 @@ struct Level {
   int kbits;
 };
 constexpr Level kLevels[] = {
-    {10, 1485, 99, 64},          {11, 3000, 396, 192},         {12, 6000, 396, 384},        {13, 11880, 396, 768},
-    {20, 11880, 396, 2000},      {21, 19800, 792, 4000},       {22, 20250, 1620, 4000},     {30, 40500, 1620, 10000},
-    {31, 108000, 3600, 14000},   {32, 216000, 5120, 20000},    {40, 245760, 8192, 20000},   {41, 245760, 8192, 50000},
-    {42, 522240, 8704, 50000},   {50, 589824, 22080, 135000},  {51, 983040, 36864, 240000}, {52, 2073600, 36864, 240000},
-    {60, 4177920, 139264, 240000}, {61, 8355840, 139264, 480000}, {62, 16711680, 139264, 800000},
+    {10, 1485, 99, 64},
+    {11, 3000, 396, 192},
+    {12, 6000, 396, 384},
+    {13, 11880, 396, 768},
+    {20, 11880, 396, 2000},
+    {21, 19800, 792, 4000},
+    {22, 20250, 1620, 4000},
+    {30, 40500, 1620, 10000},
+    {31, 108000, 3600, 14000},
+    {32, 216000, 5120, 20000},
+    {40, 245760, 8192, 20000},
+    {41, 245760, 8192, 50000},
+    {42, 522240, 8704, 50000},
+    {50, 589824, 22080, 135000},
+    {51, 983040, 36864, 240000},
+    {52, 2073600, 36864, 240000},
+    {60, 4177920, 139264, 240000},
+    {61, 8355840, 139264, 480000},
+    {62, 16711680, 139264, 800000},
 };
 
 constexpr int macroblocks(int samples) { return (samples + 15) / 16; }
@@ -64,9 +78,9 @@ void write_vui(BitWriter& bits, moxdec::FrameRate rate) {
 
 int level_of(const SequenceHeader& header) {
   const int columns = macroblocks(header.width), rows = macroblocks(header.height), size = columns * rows;
-  const double rate = header.rate.denominator == 0 ? 25.0
-                                                   : static_cast<double>(header.rate.numerator) /
-                                                         static_cast<double>(header.rate.denominator);
+  const double rate = header.rate.denominator == 0
+                          ? 25.0
+                          : static_cast<double>(header.rate.numerator) / static_cast<double>(header.rate.denominator);
   const int side = std::max(columns, rows);
   const auto level = std::ranges::find_if(kLevels, [&](const Level& l) {
     return size <= l.macroblocks && size * rate <= l.macroblock_rate && header.kbits <= l.kbits &&

@@ -24,8 +24,8 @@ inline constexpr int kFrameNumBits = 8;
 /// QP that slice headers refer to.
 inline constexpr int kInitialQp = 26;
 struct SliceHeader {
-  bool idr;      ///< an I picture that begins a sequence; else a P picture
-  int idr_id;    ///< 0 or 1, differs between IDR pictures that follow one another
+  bool idr;    ///< an I picture that begins a sequence; else a P picture
+  int idr_id;  ///< 0 or 1, differs between IDR pictures that follow one another
   int frame_num;
   int qp;
 };

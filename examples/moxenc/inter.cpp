@@ -32,8 +32,7 @@ Target target_of(const Site& site, const moxdec::Frame& reference, const Part& p
 
 /// Searches for whole samples, then between them. `known` is a vector for the macroblock, if there is one.
 Match search(const Target& target, const Grid<Motion>& motion, const Part& part, const Vector* known) {
-  const Vector around[] = {target.predicted, motion.at(part.x - 1, part.y).vector,
-                           motion.at(part.x, part.y - 1).vector,
+  const Vector around[] = {target.predicted, motion.at(part.x - 1, part.y).vector, motion.at(part.x, part.y - 1).vector,
                            motion.at(part.x + part.width, part.y - 1).vector, known ? *known : Vector{}};
   const Vector starts[] = {search_whole(target, around).vector, target.predicted};
   return refine(target, starts, Precision::kHalf);
@@ -112,7 +111,10 @@ int choose_inter(Macroblock& mb, const Site& site, const moxdec::Frame& referenc
   };
   const Choice quarters = search_split(site, reference, Split::kQuarters, &whole, nullptr, 1 << 30);
   consider(Split::kQuarters, quarters);
-  if (quarters.cost >= best.cost + 12 * site.lambda.satd) { mb.vectors = best.vectors; return best.cost; }
+  if (quarters.cost >= best.cost + 12 * site.lambda.satd) {
+    mb.vectors = best.vectors;
+    return best.cost;
+  }
   for (const Split split : {Split::kRows, Split::kColumns}) {
     consider(split, search_split(site, reference, split, &whole, &quarters, best.cost));
   }

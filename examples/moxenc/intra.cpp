@@ -10,8 +10,7 @@ namespace {
 
 /// The neighbours that a mode cannot do without.
 constexpr int kAll = Site::kAbove | Site::kLeft | Site::kCorner;
-constexpr int kNeeds4x4[9] = {Site::kAbove, Site::kLeft, 0,    Site::kAbove, kAll,
-                              kAll,         kAll,        Site::kAbove, Site::kLeft};
+constexpr int kNeeds4x4[9] = {Site::kAbove, Site::kLeft, 0, Site::kAbove, kAll, kAll, kAll, Site::kAbove, Site::kLeft};
 constexpr int kNeeds16x16[4] = {Site::kAbove, Site::kLeft, 0, kAll};
 constexpr int kNeedsChroma[4] = {0, Site::kLeft, Site::kAbove, kAll};
 
@@ -32,8 +31,8 @@ bool has_above_right(const Site& site, int x, int y) {
 
 int available_to_block(const Site& site, int x, int y) {
   const bool above = y > 0 || site.has_above(), left = x > 0 || site.has_left();
-  return (above ? Site::kAbove : 0) | (left ? Site::kLeft : 0) |
-         (above && left ? Site::kCorner : 0) | (has_above_right(site, x, y) ? Site::kAboveRight : 0);
+  return (above ? Site::kAbove : 0) | (left ? Site::kLeft : 0) | (above && left ? Site::kCorner : 0) |
+         (has_above_right(site, x, y) ? Site::kAboveRight : 0);
 }
 
 }  // namespace
@@ -95,8 +94,8 @@ void predict_intra_chroma(Macroblock& mb, const Site& site) {
     int cost = site.lambda.satd * ue_length(static_cast<std::uint32_t>(mode));
     for (std::size_t plane = 1; plane < 3; ++plane) {
       Mox32s satd;
-      expect_ok(moxiSATD8x8_8u32s_C1R(source.at[plane], source.step[plane], picture.at[plane], picture.step[plane],
-                                      &satd));
+      expect_ok(
+          moxiSATD8x8_8u32s_C1R(source.at[plane], source.step[plane], picture.at[plane], picture.step[plane], &satd));
       cost += satd;
     }
     if (cost < best) best = cost, mb.chroma_mode = static_cast<std::uint8_t>(mode);

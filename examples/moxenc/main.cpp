@@ -22,7 +22,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr const char* kUsage =
-    "usage: moxenc INPUT.y4m -o OUT.264 [--qp N | --bitrate KBITS] [--keyint N] [--recon FILE] [--frames N] [--quiet]\n";
+    "usage: moxenc INPUT.y4m -o OUT.264 [--qp N | --bitrate KBITS] [--keyint N] [--recon FILE] [--frames N] "
+    "[--quiet]\n";
 constexpr const char* kHelp =
     "\n"
     "Encodes 8-bit 4:2:0 video as an H.264 byte stream of the Constrained Baseline profile.\n"

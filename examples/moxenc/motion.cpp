@@ -22,7 +22,8 @@ std::int16_t median(std::int16_t a, std::int16_t b, std::int16_t c) {
 
 Vector median_of(const Neighbours& n) {
   const int same = (n.left.reference == 0) + (n.above.reference == 0) + (n.diagonal.reference == 0);
-  if (same == 1) return n.left.reference == 0 ? n.left.vector : n.above.reference == 0 ? n.above.vector : n.diagonal.vector;
+  if (same == 1)
+    return n.left.reference == 0 ? n.left.vector : n.above.reference == 0 ? n.above.vector : n.diagonal.vector;
   if (n.above.reference == Motion::kUnknown && n.diagonal.reference == Motion::kUnknown) return n.left.vector;
   return {median(n.left.vector.x, n.above.vector.x, n.diagonal.vector.x),
           median(n.left.vector.y, n.above.vector.y, n.diagonal.vector.y)};

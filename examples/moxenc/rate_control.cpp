@@ -14,7 +14,7 @@ double step_of(int qp) { return std::exp2(qp / 6.0); }
 
 RateControl::RateControl(double bits_per_second, double pictures_per_second, int keyint)
     : bits_per_picture_(bits_per_second / pictures_per_second),
-      window_(std::max(1, static_cast<int>(std::lround(2 * std::min(pictures_per_second, 1e6))))),
+      window_(std::max(1, static_cast<int>(std::lround(std::min(pictures_per_second, 1e6))))),
       keyint_(keyint) {}
 
 int RateControl::choose_qp(int since_key) const {
@@ -37,7 +37,7 @@ int RateControl::choose_qp(int since_key) const {
 void RateControl::learn(int since_key, int qp, std::size_t bits) {
   const double sample = static_cast<double>(bits) * step_of(qp);
   double& complexity = complexity_[since_key == 0 ? 0 : 1];
-  complexity = complexity == 0 ? sample : (complexity + sample) / 2;
+  complexity = complexity == 0 ? sample : (3 * complexity + sample) / 4;
 }
 
 void RateControl::account(int qp, std::size_t bits) {

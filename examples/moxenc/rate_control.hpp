@@ -6,8 +6,8 @@
 namespace moxenc {
 
 /// The size of a picture is taken as its complexity divided by the step of its quantiser. Complexities of I and of P
-/// pictures are learnt from those coded. A picture gets the step with which the pictures of the next two seconds, if
-/// they are as complex, bring the total to what is wanted by then.
+/// pictures are learnt from those coded. A picture gets the step with which the pictures of the next second, if they
+/// are as complex, bring the total to what is wanted by then.
 class RateControl {
  public:
   RateControl(double bits_per_second, double pictures_per_second, int keyint);

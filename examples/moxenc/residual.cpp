@@ -166,8 +166,7 @@ void reconstruct_luma(const Macroblock& mb, const Planes& picture, std::uint32_t
   }
   if (mb.kind == Kind::kIntra16x16) {
     expect_ok(moxiReconstructLumaIntra16x16MB_H264_16s8u_C1R(packed.start(), picture.at[0], picture.step[0],
-                                                             mb.luma_mode, residual.coded, mb.qp,
-                                                             unusable_neighbours));
+                                                             mb.luma_mode, residual.coded, mb.qp, unusable_neighbours));
   } else {
     expect_ok(moxiReconstructLumaInterMB_H264_16s8u_C1R(packed.start(), picture.at[0], picture.step[0], residual.coded,
                                                         mb.qp));

@@ -9,9 +9,9 @@ namespace moxenc {
 /// QP of chroma.
 inline int chroma_qp(int qp) { return example::kChromaQp[static_cast<std::size_t>(qp)]; }
 
-/// Each of these begins with a prediction in the picture, replaces the levels of its part of the macroblock and its bits
-/// of Residual::coded; quantise functions leave the picture alone. Those that return false have met a level that cannot
-/// be written; a higher QP avoids it.
+/// Each of these begins with a prediction in the picture, replaces the levels of its part of the macroblock and its
+/// bits of Residual::coded; quantise functions leave the picture alone. Those that return false have met a level that
+/// cannot be written; a higher QP avoids it.
 
 /// The luma of an inter macroblock. Quarters and macroblocks whose few small levels cost more than they help get none.
 void quantise_luma_inter(Macroblock& mb, const Planes& source, const Planes& picture);

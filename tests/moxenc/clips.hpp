@@ -1,0 +1,55 @@
+/// Small clips made of formulas.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "moxdec/decoding.hpp"
+
+namespace mox::test {
+
+/// Samples by frame, plane, column and row; their low 8 bits count.
+using Formula = std::function<int(int frame, int plane, int x, int y)>;
+
+inline std::shared_ptr<moxdec::Frame> make_frame(int width, int height, int number, const Formula& formula) {
+  const auto frame = std::make_shared<moxdec::Frame>(moxdec::FrameFormat{width, height},
+                                                     moxdec::FrameLayout{width, height, 0, 0, 0});
+  for (int plane = 0; plane < 3; ++plane) {
+    for (int y = 0; y < frame->format().plane_height(plane); ++y) {
+      auto* row = frame->samples<std::uint8_t>(plane) + y * frame->step(plane);
+      for (int x = 0; x < frame->format().plane_width(plane); ++x) {
+        row[x] = static_cast<std::uint8_t>(formula(number, plane, x, y));
+      }
+    }
+  }
+  return frame;
+}
+
+/// A number of 0 to 255 without pattern.
+inline int hash(int a, int b, int c, int d) {
+  auto h = static_cast<std::uint32_t>(a) * 0x9E3779B1u ^ static_cast<std::uint32_t>(b) * 0x85EBCA77u ^
+           static_cast<std::uint32_t>(c) * 0xC2B2AE3Du ^ static_cast<std::uint32_t>(d) * 0x27D4EB2Fu;
+  h = (h ^ h >> 15) * 0x2C1B3C6Du;
+  return static_cast<int>((h ^ h >> 13) >> 7 & 255);
+}
+
+namespace formulas {
+
+inline int noise(int t, int plane, int x, int y) { return hash(t, plane, x, y); }
+/// Whole macroblocks change from black to white and back: the largest levels there are.
+inline int flips(int t, int plane, int x, int y) {
+  const int size = plane == 0 ? 16 : 8;
+  return (x / size + y / size + t) % 2 ? 255 : 0;
+}
+inline int still(int, int plane, int x, int y) { return (x * x + y * y * 3) / (4 + plane) + hash(0, plane, x, y) / 16; }
+/// Noise of blocks, which moves by 4 samples to the left and 2 up in each frame.
+inline int pan(int t, int plane, int x, int y) {
+  const int size = plane == 0 ? 1 : 2;
+  return 128 + hash(9, plane, (size * x + 4 * t) / 6, (size * y + 2 * t) / 6) / 3;
+}
+/// Two scenes of four frames each, over and over.
+inline int cuts(int t, int plane, int x, int y) { return t / 4 % 2 ? pan(t, plane, x, y) : still(t, plane, y, x) + t; }
+
+}  // namespace formulas
+}  // namespace mox::test
