@@ -1,4 +1,4 @@
-/// Prediction from the reference, search for vectors, and choice of partitions.
+/// Prediction from the reference.
 #pragma once
 
 #include "moxenc/site.hpp"
@@ -15,8 +15,5 @@ Limits limits_at(const Site& site);
 /// Predicts all planes of a partition into the picture.
 void predict_part(const Site& site, const moxdec::Frame& reference, const Part& part, Vector vector);
 void predict_inter(const Macroblock& mb, const Site& site, const moxdec::Frame& reference);
-
-/// Finds the partitions and vectors of a macroblock; returns the cost. `before` is the motion of the picture before.
-int choose_inter(Macroblock& mb, const Site& site, const moxdec::Frame& reference);
 
 }  // namespace moxenc

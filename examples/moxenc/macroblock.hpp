@@ -74,6 +74,9 @@ constexpr Part part_of(int mb_x, int mb_y, Split split, int i) {
   return {2 * mb_x + i * width % 2, 2 * mb_y + (split == Split::kQuarters ? i / 2 : i * height % 2), width, height};
 }
 
+/// Which quarter of its macroblock a partition begins with.
+constexpr std::size_t first_quarter(const Part& part) { return static_cast<std::size_t>(part.y % 2 * 2 + part.x % 2); }
+
 /// The motion of an 8x8 block.
 struct Motion {
   Vector vector;

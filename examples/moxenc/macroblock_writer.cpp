@@ -92,7 +92,7 @@ void MacroblockWriter::write_vectors(const Macroblock& mb) {
   for (int i = 0; i < part_count(mb.split); ++i) {
     const Part part = part_of(mb.x, mb.y, mb.split, i);
     const Vector predicted = predict_vector(state_.motion, part, mb.split);
-    const Vector vector = mb.vectors[static_cast<std::size_t>(part.y % 2 * 2 + part.x % 2)];
+    const Vector vector = mb.vectors[first_quarter(part)];
     bits_.se(vector.x - predicted.x);
     bits_.se(vector.y - predicted.y);
     state_.motion.fill(part.x, part.y, part.width, part.height, {vector, 0});

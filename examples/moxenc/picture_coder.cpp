@@ -4,6 +4,7 @@
 #include "moxenc/inter.hpp"
 #include "moxenc/intra.hpp"
 #include "moxenc/motion.hpp"
+#include "moxenc/partitions.hpp"
 #include "moxenc/residual.hpp"
 
 namespace moxenc {
@@ -20,7 +21,7 @@ class MacroblockCoder {
     if (!task_.reference) return code_intra(1 << 30);
     if (try_skip()) return true;
     mb_.kind = Kind::kInter;
-    const int cost = choose_inter(mb_, site_, *task_.reference);
+    const int cost = choose_partitions(mb_, site_, *task_.reference);
     return prefers_intra(cost) ? code_intra(cost) : code_inter();
   }
   const Macroblock& macroblock() const { return mb_; }

@@ -13,8 +13,8 @@ namespace mox::test {
 using Formula = std::function<int(int frame, int plane, int x, int y)>;
 
 inline std::shared_ptr<moxdec::Frame> make_frame(int width, int height, int number, const Formula& formula) {
-  const auto frame = std::make_shared<moxdec::Frame>(moxdec::FrameFormat{width, height},
-                                                     moxdec::FrameLayout{width, height, 0, 0, 0});
+  const auto frame =
+      std::make_shared<moxdec::Frame>(moxdec::FrameFormat{width, height}, moxdec::FrameLayout{width, height, 0, 0, 0});
   for (int plane = 0; plane < 3; ++plane) {
     for (int y = 0; y < frame->format().plane_height(plane); ++y) {
       auto* row = frame->samples<std::uint8_t>(plane) + y * frame->step(plane);

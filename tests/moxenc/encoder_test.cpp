@@ -5,10 +5,10 @@
 #include <cmath>
 #include <numeric>
 
-#include "moxenc/cavlc.hpp"
-#include "moxenc/encoder.hpp"
 #include "moxdec/h264/cavlc.hpp"
+#include "moxenc/cavlc.hpp"
 #include "moxenc/clips.hpp"
+#include "moxenc/encoder.hpp"
 #include "support/random.hpp"
 
 namespace mox::test {
@@ -62,9 +62,9 @@ double worst_psnr(int qp) {
 }
 
 TEST(Encoder, DecodesToItsReconstruction) {
-  const Clip clips[] = {{"noise", 48, 48, 3, formulas::noise},  {"flips", 64, 48, 3, formulas::flips},
-                        {"tiny", 2, 2, 3, formulas::noise},     {"tall", 16, 80, 4, formulas::pan},
-                        {"wide", 146, 18, 4, formulas::cuts},   {"pan", 98, 82, 6, formulas::pan},
+  const Clip clips[] = {{"noise", 48, 48, 3, formulas::noise}, {"flips", 64, 48, 3, formulas::flips},
+                        {"tiny", 2, 2, 3, formulas::noise},    {"tall", 16, 80, 4, formulas::pan},
+                        {"wide", 146, 18, 4, formulas::cuts},  {"pan", 98, 82, 6, formulas::pan},
                         {"cuts", 66, 50, 10, formulas::cuts}};
   for (const Clip& clip : clips) {
     for (const int qp : {0, 1, 4, 11, 20, 27, 34, 42, 51}) {
@@ -91,8 +91,7 @@ TEST(Encoder, FindsMotion) {
 
 TEST(Encoder, KeepsTheBitrate) {
   for (const int kbits : {120, 300, 600}) {
-    const Encoded encoded =
-        encode({"cuts", 96, 80, 150, formulas::cuts}, {.kbits = kbits, .keyint = 30});
+    const Encoded encoded = encode({"cuts", 96, 80, 150, formulas::cuts}, {.kbits = kbits, .keyint = 30});
     const double got = 8e-3 * static_cast<double>(encoded.bytes()) / (150 / 25.0);
     EXPECT_NEAR(got, kbits, 0.1 * kbits);
   }
