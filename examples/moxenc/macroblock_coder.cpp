@@ -16,7 +16,7 @@ namespace {
 constexpr int kNoLimit = 1 << 29;
 
 /// The cost up to which a candidate is worth a closer look.
-constexpr int near(int cost) { return cost + cost / 8; }
+constexpr int near(int cost) { return cost + cost / 4; }
 
 /// Squared differences of all planes.
 int squared_error(const Planes& a, const Planes& b) {
@@ -60,8 +60,8 @@ bool MacroblockCoder::try_skip(const Site& site) {
   if (!limits_at(site).allow(mb_.vectors[0])) return false;
   predict_inter(mb_, site, *reference_);
   quantise_luma_inter(mb_, site.source, site.picture);
-  const bool nothing = mb_.residual.coded == 0 && quantise_chroma(mb_, site.source, site.picture) &&
-                       mb_.residual.coded == 0;
+  const bool nothing =
+      mb_.residual.coded == 0 && quantise_chroma(mb_, site.source, site.picture) && mb_.residual.coded == 0;
   if (nothing) return true;
   mb_.residual.coded = 0;
   consider(site);
@@ -94,8 +94,8 @@ void MacroblockCoder::try_intra(const Site& site, int limit) {
   }
   if (cost_16x16 > near(std::min(limit, cost_4x4))) return;
   mb_.kind = Kind::kIntra16x16;
-  expect_ok(moxiPredictIntra_16x16_H264_8u_C1IR(site.picture.at[0], site.picture.step[0], mb_.luma_mode,
-                                                site.available()));
+  expect_ok(
+      moxiPredictIntra_16x16_H264_8u_C1IR(site.picture.at[0], site.picture.step[0], mb_.luma_mode, site.available()));
   if (!quantise_luma_16x16(mb_, site.source, site.picture)) return;
   reconstruct_luma(mb_, site.picture, site.unusable());
   predict_intra_chroma(mb_, site);
@@ -114,8 +114,8 @@ void MacroblockCoder::finish(const Site& site) {
 void MacroblockCoder::consider(const Site& site) {
   trial_.clear();
   MacroblockWriter(trial_, site.state, reference_ != nullptr, last_qp_).write(mb_);
-  const double cost = squared_error(site.source, site.picture) +
-                      site.lambda.squares * static_cast<double>(trial_.size());
+  const double cost =
+      squared_error(site.source, site.picture) + site.lambda.squares * static_cast<double>(trial_.size());
   if (cost >= best_cost_) return;
   best_cost_ = cost;
   best_ = mb_;

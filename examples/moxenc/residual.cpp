@@ -14,9 +14,6 @@ constexpr std::uint32_t kLumaBits = 0x1fffe, kChromaBits = 0x7fe0000;
 /// Place of each raster block in coding order; the same table leads back.
 constexpr std::uint32_t luma_bit(std::size_t block) { return 2u << example::kBlockRaster[block]; }
 
-/// Bits of a quarter's four blocks.
-constexpr std::uint32_t quarter_bits(std::size_t quarter) { return 30u << (4 * quarter); }
-
 /// Transforms and quantises differences in place. Returns the number of levels, negative if the DC is one of them.
 int quantise(std::array<Mox16s, 16>& block, int qp, bool intra, Mox8u& last) {
   std::int8_t count = 0;
@@ -69,28 +66,19 @@ class Packed {
 }  // namespace
 
 void quantise_luma_inter(Macroblock& mb, const Planes& source, const Planes& picture) {
-  constexpr int kLightQuarter = 3, kLightMacroblock = 5;
+  constexpr int kLight = 6;
   Residual& residual = mb.residual;
   Mox16s sums[16];
   expect_ok(moxiSumsDiff16x16Blocks4x4_8u16s_C1(source.at[0], source.step[0], picture.at[0], picture.step[0], sums,
                                                 residual.luma[0].data()));
   residual.coded &= kChromaBits;
-  int whole_weight = 0;
-  for (std::size_t quarter = 0; quarter < 4; ++quarter) {
-    int weight = 0;
-    for (std::size_t i = 0; i < 4; ++i) {
-      const std::size_t block = example::kBlockRaster[4 * quarter + i];
-      if (quantise(residual.luma[block], mb.qp, false, residual.luma_last[block]) == 0) continue;
-      residual.coded |= luma_bit(block);
-      if (weight < kHeavy) weight += weight_of(residual.luma[block], 0);
-    }
-    if (weight < kLightQuarter) {
-      residual.coded &= ~quarter_bits(quarter);
-    } else {
-      whole_weight += weight;
-    }
+  int weight = 0;
+  for (std::size_t block = 0; block < 16; ++block) {
+    if (quantise(residual.luma[block], mb.qp, false, residual.luma_last[block]) == 0) continue;
+    residual.coded |= luma_bit(block);
+    if (weight < kLight) weight += weight_of(residual.luma[block], 0);
   }
-  if (whole_weight < kLightMacroblock) residual.coded &= kChromaBits;
+  if (weight < kLight) residual.coded &= kChromaBits;
 }
 
 bool quantise_luma_16x16(Macroblock& mb, const Planes& source, const Planes& picture) {
@@ -114,7 +102,7 @@ bool quantise_luma_16x16(Macroblock& mb, const Planes& source, const Planes& pic
 }
 
 bool quantise_chroma(Macroblock& mb, const Planes& source, const Planes& picture) {
-  constexpr int kLightPlane = 7;
+  constexpr int kLight = 7;
   Residual& residual = mb.residual;
   const int qp = chroma_qp(mb.qp);
   residual.coded &= ~kChromaBits;
@@ -129,7 +117,7 @@ bool quantise_chroma(Macroblock& mb, const Planes& source, const Planes& picture
       residual.coded |= 1u << (19 + 4 * plane + block);
       weight += weight_of(blocks[block], 1);
     }
-    if (weight < kLightPlane) residual.coded &= ~(15u << (19 + 4 * plane));
+    if (weight < kLight) residual.coded &= ~(15u << (19 + 4 * plane));
     std::int8_t count = 0;
     Mox16s transformed[4];
     const MoxStatus status = moxiTransformQuantChromaDC_H264_16s_C1I(residual.chroma_dc[plane].data(), transformed, qp,

@@ -13,7 +13,7 @@ inline int chroma_qp(int qp) { return example::kChromaQp[static_cast<std::size_t
 /// bits of Residual::coded; quantise functions leave the picture alone. Those that return false have met a level that
 /// cannot be written; a higher QP avoids it.
 
-/// The luma of an inter macroblock. Quarters and macroblocks whose few small levels cost more than they help get none.
+/// The luma of an inter macroblock. If all it has are a few small levels, which cost more than they help, it gets none.
 void quantise_luma_inter(Macroblock& mb, const Planes& source, const Planes& picture);
 [[nodiscard]] bool quantise_luma_16x16(Macroblock& mb, const Planes& source, const Planes& picture);
 [[nodiscard]] bool quantise_chroma(Macroblock& mb, const Planes& source, const Planes& picture);
