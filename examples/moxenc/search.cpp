@@ -1,5 +1,6 @@
 #include "moxenc/search.hpp"
 
+#include <array>
 #include <limits>
 
 namespace moxenc {
@@ -22,10 +23,11 @@ int distance_of(const Mox8u* a, Mox32s a_step, const Mox8u* b, Mox32s b_step) {
 }
 
 /// [height / 2 + width - 1 ...]: 8x8, 16x8, 8x16, 16x16.
-constexpr Shape kShapes[4] = {{8, 8, sad_of<moxiSAD8x8_8u32s_C1R>, distance_of<moxiSATD8x8_8u32s_C1R>},
-                              {16, 8, sad_of<moxiSAD16x8_8u32s_C1R>, distance_of<moxiSATD16x8_8u32s_C1R>},
-                              {8, 16, distance_of<moxiSAD8x16_8u32s_C1R>, distance_of<moxiSATD8x16_8u32s_C1R>},
-                              {16, 16, sad_of<moxiSAD16x16_8u32s>, distance_of<moxiSATD16x16_8u32s_C1R>}};
+constexpr Shape kShapes[4] = {
+    {8, 8, sad_of<moxiSAD8x8_8u32s_C1R>, distance_of<moxiSATD8x8_8u32s_C1R>, nullptr},
+    {16, 8, sad_of<moxiSAD16x8_8u32s_C1R>, distance_of<moxiSATD16x8_8u32s_C1R>, nullptr},
+    {8, 16, distance_of<moxiSAD8x16_8u32s_C1R>, distance_of<moxiSATD8x16_8u32s_C1R>, nullptr},
+    {16, 16, sad_of<moxiSAD16x16_8u32s>, distance_of<moxiSATD16x16_8u32s_C1R>, moxiSAD16x16xN_8u16u_C1R}};
 
 constexpr Vector moved(Vector v, int x, int y) {
   return {static_cast<std::int16_t>(v.x + x), static_cast<std::int16_t>(v.y + y)};
@@ -70,6 +72,28 @@ bool improve(const Target& target, const Vector (&steps)[N], Match& best, Cost c
   return !(best.vector == centre);
 }
 
+/// All vectors of whole samples up to four around the best one, a row of them with each call.
+void sweep(const Target& target, Match& best) {
+  constexpr int kReach = 4, kRow = 8;
+  const Vector centre = best.vector;
+  if (!target.limits.allow(moved(centre, -16, -4 * kReach)) || !target.limits.allow(moved(centre, 12, 4 * kReach)))
+    return;
+  for (int y = -kReach; y <= kReach; ++y) {
+    const Vector first = moved(centre, -16, 4 * y);
+    std::array<Mox16u, kRow> sads;
+    expect_ok(target.shape.sads(target.source, target.source_step, place(target, first), target.reference_step,
+                                sads.data(), kRow));
+    const int row_bits = se_length(first.y - target.predicted.y);
+    for (int x = 0; x < kRow; ++x) {
+      const int sad = sads[static_cast<std::size_t>(x)];
+      if (sad >= best.cost) continue;
+      const Vector v = moved(first, 4 * x, 0);
+      const int cost = sad + target.lambda.sad * (row_bits + se_length(v.x - target.predicted.x));
+      if (cost < best.cost) best = {v, cost};
+    }
+  }
+}
+
 }  // namespace
 
 const Shape& shape_of(int width, int height) { return kShapes[2 * height + width - 3]; }
@@ -77,7 +101,7 @@ const Shape& shape_of(int width, int height) { return kShapes[2 * height + width
 Match search_whole(const Target& target, std::span<const Vector> starts) {
   static constexpr Vector kHexagon[] = {{-8, 0}, {-4, 8}, {4, 8}, {8, 0}, {4, -8}, {-4, -8}};
   static constexpr Vector kSquare[] = {{0, -4}, {-4, 0}, {4, 0}, {0, 4}, {-4, -4}, {4, -4}, {-4, 4}, {4, 4}};
-  constexpr int kMostSteps = 16;
+  constexpr int kMostSteps = 16, kBadBits = 100;
   Match best{{}, cost_whole(target, {})};
   for (const Vector start : starts) {
     if (!(rounded(start) == Vector{})) consider(target, rounded(start), best, cost_whole);
@@ -85,6 +109,7 @@ Match search_whole(const Target& target, std::span<const Vector> starts) {
   for (int i = 0; i < kMostSteps && improve(target, kHexagon, best, cost_whole); ++i) {
   }
   improve(target, kSquare, best, cost_whole);
+  if (target.shape.sads && best.cost > kBadBits * target.lambda.sad) sweep(target, best);
   return best;
 }
 

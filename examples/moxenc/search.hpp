@@ -13,6 +13,9 @@ struct Shape {
   int width, height;
   int (*sad)(const Mox8u* source, Mox32s source_step, const Mox8u* other, Mox32s other_step);
   int (*satd)(const Mox8u* source, Mox32s source_step, const Mox8u* other, Mox32s other_step);
+  /// SADs of candidates side by side, a multiple of 8; null for blocks that are not swept.
+  MoxStatus (*sads)(const Mox8u* source, Mox32s source_step, const Mox8u* other, Mox32s other_step, Mox16u* sads,
+                    Mox32s count);
 };
 /// By its size in units of 8 samples.
 const Shape& shape_of(int width, int height);
@@ -35,7 +38,8 @@ struct Match {
   int cost;
 };
 
-/// The best vector of whole samples by SAD: the best start, then hexagons downhill.
+/// The best vector of whole samples by SAD: the best start, then hexagons downhill. If what is found is bad, a large
+/// block is compared at every place around it.
 Match search_whole(const Target& target, std::span<const Vector> starts);
 /// From the best of some vectors to quarters of a sample by SATD, by steps of half a sample first or of quarters alone.
 /// The first start must be allowed.
