@@ -2,9 +2,9 @@
  *  H.264 CAVLC encoding: what a bit writer needs to know of a block (ITU-T H.264 7.3.5.3.2, 9.2). No bits are written
  *  here, and levels are not adjusted.
  *
- *  A function visits the block's positions from the highest scan position to the lowest and reads nothing else of it.
- * In that order, the coefficients that are 1 or -1, up to three of them and before any other coefficient, are the
- * trailing ones; all later ones are levels.
+ *  A function visits the block's positions from the highest scan position to the lowest and reads nothing else of
+ *  it. In that order, the coefficients that are 1 or -1, up to three of them and before any other coefficient, are
+ *  the trailing ones; all later ones are levels.
  *
  *  Results, all of them by pointer:
  *  - pTrailingOnes: their number, 0 to 3.
@@ -15,7 +15,7 @@
  *  - pRuns: the zeros between a coefficient and the next one visited; pNumOutCoeffs - 1 numbers, or none.
  *
  *  Nothing is written to pLevels and pRuns beyond these counts; the arrays must not overlap the block. Null pointers
- * are tested first; after an error nothing has been written. */
+ *  are tested first; after an error nothing has been written. */
 #ifndef MOXVC_H264_CAVLC_ANALYSIS_H
 #define MOXVC_H264_CAVLC_ANALYSIS_H
 
@@ -25,8 +25,8 @@ MOX_BEGIN_DECLS
 
 /** A block by its scan, for all blocks but chroma DC.
  *  @param[in]  pSrc              the block
- *  @param      firstPos          lowest scan position: 0, or 1 for a block of AC coefficients; not below 0 (not
- * tested). Only the low 8 bits count, as an unsigned number
+ *  @param      firstPos          lowest scan position: 0, or 1 for a block of AC coefficients; only the low 8 bits
+ *                                count, as an unsigned number
  *  @param[in]  pScan             scan position k stands in pSrc[pScan[k]]; read from firstPos to lastPos
  *  @param      lastPos           highest scan position, up to 15; only the low 8 bits count, as an unsigned number
  *  @param[out] pTrailingOnes,pTrailingOneSigns,pNumOutCoeffs,pTotalZeros one number each

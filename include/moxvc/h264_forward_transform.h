@@ -2,29 +2,31 @@
  *  H.264 forward transforms and quantisation: the encoder's side of h264_inverse_transform.h.
  *
  *  Blocks. A block is a dense array in raster order: 16 or 64 values, 4 (2x2) or 8 (four rows of two) chroma DC values.
- *  Exactly the block is read and written. Arrays need the alignment of their elements only. A source and a destination
- *  of one type may be the same array; other overlaps give no defined result.
+ *  Exactly the block is read and written. Arrays need the alignment of their elements only. pSrc and pDst of one
+ *  type may be the same array; other overlaps, that of pDCLevels and pTBlock too, give no defined result.
  *
- *  Quantisation. level = sign(x) * ((|x| * s + r) >> n), in 32 bits that wrap unless the function says otherwise. Two
- *  words below stand for r: with T = 2^n, "exact" is T / 3 for intra blocks and T / 6 for others, rounded downwards;
- *  "rough" is 682 << (n - 11) and 342 << (n - 11), which is near it. per = qp / 6, rem = qp % 6. Q(rem, i) is the
- * default multiplier of position i: 13107 11916 10082 9362 8192 7282 for rem 0 to 5 where both coordinates are even,
- * 5243 4660 4194 3647 3355 2893 where both are odd, 8066 7490 6554 5825 5243 4559 elsewhere. Functions with a
- * `pLevelScale` or `pQuantTable` take such multipliers over 16: those that moxiGenScaleLevel4x4_H264_8u16s_C1 makes for
- * the QP's rem. A level that 16 bits do not hold saturates to 32767 or -32767, or wraps, where so said.
+ *  Quantisation. level = sign(x) * ((|x| * s + r) >> n), in 32 bits that wrap unless the function says otherwise. The
+ *  rounding r is called
+ *  - exact: 2^n / 3 for intra blocks, 2^n / 6 for others, rounded downwards;
+ *  - rough: 682 << (n - 11) for intra blocks, 342 << (n - 11) for others, which is near it.
+ *  per = qp / 6, rem = qp % 6. Q(rem, i) is the default multiplier of position i: 13107 11916 10082 9362 8192 7282
+ *  for rem 0 to 5 where both coordinates are even, 5243 4660 4194 3647 3355 2893 where both are odd, 8066 7490 6554
+ *  5825 5243 4559 elsewhere. A `pLevelScale` or `pQuantTable` holds such multipliers divided by 16, or by another
+ *  weight, as moxiGenScaleLevel4x4_H264_8u16s_C1 makes them for the QP's rem. Levels that 16 bits do not hold
+ *  saturate, to 32767 or -32767, or wrap; the function says which.
  *
- *  Counts. `pNumLevels` receives the number of levels that are not 0. Where it is "signed", that number is negated if
- *  level 0 is not 0: the sign tells whether there is a DC level. `pLastCoeff` receives the largest pScanMatrix[i] of
- * all positions i whose level is not 0, or 0. `pScanMatrix` gives each raster position its place in the scan (the
- * inverse of a zigzag or field scan), 16 or 64 numbers of 0 to 32767.
+ *  Counts. `pNumLevels` receives the number of levels that are not 0. Where it is "signed", that number is negated
+ *  if level 0 is not 0: the sign tells whether there is a DC level. `pLastCoeff` receives the largest pScanMatrix[i]
+ *  of all positions i whose level is not 0, or 0. `pScanMatrix` gives each raster position its place in the scan
+ *  (the inverse of a zigzag or field scan), 16 or 64 numbers of 0 to 32767.
  *
- *  Transforms. C4 has the rows (1,1,1,1), (2,1,-1,-2), (1,-1,-1,1), (1,-2,2,-1); the 4x4 transform is C4 * x * C4^T,
- *  rows first. It is computed as a = x0 + x3, b = x1 + x2, c = x1 - x2, d = x0 - x3, then a + b, c + (d + d), a - b,
- *  d - (c + c), which shows where sums saturate. H2 has the rows (1,1), (1,-1), H4 those of moxiTransformDequantLumaDC_
- *  H264_16s_C1I.
+ *  Transforms. The 4x4 transform is C4 * x * C4^T, rows first, where C4 has the rows (1,1,1,1), (2,1,-1,-2),
+ *  (1,-1,-1,1), (1,-2,2,-1). Four values become a + b, c + (d + d), a - b, d - (c + c) with a = x0 + x3, b = x1 + x2,
+ *  c = x1 - x2, d = x0 - x3: where sums saturate, each of these does. H2 has the rows (1,1), (1,-1), and H4
+ *  (1,1,1,1), (1,1,-1,-1), (1,-1,-1,1), (1,-1,1,-1).
  *
  *  Status. Null pointers are tested first, then qp, qpPer or qpRem. The first failing test gives the status, and
- * nothing is written. moxStsLevelOverflow comes later, and each function that gives it says what is written by then. */
+ *  nothing is written. moxStsLevelOverflow comes later, and functions that give it say what is written. */
 #ifndef MOXVC_H264_FORWARD_TRANSFORM_H
 #define MOXVC_H264_FORWARD_TRANSFORM_H
 
@@ -33,8 +35,8 @@
 MOX_BEGIN_DECLS
 
 /** Residual of a 4x4 block to its levels, in place. The transform wraps at 16 bits; s = Q(rem, i), n = per + 15, r
- * exact. Levels are made in two halves, positions 0 to 7 and 8 to 15; a half with a level over 2063 or below -2063
- * keeps its residual, as does a later half, and gives moxStsLevelOverflow.
+ *  exact. Levels are made in two halves, positions 0 to 7 and 8 to 15; a half with a level over 2063 or below -2063
+ *  keeps its residual, as does a later half, and gives moxStsLevelOverflow.
  *  @param[in,out] pSrcDst     16 values
  *  @param         qp          0 to 51
  *  @param[out]    pNumLevels  signed count; not written on overflow
@@ -47,9 +49,9 @@ MOX_BEGIN_DECLS
 MOX_API MoxStatus moxiTransformQuantResidual_H264_16s_C1I(Mox16s* pSrcDst, Mox32s qp, int8_t* pNumLevels, Mox32s intra,
                                                           const Mox16s* pScanMatrix, Mox8u* pLastCoeff);
 
-/** Luma DC of an Intra 16x16 macroblock: (H4 * x * H4) >> 1, columns first, cut to 16 bits after the columns and at the
- *  end; s = Q(rem, 0), n = per + 16, r exact, intra. A half that overflows, as in
- * moxiTransformQuantResidual_H264_16s_C1I, and those after it keep their input.
+/** Luma DC of an Intra 16x16 macroblock: (H4 * x * H4) >> 1, columns first, cut to 16 bits after the columns and at
+ *  the end; s = Q(rem, 0), n = per + 16, r exact, intra. A half that overflows, as in
+ *  moxiTransformQuantResidual_H264_16s_C1I, and those after it keep their input.
  *  @param[in,out] pDCLevels     16 values x, not read if needTransform is 0; receives the levels
  *  @param[in,out] pTBlock       receives the 16 transformed values; with needTransform 0, holds them
  *  @param         qp            0 to 51
@@ -274,7 +276,7 @@ MOX_API MoxStatus moxiTransformFwdLuma8x8_H264_16s32s_C1(const Mox16s* pSrc, Mox
 
 /** Multipliers of a 4x4 scaling list, w = pScalingList[i]. pInvLevelScale[i] = w * M(rem, i), M as in
  *  h264_inverse_transform.h; pLevelScale[i] = Q(rem, i) / w, rounded downwards, but for two w: 0 gives 1, and 255
- * gives 1.
+ *  gives 1.
  *  @param[in]  pScalingList   16 values by raster position, 0 to 255
  *  @param[out] pInvLevelScale 16 multipliers of the inverse side
  *  @param[out] pLevelScale    16 multipliers of the forward side
@@ -284,10 +286,9 @@ MOX_API MoxStatus moxiTransformFwdLuma8x8_H264_16s32s_C1(const Mox16s* pSrc, Mox
 MOX_API MoxStatus moxiGenScaleLevel4x4_H264_8u16s_C1(const Mox8u* pScalingList, Mox16s* pInvLevelScale,
                                                      Mox16s* pLevelScale, Mox32s qpRem);
 
-/** Multipliers of an 8x8 scaling list, w = its value of position i. pInvLevelScale[i] = w * M8(rem, i). For
- * pLevelScale, t = (Q8(rem, i) * (16384 / w)) >> 14, with 0 for 16384 / 0, and two times t grows by 1 unless (t + 1) *
- * w exceeds Q8(rem, i): for most w that is Q8(rem, i) / w rounded downwards, and 2 for w = 0. Positions i have six
- * classes by (y % 4, x % 4): (0,0); both odd; (2,2); a 0 and an odd one; a 0 and a 2; a 2 and an odd one.
+/** Multipliers of an 8x8 scaling list, w = its value of position i: pInvLevelScale[i] = w * M8(rem, i), and
+ *  pLevelScale[i] = Q8(rem, i) / w, rounded downwards, but 2 for w = 0. Positions have six classes by (y % 4, x % 4):
+ *  (0,0); both odd; (2,2); a 0 and an odd one; a 0 and a 2; a 2 and an odd one.
  *
  *      rem   Q8 by class                                M8 by class
  *      0     13107 11428 20972 12222 16777 15481        20 18 32 19 25 24

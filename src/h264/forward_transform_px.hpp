@@ -61,9 +61,8 @@ constexpr void forward_8x8(typename P::Value* block) {
   for (int x = 0; x < 8; ++x) forward_8<P>(block + x, 8);
 }
 
-/// (H4 * M * H4) >> 1 of the luma DC values, columns first; src and dst may be the same. P rules the values between the
-/// passes and the results: the sums of the rows are halved before they are cut to 16 bits, as those of 8-bit video
-/// need.
+/// (H4 * M * H4) >> 1 of the luma DC values, columns first. P rules the values between the passes and the results: the
+/// sums of the rows are halved before they are cut to 16 bits, since 8-bit video has sums of 17 bits.
 template <class P>
 void luma_dc_forward(const typename P::Value* src, typename P::Value* dst) {
   Mox32s block[16];

@@ -29,8 +29,8 @@ constexpr Quantiser rough_quantiser(int shift, bool intra) { return {(intra ? 68
 static_assert(exact_quantiser(17, true).rounding == 43690 && exact_quantiser(17, false).rounding == 21845);
 static_assert(rough_quantiser(16, true).rounding == 21824 && rough_quantiser(16, false).rounding == 10944);
 
-/// Bits that a multiplier of qp / 6 = 0 carries: the default one, and the caller's, which is over 16. DC values take
-/// one bit more.
+/// Shift at qp / 6 = 0: with the default multipliers, and with a caller's, which are those over 16. DC values and 8x8
+/// blocks take one bit more.
 inline constexpr int kTableBits = 15, kScaleBits = 11;
 
 /// (|x| * scale + rounding) >> shift as wide as Product; what does not fit wraps.
@@ -96,8 +96,8 @@ inline bool over_limit(const Mox16s* levels) {
   return most > MoxH264LevelLimit;
 }
 
-/// Stores 16 levels and what is to be known of them, half by half: from the first half that is over the limit on,
-/// nothing is written.
+/// Stores 16 levels half by half, then what is to be known of them. From the first half over the limit on, nothing is
+/// written.
 inline MoxStatus store_within_limit(const Mox16s* levels, Mox16s* pDst, int8_t* pNumLevels, const Mox16s* pScanMatrix,
                                     Mox8u* pLastCoeff) {
   for (int half = 0; half < 16; half += 8) {

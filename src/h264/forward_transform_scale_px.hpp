@@ -1,5 +1,5 @@
 /// Portable kernels that turn H.264 scaling lists into multipliers of both directions. Quotients are made with
-/// reciprocals; how far that goes from the true quotient is part of the result.
+/// reciprocals, and what a reciprocal of 0 leaves is part of the result.
 #pragma once
 
 #include "frame/arithmetic.hpp"
@@ -16,7 +16,7 @@ constexpr Mox16s divided_4x4(Mox32s multiplier, Mox8u weight) {
 static_assert(divided_4x4(13107, 1) == 13107 && divided_4x4(13107, 16) == 819 && divided_4x4(13107, 255) == 1 &&
               divided_4x4(2893, 254) == 11 && divided_4x4(2893, 0) == 1);
 
-/// multiplier / weight, rounded downwards if two steps up from the estimate reach that far; 2 for a weight of 0.
+/// multiplier / weight, rounded downwards: the estimate is up to two too low. A weight of 0 leaves 2.
 constexpr Mox16s divided_8x8(Mox32s multiplier, Mox8u weight) {
   Mox16s t = sat16(multiplier * Int_16s[weight] >> 14);
   for (int step = 0; step < 2; ++step) t = wrap16(t + !(wrap16((t + 1) * weight) > multiplier));

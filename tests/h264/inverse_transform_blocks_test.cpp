@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "h264/transform_inputs.hpp"
+#include "oracle/forward_transform.hpp"
 #include "oracle/inverse_transform.hpp"
 #include "support/call.hpp"
 #include "support/guarded.hpp"
@@ -90,20 +91,9 @@ TEST_P(InverseTransformBlocks, ScaledDc) {
 
   const auto chroma422 = [](Rule pairs) {
     return [pairs](const Values& c, int qp, long long scale) {
-      // Outer and inner sums, outer and inner differences of the columns; then what H4 makes of them.
-      Values terms(8);
-      for (int x = 0; x < 2; ++x) {
-        for (int i = 0; i < 4; ++i) {
-          const int outer_or_inner = i % 2;
-          terms[2 * i + x] =
-              keep(pairs, c[2 * outer_or_inner + x] + (i < 2 ? 1 : -1) * c[2 * (3 - outer_or_inner) + x]);
-        }
-      }
-      constexpr int kCombine[] = {1, 1, 0, 0, 0, 0, 1, 1, 1, -1, 0, 0, 0, 0, 1, -1};
-      Values f = oracle::product(kCombine, terms, oracle::kH2, 4, 2);
+      Values f = oracle::hadamard_2x4(c, pairs);
       for (long long& v : f) {
-        v = keep(qp < 36 ? pairs : oracle::wrapping(pairs),
-                 oracle::rescaled(keep(oracle::wrapping(pairs), v), scale, qp / 6, 6));
+        v = keep(qp < 36 ? pairs : oracle::wrapping(pairs), oracle::rescaled(v, scale, qp / 6, 6));
       }
       return f;
     };
@@ -205,12 +195,10 @@ TEST_P(InverseTransformBlocks, SwitchingBlocks) {
 
 /// With no residual and a fine quantiser, a switching block gives its prediction back.
 TEST_P(InverseTransformBlocks, SwitchingBlockKeepsPrediction) {
-  constexpr int kForward[] = {1, 1, 1, 1, 2, 1, -1, -2, 1, -1, -1, 1, 1, -2, 2, -1};
-  constexpr int kTransposed[] = {1, 2, 1, 1, 1, 1, -1, -2, 1, -1, -1, 2, 1, -2, 1, -1};
   for (int round = 0; round < 100; ++round) {
     Values samples(16);
     for (long long& sample : samples) sample = random_(0, 255);
-    const Values transformed = oracle::product(kForward, samples, kTransposed, 4, 4);
+    const Values transformed = oracle::forward_4x4(samples, Rule::kWrap32);
     const Guarded<Mox16s> block(16), prediction(16);
     std::copy(transformed.begin(), transformed.end(), prediction.begin());
     lib(MOX_FN(moxiDequantTransformResidual_SISP_H264_16s_C1I))(block.data(), prediction.data(), nullptr, 1, 51,

@@ -100,18 +100,38 @@ inline Values product(std::span<const int> left, const Values& m, std::span<cons
 inline constexpr int kH2[] = {1, 1, 1, -1};
 inline constexpr int kH4[] = {1, 1, 1, 1, 1, 1, -1, -1, 1, -1, -1, 1, 1, -1, 1, -1};
 
+inline std::vector<int> transposed(std::span<const int> matrix, int n) {
+  std::vector<int> result(matrix.size());
+  for (int i = 0; i < n * n; ++i) result[i] = matrix[i % n * n + i / n];
+  return result;
+}
+
+/// H4 * M * H2 of four rows of two: `pairs` rules the sums and differences of the outer and of the inner two values of
+/// a column, the wrapping rule of that width what is made of them.
+inline Values hadamard_2x4(const Values& c, Rule pairs) {
+  Values terms(8);
+  for (int i = 0; i < 8; ++i) {
+    const int x = i % 2, outer_or_inner = i / 2 % 2, sign = i < 4 ? 1 : -1;
+    terms[i] = keep(pairs, c[2 * outer_or_inner + x] + sign * c[2 * (3 - outer_or_inner) + x]);
+  }
+  constexpr int kCombine[] = {1, 1, 0, 0, 0, 0, 1, 1, 1, -1, 0, 0, 0, 0, 1, -1};
+  Values f = product(kCombine, terms, kH2, 4, 2);
+  for (long long& v : f) v = keep(wrapping(pairs), v);
+  return f;
+}
+
+/// Rows of the inverse transforms, times 2 and times 8.
+inline constexpr int kBasis4[] = {2, 2, 2, 2, 2, 1, -1, -2, 2, -2, -2, 2, 1, -2, 2, -1};
+inline constexpr int kBasis8[] = {8, 8,  8,  8,  8,  8,  8,  8, 12, 10,  6,   3,   -3,  -6,  -10, -12,
+                                  8, 4,  -4, -8, -8, -4, 4,  8, 10, -3,  -12, -6,  6,   12,  3,   -10,
+                                  8, -8, -8, 8,  8,  -8, -8, 8, 6,  -12, 3,   10,  -10, -3,  12,  -6,
+                                  4, -8, 8,  -4, -4, 8,  -8, 4, 3,  -6,  10,  -12, 12,  -10, 6,   -3};
+
 /// The inverse transform by its basis, final rounding included: exact if no shift on the way drops a bit, as with
 /// coefficients that are multiples of 4 (4x4) or 64 (8x8).
 inline Values residual_by_basis(const Values& block, int n) {
-  constexpr int kBasis4[] = {2, 2, 2, 2, 2, 1, -1, -2, 2, -2, -2, 2, 1, -2, 2, -1};
-  constexpr int kBasis8[] = {8, 8,  8,  8,  8,  8,  8,  8, 12, 10,  6,   3,   -3,  -6,  -10, -12,
-                             8, 4,  -4, -8, -8, -4, 4,  8, 10, -3,  -12, -6,  6,   12,  3,   -10,
-                             8, -8, -8, 8,  8,  -8, -8, 8, 6,  -12, 3,   10,  -10, -3,  12,  -6,
-                             4, -8, 8,  -4, -4, 8,  -8, 4, 3,  -6,  10,  -12, 12,  -10, 6,   -3};
   const std::span<const int> basis = n == 4 ? std::span<const int>(kBasis4) : std::span<const int>(kBasis8);
-  std::vector<int> transposed(n * n);
-  for (int i = 0; i < n * n; ++i) transposed[i] = basis[i % n * n + i / n];
-  Values result = product(transposed, block, basis, n, n);
+  Values result = product(transposed(basis, n), block, basis, n, n);
   for (long long& value : result) value = (value / (basis[0] * basis[0]) + 32) >> 6;
   return result;
 }

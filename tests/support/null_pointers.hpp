@@ -1,4 +1,4 @@
-/// Argument tests of functions that test nothing but pointers, made from the function's type.
+/// Argument tests of functions that test their pointers first, made from the function's type.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -15,9 +15,11 @@ namespace mox::test {
 
 /// Calls with a null pointer for each argument that is one, alone and with all later ones: moxStsNullPointer, and no
 /// memory written. Then a good call. All other arguments are `number`, such as a step; the pointer with the index
-/// `mayBeNull` is left out. Each pointer gets `bytes` bytes of its own.
+/// `mayBeNull` is left out. Each pointer gets `bytes` bytes of its own. `later` are the faults tested after the
+/// pointers.
 template <class... Parameters>
-void expect_null_pointers(MoxStatus (*function)(Parameters...), int number, std::size_t bytes, int mayBeNull = -1) {
+void expect_null_pointers(MoxStatus (*function)(Parameters...), int number, std::size_t bytes, int mayBeNull = -1,
+                          const std::vector<typename Call<Parameters...>::Fault>& later = {}) {
   using C = Call<Parameters...>;
   std::array<std::vector<char>, sizeof...(Parameters)> memory;
   typename C::Arguments good;
@@ -34,6 +36,7 @@ void expect_null_pointers(MoxStatus (*function)(Parameters...), int number, std:
   };
   [&]<std::size_t... I>(std::index_sequence<I...>) { (prepare(std::integral_constant<std::size_t, I>()), ...); }
   (std::index_sequence_for<Parameters...>());
+  faults.insert(faults.end(), later.begin(), later.end());
   Call call(function, good);
   for (const auto& block : memory) call.keeps(block.data(), block.size());
   call.expect_order(faults);
