@@ -15,6 +15,9 @@ const moxdec::FrameFormat& checked(const moxdec::FrameFormat& format) {
   if (format.width < 2 || format.height < 2 || format.width % 2 != 0 || format.height % 2 != 0) {
     throw std::runtime_error("width and height must be even");
   }
+  if ((format.width + 15) / 16 * ((format.height + 15) / 16) > kMostMacroblocks) {
+    throw std::runtime_error("the frames are larger than any level allows");
+  }
   return format;
 }
 

@@ -30,9 +30,9 @@ constexpr Level kLevels[] = {
     {50, 589824, 22080, 135000},
     {51, 983040, 36864, 240000},
     {52, 2073600, 36864, 240000},
-    {60, 4177920, 139264, 240000},
-    {61, 8355840, 139264, 480000},
-    {62, 16711680, 139264, 800000},
+    {60, 4177920, kMostMacroblocks, 240000},
+    {61, 8355840, kMostMacroblocks, 480000},
+    {62, 16711680, kMostMacroblocks, 800000},
 };
 
 constexpr int macroblocks(int samples) { return (samples + 15) / 16; }

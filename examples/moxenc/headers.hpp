@@ -11,6 +11,8 @@ struct SequenceHeader {
   moxdec::FrameRate rate;
   int kbits;  ///< per second, 0 if not known
 };
+/// In a frame of the highest level.
+inline constexpr int kMostMacroblocks = 139264;
 /// The lowest level that allows the picture size, the frame rate and the bitrate, as level_idc; the highest one there
 /// is if none does.
 int level_of(const SequenceHeader& header);

@@ -1,7 +1,6 @@
 #include "moxenc/search.hpp"
 
 #include <array>
-#include <limits>
 
 namespace moxenc {
 namespace {
