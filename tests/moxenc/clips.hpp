@@ -1,6 +1,7 @@
 /// Small clips made of formulas.
 #pragma once
 
+#include <cmath>
 #include <functional>
 #include <memory>
 #include <string>
@@ -47,6 +48,11 @@ inline int still(int, int plane, int x, int y) { return (x * x + y * y * 3) / (4
 inline int pan(int t, int plane, int x, int y) {
   const int size = plane == 0 ? 1 : 2;
   return 128 + hash(9, plane, (size * x + 4 * t) / 6, (size * y + 2 * t) / 6) / 3;
+}
+/// Grey waves of about five samples, which move by 5 quarters of a sample to the left and 3 down in each frame.
+inline int waves(int t, int plane, int x, int y) {
+  const int u = 4 * x + 5 * t, v = 4 * y - 3 * t;
+  return plane == 0 ? static_cast<int>(128 + 50 * std::sin(0.3 * u) + 50 * std::sin(0.27 * v + 0.13 * u)) : 128;
 }
 /// Two scenes of four frames each, over and over.
 inline int cuts(int t, int plane, int x, int y) { return t / 4 % 2 ? pan(t, plane, x, y) : still(t, plane, y, x) + t; }
