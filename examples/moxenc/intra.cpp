@@ -35,6 +35,55 @@ int available_to_block(const Site& site, int x, int y) {
          (has_above_right(site, x, y) ? Site::kAboveRight : 0);
 }
 
+struct Best {
+  int cost = std::numeric_limits<int>::max();
+  int mode = 0;
+};
+
+/// The modes of a 4x4 block of a macroblock.
+struct BlockModes {
+  BlockModes(const Site& place, int block_x, int block_y)
+      : site(place),
+        x(block_x),
+        y(block_y),
+        source(site.source.at[0] + std::ptrdiff_t{4 * y} * site.source.step[0] + 4 * x),
+        picture(site.picture.at[0] + std::ptrdiff_t{4 * y} * site.picture.step[0] + 4 * x),
+        available(available_to_block(site, x, y)),
+        predicted(predict_mode(site.state.modes, 4 * site.x + x, 4 * site.y + y)) {}
+
+  /// Leaves the prediction in the picture.
+  Best choose() {
+    Best best;
+    int last = 0;
+    for_each_mode(kNeeds4x4, available, [&](int mode) {
+      const int cost = cost_of(mode);
+      if (cost < best.cost) best = {cost, mode};
+      last = mode;
+    });
+    if (last != best.mode) predict(best.mode);
+    return best;
+  }
+
+  const Site& site;
+  int x, y;  ///< in blocks
+
+ private:
+  void predict(int mode) {
+    expect_ok(moxiPredictIntra_4x4_H264_8u_C1IR(picture, site.picture.step[0], mode, available));
+  }
+  int cost_of(int mode) {
+    constexpr int kBitsPredicted = 1, kBitsOther = 4;
+    predict(mode);
+    Mox32s satd;
+    expect_ok(moxiSATD4x4_8u32s_C1R(source, site.source.step[0], picture, site.picture.step[0], &satd));
+    return satd + site.lambda.satd * (mode == predicted ? kBitsPredicted : kBitsOther);
+  }
+
+  const Mox8u* source;
+  Mox8u* picture;
+  int available, predicted;
+};
+
 }  // namespace
 
 int choose_intra_16x16(Macroblock& mb, const Site& site) {
@@ -51,32 +100,15 @@ int choose_intra_16x16(Macroblock& mb, const Site& site) {
 }
 
 int code_intra_4x4(Macroblock& mb, const Site& site, int limit) {
-  constexpr int kBitsPredicted = 1, kBitsOther = 4;
-  const Planes &source = site.source, &picture = site.picture;
   int total = site.lambda.satd;
   for (const std::size_t block : example::kBlockRaster) {
-    const int x = static_cast<int>(block % 4), y = static_cast<int>(block / 4);
-    const Mox8u* from = source.at[0] + std::ptrdiff_t{4 * y} * source.step[0] + 4 * x;
-    Mox8u* to = picture.at[0] + std::ptrdiff_t{4 * y} * picture.step[0] + 4 * x;
-    const int available = available_to_block(site, x, y);
-    const int predicted = predict_mode(site.state.modes, 4 * site.x + x, 4 * site.y + y);
-    int best = std::numeric_limits<int>::max(), best_mode = 0, last_mode = 0;
-    for_each_mode(kNeeds4x4, available, [&](int mode) {
-      expect_ok(moxiPredictIntra_4x4_H264_8u_C1IR(to, picture.step[0], mode, available));
-      Mox32s satd;
-      expect_ok(moxiSATD4x4_8u32s_C1R(from, source.step[0], to, picture.step[0], &satd));
-      const int cost = satd + site.lambda.satd * (mode == predicted ? kBitsPredicted : kBitsOther);
-      if (cost < best) best = cost, best_mode = mode;
-      last_mode = mode;
-    });
-    if (last_mode != best_mode) {
-      expect_ok(moxiPredictIntra_4x4_H264_8u_C1IR(to, picture.step[0], best_mode, available));
-    }
-    total += best;
+    BlockModes modes(site, static_cast<int>(block % 4), static_cast<int>(block / 4));
+    const Best best = modes.choose();
+    total += best.cost;
     if (total > limit) return total;
-    mb.modes[block] = static_cast<std::uint8_t>(best_mode);
-    site.state.modes.at(4 * site.x + x, 4 * site.y + y) = static_cast<std::int8_t>(best_mode);
-    code_block(mb, block, source, picture);
+    mb.modes[block] = static_cast<std::uint8_t>(best.mode);
+    site.state.modes.at(4 * site.x + modes.x, 4 * site.y + modes.y) = static_cast<std::int8_t>(best.mode);
+    code_block(mb, block, site.source, site.picture);
   }
   return total;
 }
