@@ -22,29 +22,38 @@ class BitWriter {
   void put(std::uint32_t bits, int length) {
     held_ = held_ << length | bits;
     count_ += length;
-    while (count_ >= 8) {
-      count_ -= 8;
-      bytes_.push_back(static_cast<std::uint8_t>(held_ >> count_));
-    }
+    if (count_ >= 32) flush(4);
   }
   void flag(bool value) { put(value, 1); }
   /// ue(v), of values below 65535, and se(v).
   void ue(std::uint32_t value) { put(value + 1, ue_length(value)); }
   void se(int value) { ue(se_index(value)); }
+  /// Zeros up to the next whole byte.
+  void align() {
+    if (count_ % 8 != 0) put(0, 8 - count_ % 8);
+  }
   /// A one, and zeros up to the next whole byte.
   void finish() {
     put(1, 1);
-    if (count_ > 0) put(0, 8 - count_);
+    align();
+    flush(count_ / 8);
   }
 
   std::size_t size() const { return 8 * bytes_.size() + static_cast<std::size_t>(count_); }
-  /// The whole ones.
+  /// To be looked at once finished.
   const std::vector<std::uint8_t>& bytes() const { return bytes_; }
   void clear() { bytes_.clear(), count_ = 0; }
 
  private:
+  void flush(int bytes) {
+    for (; bytes > 0; --bytes) {
+      count_ -= 8;
+      bytes_.push_back(static_cast<std::uint8_t>(held_ >> count_));
+    }
+  }
+
   std::vector<std::uint8_t> bytes_;
-  std::uint64_t held_ = 0;  ///< the low `count_` bits are not yet in a byte, at most 7
+  std::uint64_t held_ = 0;  ///< the low `count_` bits are not yet in `bytes_`, at most 31
   int count_ = 0;
 };
 

@@ -3,13 +3,7 @@
 #include <algorithm>
 
 namespace moxenc {
-Limits limits_at(const Site& site) {
-  constexpr int kOutside = kMargin - 16, kVertical = 63, kHorizontal = 1024;  // samples
-  const int x = 16 * site.x, y = 16 * site.y, right = 16 * (site.state.columns - 1),
-            bottom = 16 * (site.state.rows - 1);
-  return {4 * std::max(-kOutside - x, -kHorizontal), 4 * std::min(right + kOutside - x, kHorizontal),
-          4 * std::max(-kOutside - y, -kVertical), 4 * std::min(bottom + kOutside - y, kVertical)};
-}
+namespace {
 
 void predict_part(const Site& site, const moxdec::Frame& reference, const Part& part, Vector vector) {
   const int x = 8 * part.x, y = 8 * part.y;
@@ -25,6 +19,16 @@ void predict_part(const Site& site, const moxdec::Frame& reference, const Part& 
         picture.at[plane] + std::ptrdiff_t{y / 2 % 8} * picture.step[plane] + x / 2 % 8, picture.step[plane],
         vector.x & 7, vector.y & 7, {4 * part.width, 4 * part.height}));
   }
+}
+
+}  // namespace
+
+Limits limits_at(const Site& site) {
+  constexpr int kOutside = kMargin - 16, kVertical = 63, kHorizontal = 1024;  // samples
+  const int x = 16 * site.x, y = 16 * site.y, right = 16 * (site.state.columns - 1),
+            bottom = 16 * (site.state.rows - 1);
+  return {4 * std::max(-kOutside - x, -kHorizontal), 4 * std::min(right + kOutside - x, kHorizontal),
+          4 * std::max(-kOutside - y, -kVertical), 4 * std::min(bottom + kOutside - y, kVertical)};
 }
 
 void predict_inter(const Macroblock& mb, const Site& site, const moxdec::Frame& reference) {

@@ -12,8 +12,7 @@ struct Limits {
 };
 Limits limits_at(const Site& site);
 
-/// Predicts all planes of a partition into the picture.
-void predict_part(const Site& site, const moxdec::Frame& reference, const Part& part, Vector vector);
+/// Predicts all planes into the picture. `reference` has margins.
 void predict_inter(const Macroblock& mb, const Site& site, const moxdec::Frame& reference);
 
 }  // namespace moxenc

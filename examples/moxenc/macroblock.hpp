@@ -8,6 +8,7 @@
 
 #include "common/h264_tables.hpp"
 #include "moxenc/grid.hpp"
+#include "moxenc/picture.hpp"
 #include "moxvc.h"
 
 namespace moxenc {
@@ -24,7 +25,8 @@ struct Vector {
   bool operator==(const Vector&) const = default;
 };
 
-enum class Kind : std::uint8_t { kIntra4x4, kIntra16x16, kInter };
+/// kPcm: samples as they are.
+enum class Kind : std::uint8_t { kIntra4x4, kIntra16x16, kPcm, kInter };
 using example::Split;
 
 /// A partition of an inter macroblock, in units of 8 samples within the picture.
@@ -61,6 +63,7 @@ struct Macroblock {
   std::array<Vector, 4> vectors;        ///< of the quarters
   std::array<std::uint8_t, 16> modes;   ///< of Intra 4x4 blocks in raster order
   std::uint8_t luma_mode, chroma_mode;  ///< of Intra 16x16, and of all intra chroma
+  Planes samples;                       ///< of kPcm
   Residual residual;
 
   bool is_intra() const { return kind != Kind::kInter; }
@@ -97,7 +100,7 @@ struct CodingState {
 
   struct Info {
     bool intra;
-    std::uint8_t qp;
+    std::uint8_t qp;  ///< for the deblocking filter
   };
   Info& info_at(int x, int y) { return info[static_cast<std::size_t>(y * columns + x)]; }
   const Info& info_at(int x, int y) const { return info[static_cast<std::size_t>(y * columns + x)]; }

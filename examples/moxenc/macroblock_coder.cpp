@@ -15,6 +15,9 @@ namespace {
 
 constexpr int kNoLimit = 1 << 29;
 
+/// From how many bits on the samples themselves may be cheaper.
+constexpr std::size_t kManyBits = 2000;
+
 /// The cost up to which a candidate is worth a closer look.
 constexpr int near(int cost) { return cost + cost / 4; }
 
@@ -35,23 +38,23 @@ void copy(const Planes& from, const Planes& to) {
 
 }  // namespace
 
-const Macroblock* MacroblockCoder::code(const Site& site, int qp, int last_qp) {
-  mb_.x = site.x, mb_.y = site.y, mb_.qp = qp;
-  last_qp_ = last_qp;
+const Macroblock& MacroblockCoder::code(const Site& site) {
+  mb_.x = site.x, mb_.y = site.y, mb_.qp = qp_;
   best_cost_ = std::numeric_limits<double>::infinity();
-  any_coded_ = false;
+  best_bits_ = 0;
+  refused_ = false;
   if (reference_) {
-    if (try_skip(site)) return &mb_;
+    if (try_skip(site)) return mb_;
     try_intra(site, try_inter(site));
   } else {
     try_intra(site, kNoLimit);
   }
-  if (!any_coded_) return nullptr;
+  if (refused_ || best_bits_ >= kManyBits) try_pcm(site);
   copy(kept_.planes(), site.picture);
-  return &best_;
+  return best_;
 }
 
-/// Whether the prediction of a skipped macroblock leaves nothing to code. If it does, it is one candidate.
+/// Whether the prediction of a skipped macroblock leaves nothing to code. If it leaves something, it is a candidate.
 bool MacroblockCoder::try_skip(const Site& site) {
   mb_.kind = Kind::kInter;
   mb_.split = Split::kNone;
@@ -96,7 +99,7 @@ void MacroblockCoder::try_intra(const Site& site, int limit) {
   mb_.kind = Kind::kIntra16x16;
   expect_ok(
       moxiPredictIntra_16x16_H264_8u_C1IR(site.picture.at[0], site.picture.step[0], mb_.luma_mode, site.available()));
-  if (!quantise_luma_16x16(mb_, site.source, site.picture)) return;
+  if (!quantise_luma_16x16(mb_, site.source, site.picture)) return refuse();
   reconstruct_luma(mb_, site.picture, site.unusable());
   predict_intra_chroma(mb_, site);
   finish(site);
@@ -104,20 +107,28 @@ void MacroblockCoder::try_intra(const Site& site, int limit) {
 
 /// Codes chroma, whose prediction is there.
 void MacroblockCoder::finish(const Site& site) {
-  if (!quantise_chroma(mb_, site.source, site.picture)) return;
+  if (!quantise_chroma(mb_, site.source, site.picture)) return refuse();
   reconstruct_chroma(mb_, site.picture);
-  any_coded_ = true;
+  consider(site);
+}
+
+void MacroblockCoder::try_pcm(const Site& site) {
+  mb_.kind = Kind::kPcm;
+  mb_.residual.coded = 0;
+  mb_.samples = site.source;
+  copy(site.source, site.picture);
   consider(site);
 }
 
 /// The macroblock in work against the best one so far.
 void MacroblockCoder::consider(const Site& site) {
   trial_.clear();
-  MacroblockWriter(trial_, site.state, reference_ != nullptr, last_qp_).write(mb_);
-  const double cost =
-      squared_error(site.source, site.picture) + site.lambda.squares * static_cast<double>(trial_.size());
+  MacroblockWriter(trial_, site.state, reference_ != nullptr, qp_).write(mb_);
+  const std::size_t bits = trial_.size();
+  const double cost = squared_error(site.source, site.picture) + site.lambda.squares * static_cast<double>(bits);
+  if (bits > MacroblockWriter::kMostBits) return refuse();
   if (cost >= best_cost_) return;
-  best_cost_ = cost;
+  best_cost_ = cost, best_bits_ = bits;
   best_ = mb_;
   copy(site.picture, kept_.planes());
 }

@@ -7,29 +7,31 @@
 namespace moxenc {
 
 /// Searches good candidates of each kind by SATD, codes them in full, and keeps the one whose squared error plus its
-/// bits at their price is least.
+/// bits at their price is least. Candidates with levels that have no code, or with too many bits, fall out.
 class MacroblockCoder {
  public:
   /// For one picture. `reference` has margins, and is null in an I picture.
-  explicit MacroblockCoder(const moxdec::Frame* reference) : reference_(reference) {}
+  MacroblockCoder(const moxdec::Frame* reference, int qp) : reference_(reference), qp_(qp) {}
 
-  /// Leaves the reconstruction in the picture and returns the macroblock, which stays until the next call. Null if no
-  /// kind has only levels that can be written at this QP. `last_qp` is that of the macroblock before.
-  const Macroblock* code(const Site& site, int qp, int last_qp);
+  /// Leaves the reconstruction in the picture and returns the macroblock, which stays until the next call.
+  const Macroblock& code(const Site& site);
 
  private:
   bool try_skip(const Site& site);
   int try_inter(const Site& site);
   void try_intra(const Site& site, int limit);
+  void try_pcm(const Site& site);
   void finish(const Site& site);
   void consider(const Site& site);
+  void refuse() { refused_ = true; }
 
   const moxdec::Frame* reference_;
-  int last_qp_ = 0;
+  int qp_;
   Macroblock mb_;  ///< in work, its reconstruction in the picture
   Macroblock best_;
   double best_cost_ = 0;
-  bool any_coded_ = false;
+  std::size_t best_bits_ = 0;
+  bool refused_ = false;  ///< a candidate has fallen out
   struct Samples {
     alignas(16) std::array<Mox8u, 16 * 16> luma;
     alignas(16) std::array<std::array<Mox8u, 8 * 8>, 2> chroma;

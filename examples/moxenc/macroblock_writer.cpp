@@ -36,6 +36,7 @@ void MacroblockWriter::write(const Macroblock& mb) {
   if (p_picture_) bits_.ue(skipped_);
   skipped_ = 0;
   write_type(mb, pattern);
+  if (mb.kind == Kind::kPcm) return write_samples(mb);
   if (mb.is_intra()) {
     write_intra_modes(mb);
   } else {
@@ -45,8 +46,7 @@ void MacroblockWriter::write(const Macroblock& mb) {
     bits_.ue((mb.is_intra() ? kIntraNumbers : kInterNumbers)[static_cast<std::size_t>(pattern)]);
   }
   if (mb.kind == Kind::kIntra16x16 || pattern != 0) {
-    bits_.se(mb.qp - last_qp_);  // mb_qp_delta
-    last_qp_ = mb.qp;
+    bits_.se(0);  // mb_qp_delta
     leave_state(mb);
     write_luma(mb, pattern);
     write_chroma(mb, pattern);
@@ -67,7 +67,7 @@ void MacroblockWriter::write_type(const Macroblock& mb, int pattern) {
     if (mb.split == Split::kQuarters) bits_.put(15, 4);  // four times sub_mb_type 0: not split further
     return;
   }
-  std::uint32_t type = 0;
+  std::uint32_t type = mb.kind == Kind::kPcm ? 25 : 0;
   if (mb.kind == Kind::kIntra16x16) {
     type = static_cast<std::uint32_t>(1 + mb.luma_mode + 4 * (pattern >> 4) + ((pattern & 15) != 0 ? 12 : 0));
   }
@@ -97,6 +97,23 @@ void MacroblockWriter::write_vectors(const Macroblock& mb) {
     bits_.se(vector.y - predicted.y);
     state_.motion.fill(part.x, part.y, part.width, part.height, {vector, 0});
   }
+}
+
+/// Such a macroblock counts as full of levels, and as one of QP 0 to the filter.
+void MacroblockWriter::write_samples(const Macroblock& mb) {
+  bits_.align();
+  for (std::size_t plane = 0; plane < 3; ++plane) {
+    const int size = plane == 0 ? 16 : 8;
+    for (int y = 0; y < size; ++y) {
+      const Mox8u* row = mb.samples.at[plane] + std::ptrdiff_t{y} * mb.samples.step[plane];
+      for (int x = 0; x < size; ++x) bits_.put(row[x], 8);
+    }
+  }
+  leave_state(mb);
+  state_.luma_counts.fill(4 * mb.x, 4 * mb.y, 4, 4, 16);
+  for (auto& counts : state_.chroma_counts) counts.fill(2 * mb.x, 2 * mb.y, 2, 2, 16);
+  state_.motion.fill(2 * mb.x, 2 * mb.y, 2, 2, {{}, Motion::kIntra});
+  state_.info_at(mb.x, mb.y).qp = 0;
 }
 
 void MacroblockWriter::write_luma(const Macroblock& mb, int pattern) {
@@ -156,7 +173,7 @@ void MacroblockWriter::leave_state(const Macroblock& mb) {
   state_.luma_counts.fill(4 * mb.x, 4 * mb.y, 4, 4, 0);
   for (auto& counts : state_.chroma_counts) counts.fill(2 * mb.x, 2 * mb.y, 2, 2, 0);
   if (mb.kind != Kind::kIntra4x4) state_.modes.fill(4 * mb.x, 4 * mb.y, 4, 4, 2);
-  state_.info_at(mb.x, mb.y) = {mb.is_intra(), static_cast<std::uint8_t>(last_qp_)};
+  state_.info_at(mb.x, mb.y) = {mb.is_intra(), static_cast<std::uint8_t>(qp_)};
 }
 
 }  // namespace moxenc

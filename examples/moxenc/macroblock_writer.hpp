@@ -14,22 +14,24 @@ inline int predict_mode(const Grid<std::int8_t>& modes, int x, int y) {
 
 class MacroblockWriter {
  public:
-  /// The payload is written behind the slice header that is already there.
-  MacroblockWriter(BitWriter& bits, CodingState& state, bool p_picture, int slice_qp)
-      : bits_(bits), state_(state), p_picture_(p_picture), last_qp_(slice_qp) {}
+  /// The payload is written behind the slice header that is already there. All macroblocks have the slice's QP.
+  MacroblockWriter(BitWriter& bits, CodingState& state, bool p_picture, int qp)
+      : bits_(bits), state_(state), p_picture_(p_picture), qp_(qp) {}
+
+  /// What a macroblock may take.
+  static constexpr std::size_t kMostBits = 3200;
 
   /// Writes a macroblock and leaves in the state what its neighbours need. An inter macroblock without levels whose one
-  /// vector is the one for it is skipped. Where no QP can be told, the one before holds.
+  /// vector is the one for it is skipped.
   void write(const Macroblock& mb);
   /// The skipped macroblocks at the end, and the end of the payload.
   void finish();
-  int last_qp() const { return last_qp_; }
-  std::size_t size() const { return bits_.size(); }
 
  private:
   void write_type(const Macroblock& mb, int pattern);
   void write_intra_modes(const Macroblock& mb);
   void write_vectors(const Macroblock& mb);
+  void write_samples(const Macroblock& mb);
   void write_luma(const Macroblock& mb, int pattern);
   void write_chroma(const Macroblock& mb, int pattern);
   void leave_state(const Macroblock& mb);
@@ -37,7 +39,7 @@ class MacroblockWriter {
   BitWriter& bits_;
   CodingState& state_;
   bool p_picture_;
-  int last_qp_;
+  int qp_;
   std::uint32_t skipped_ = 0;
 };
 

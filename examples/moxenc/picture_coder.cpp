@@ -5,17 +5,14 @@
 
 namespace moxenc {
 void code_picture(const PictureTask& task, CodingState& state, BitWriter& bits) {
-  constexpr int kHalfTheLevels = 6;
   const Lambda lambda(task.qp);
   MacroblockWriter writer(bits, state, task.reference != nullptr, task.qp);
-  MacroblockCoder coder(task.reference);
+  MacroblockCoder coder(task.reference, task.qp);
   state.begin_picture();
   for (int y = 0; y < state.rows; ++y) {
     for (int x = 0; x < state.columns; ++x) {
       const Site site{x, y, macroblock_at(task.source, x, y), macroblock_at(task.picture, x, y), state, lambda};
-      const Macroblock* mb = coder.code(site, task.qp, writer.last_qp());
-      for (int qp = task.qp + kHalfTheLevels; !mb; qp += kHalfTheLevels) mb = coder.code(site, qp, writer.last_qp());
-      writer.write(*mb);
+      writer.write(coder.code(site));
     }
   }
   writer.finish();

@@ -11,7 +11,7 @@ inline int chroma_qp(int qp) { return example::kChromaQp[static_cast<std::size_t
 
 /// Each of these begins with a prediction in the picture, replaces the levels of its part of the macroblock and its
 /// bits of Residual::coded; quantise functions leave the picture alone. Those that return false have met a level that
-/// cannot be written; a higher QP avoids it.
+/// cannot be written.
 
 /// The luma of an inter macroblock. If all it has are a few small levels, which cost more than they help, it gets none.
 void quantise_luma_inter(Macroblock& mb, const Planes& source, const Planes& picture);

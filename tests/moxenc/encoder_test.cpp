@@ -61,6 +61,11 @@ double worst_psnr(int qp) {
   return 10 * std::log10(255 * 255 / (step * step / 3 + 1.0 / 12));
 }
 
+/// Of a frame: 3200 bits for each macroblock, and headers.
+std::size_t most_bytes(const Clip& clip) {
+  return static_cast<std::size_t>((clip.width + 15) / 16 * ((clip.height + 15) / 16)) * 400 + 60;
+}
+
 TEST(Encoder, DecodesToItsReconstruction) {
   const Clip clips[] = {{"noise", 48, 48, 3, formulas::noise}, {"flips", 64, 48, 3, formulas::flips},
                         {"tiny", 2, 2, 3, formulas::noise},    {"tall", 16, 80, 4, formulas::pan},
@@ -70,6 +75,7 @@ TEST(Encoder, DecodesToItsReconstruction) {
     for (const int qp : {0, 1, 4, 11, 20, 27, 34, 42, 51}) {
       for (const int keyint : {1, 4}) {
         const Encoded encoded = encode(clip, {.qp = qp, .keyint = keyint});
+        for (const std::size_t size : encoded.sizes) EXPECT_LE(size, most_bytes(clip)) << clip.name << " qp " << qp;
         EXPECT_GT(encoded.psnr, worst_psnr(qp)) << clip.name << " qp " << qp << " keyint " << keyint;
       }
     }
