@@ -38,6 +38,10 @@ inline int hash(int a, int b, int c, int d) {
 namespace formulas {
 
 inline int noise(int t, int plane, int x, int y) { return hash(t, plane, x, y); }
+/// Noise, but for steps of 3 between the macroblocks of a row, which a filter would smooth.
+inline int steps(int t, int plane, int x, int y) {
+  return plane == 0 && (x + 2) % 16 < 4 ? 100 + x / 16 % 2 * 3 : noise(t, plane, x, y);
+}
 /// Whole macroblocks change from black to white and back: the largest levels there are.
 inline int flips(int t, int plane, int x, int y) {
   const int size = plane == 0 ? 16 : 8;

@@ -68,11 +68,11 @@ std::size_t most_bytes(const Clip& clip) {
 
 TEST(Encoder, DecodesToItsReconstruction) {
   const Clip clips[] = {{"noise", 48, 48, 3, formulas::noise}, {"flips", 64, 48, 3, formulas::flips},
-                        {"tiny", 2, 2, 3, formulas::noise},    {"tall", 16, 80, 4, formulas::pan},
-                        {"wide", 146, 20, 4, formulas::cuts},  {"pan", 98, 82, 6, formulas::pan},
-                        {"cuts", 66, 50, 10, formulas::cuts}};
+                        {"steps", 64, 32, 2, formulas::steps}, {"tiny", 2, 2, 3, formulas::noise},
+                        {"tall", 16, 80, 4, formulas::pan},    {"wide", 146, 20, 4, formulas::cuts},
+                        {"pan", 98, 82, 6, formulas::pan},     {"cuts", 66, 50, 10, formulas::cuts}};
   for (const Clip& clip : clips) {
-    for (const int qp : {0, 1, 4, 11, 20, 27, 34, 42, 51}) {
+    for (const int qp : {0, 1, 4, 11, 17, 20, 27, 34, 42, 51}) {
       for (const int keyint : {1, 4}) {
         const Encoded encoded = encode(clip, {.qp = qp, .keyint = keyint});
         for (const std::size_t size : encoded.sizes) EXPECT_LE(size, most_bytes(clip)) << clip.name << " qp " << qp;
