@@ -69,7 +69,7 @@ struct Macroblock {
   bool is_intra() const { return kind != Kind::kInter; }
 };
 
-/// Partition `i` of an inter macroblock, and how many there are.
+/// How many partitions an inter macroblock has, and the `i`-th one.
 constexpr int part_count(Split split) { return split == Split::kNone ? 1 : split == Split::kQuarters ? 4 : 2; }
 constexpr Part part_of(int mb_x, int mb_y, Split split, int i) {
   const int width = split == Split::kNone || split == Split::kRows ? 2 : 1,

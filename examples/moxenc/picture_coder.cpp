@@ -4,6 +4,7 @@
 #include "moxenc/macroblock_coder.hpp"
 
 namespace moxenc {
+
 void code_picture(const PictureTask& task, CodingState& state, BitWriter& bits) {
   const Lambda lambda(task.qp);
   MacroblockWriter writer(bits, state, task.reference != nullptr, task.qp);

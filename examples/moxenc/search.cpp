@@ -21,7 +21,7 @@ int distance_of(const Mox8u* a, Mox32s a_step, const Mox8u* b, Mox32s b_step) {
   return distance;
 }
 
-/// [height / 2 + width - 1 ...]: 8x8, 16x8, 8x16, 16x16.
+/// [2 * (height / 8 - 1) + width / 8 - 1].
 constexpr Shape kShapes[4] = {
     {8, 8, sad_of<moxiSAD8x8_8u32s_C1R>, distance_of<moxiSATD8x8_8u32s_C1R>, nullptr},
     {16, 8, sad_of<moxiSAD16x8_8u32s_C1R>, distance_of<moxiSATD16x8_8u32s_C1R>, nullptr},
