@@ -1,14 +1,11 @@
 /// moxdec: decodes a video stream to raw planes, a Y4M file or a contact sheet.
 #include <unistd.h>
 
-#include <cerrno>
 #include <charconv>
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
-#include <cstring>
 #include <exception>
-#include <fstream>
 #include <limits>
 #include <memory>
 #include <stdexcept>
@@ -90,21 +87,6 @@ Options parse_options(const std::vector<std::string>& arguments) {
   }
   if (options.input.empty() && !options.help) throw UsageError("no input");
   return options;
-}
-
-std::vector<std::uint8_t> read_file(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::vector<std::uint8_t> data;
-  for (std::streamsize got = 1; file && got > 0;) {
-    constexpr std::size_t kChunk = 1 << 20;
-    const std::size_t size = data.size();
-    data.resize(size + kChunk);
-    file.read(reinterpret_cast<char*>(data.data() + size), kChunk);
-    got = file.gcount();
-    data.resize(size + static_cast<std::size_t>(got));
-  }
-  if (file.bad() || !file.eof()) throw std::runtime_error(std::strerror(errno));
-  return data;
 }
 
 double seconds(Clock::duration duration) { return std::chrono::duration<double>(duration).count(); }

@@ -2,48 +2,19 @@
 
 #include <array>
 #include <bit>
-#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <numeric>
 #include <optional>
-#include <utility>
 #include <vector>
 
 #include "moxdec/contact_sheet.hpp"
+#include "moxdec/file.hpp"
 
 namespace moxdec {
 namespace {
 
 static_assert(std::endian::native == std::endian::little, "16-bit samples are written as they lie in memory");
-
-/// A file, or standard output for "-".
-class OutputFile {
- public:
-  explicit OutputFile(const std::string& path)
-      : name_(path == "-" ? "standard output" : path), file_(path == "-" ? stdout : std::fopen(path.c_str(), "wb")) {
-    if (!file_) fail();
-  }
-  ~OutputFile() {
-    if (file_ && file_ != stdout) std::fclose(file_);
-  }
-  OutputFile(const OutputFile&) = delete;
-  OutputFile& operator=(const OutputFile&) = delete;
-
-  void write(const void* data, std::size_t size) {
-    if (std::fwrite(data, 1, size, file_) != size) fail();
-  }
-  void close() {
-    std::FILE* file = std::exchange(file_, nullptr);
-    if ((file == stdout ? std::fflush(file) : std::fclose(file)) != 0) fail();
-  }
-
- private:
-  [[noreturn]] void fail() const { throw OutputError(name_ + ": " + std::strerror(errno)); }
-
-  std::string name_;
-  std::FILE* file_;
-};
 
 class RawWriter : public FrameWriter {
  public:

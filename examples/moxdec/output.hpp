@@ -2,18 +2,13 @@
 #pragma once
 
 #include <memory>
-#include <stdexcept>
 #include <string>
 
 #include "moxdec/codec.hpp"
+#include "moxdec/file.hpp"
 #include "moxdec/frame.hpp"
 
 namespace moxdec {
-
-/// Something could not be written; the message says what and why.
-struct OutputError : std::runtime_error {
-  using std::runtime_error::runtime_error;
-};
 
 class FrameWriter {
  public:

@@ -1,4 +1,4 @@
-#include "motion_search/y4m.hpp"
+#include "moxdec/y4m.hpp"
 
 #include <algorithm>
 #include <charconv>
@@ -8,17 +8,13 @@
 
 #include "moxdec/error.hpp"
 
-namespace motion_search {
+namespace moxdec {
 namespace {
-
-using moxdec::DecodeError;
-using moxdec::Frame;
-using moxdec::require;
 
 constexpr std::string_view kSignature = "YUV4MPEG2";
 constexpr int kMaxSide = 16384;
 
-std::string_view text_of(moxdec::Bytes data) { return {reinterpret_cast<const char*>(data.data()), data.size()}; }
+std::string_view text_of(Bytes data) { return {reinterpret_cast<const char*>(data.data()), data.size()}; }
 
 int parse_side(std::string_view text) {
   int side = 0;
@@ -35,8 +31,25 @@ void require_420(std::string_view chroma) {
   }
 }
 
-moxdec::FrameFormat parse_header(std::string_view header) {
-  moxdec::FrameFormat format;
+/// A field such as F30000:1001; 0/0 if it is none.
+FrameRate parse_rate(std::string_view text) {
+  FrameRate rate;
+  const char* const end = text.data() + text.size();
+  const auto [colon, error] = std::from_chars(text.data(), end, rate.numerator);
+  if (error != std::errc{} || colon == end || *colon != ':') return {};
+  const auto [last, second_error] = std::from_chars(colon + 1, end, rate.denominator);
+  if (second_error != std::errc{} || last != end || rate.numerator == 0 || rate.denominator == 0) return {};
+  return rate;
+}
+
+struct Header {
+  FrameFormat format;
+  FrameRate rate;
+};
+
+Header parse_header(std::string_view header) {
+  FrameFormat format;
+  FrameRate rate;
   header.remove_prefix(kSignature.size());
   while (!header.empty()) {
     const std::string_view field = header.substr(0, header.find(' '));
@@ -44,27 +57,29 @@ moxdec::FrameFormat parse_header(std::string_view header) {
     if (field.empty()) continue;
     if (field[0] == 'W') format.width = parse_side(field.substr(1));
     if (field[0] == 'H') format.height = parse_side(field.substr(1));
+    if (field[0] == 'F') rate = parse_rate(field.substr(1));
     if (field[0] == 'C') require_420(field.substr(1));
   }
   require(format.width > 0 && format.height > 0, "Y4M header: no width or no height");
-  return format;
+  return {format, rate};
 }
 
-class Y4mReader : public moxdec::Decoder {
+class Y4mReader : public Decoder {
  public:
-  explicit Y4mReader(moxdec::Bytes data) : rest_(text_of(data)), format_(parse_header(take_line())) {}
+  explicit Y4mReader(Bytes data) : rest_(text_of(data)), header_(parse_header(take_line())) {}
 
   std::shared_ptr<const Frame> next() override {
     if (rest_.empty()) return nullptr;
     if (!take_line().starts_with("FRAME")) fail("has no header");
-    const int even_width = (format_.width + 1) / 2 * 2, even_height = (format_.height + 1) / 2 * 2;
-    const auto frame = std::make_shared<Frame>(format_, moxdec::FrameLayout{even_width, even_height, 0, 0, 0});
+    const int even_width = (header_.format.width + 1) / 2 * 2, even_height = (header_.format.height + 1) / 2 * 2;
+    const auto frame = std::make_shared<Frame>(header_.format, FrameLayout{even_width, even_height, 0, 0, 0});
     for (int plane = 0; plane < 3; ++plane) {
-      for (int y = 0; y < format_.plane_height(plane); ++y) take_row(*frame, plane, y);
+      for (int y = 0; y < header_.format.plane_height(plane); ++y) take_row(*frame, plane, y);
     }
     ++count_;
     return frame;
   }
+  FrameRate frame_rate() const override { return header_.rate; }
 
  private:
   std::string_view take_line() {
@@ -75,7 +90,7 @@ class Y4mReader : public moxdec::Decoder {
     return line;
   }
   void take_row(const Frame& frame, int plane, int y) {
-    const auto width = static_cast<std::size_t>(format_.plane_width(plane));
+    const auto width = static_cast<std::size_t>(header_.format.plane_width(plane));
     if (rest_.size() < width) fail("is cut off");
     std::memcpy(frame.samples<char>(plane) + std::ptrdiff_t{y} * frame.step(plane), rest_.data(), width);
     rest_.remove_prefix(width);
@@ -85,14 +100,14 @@ class Y4mReader : public moxdec::Decoder {
   }
 
   std::string_view rest_;
-  moxdec::FrameFormat format_;
+  Header header_;
   long long count_ = 0;
 };
 
 }  // namespace
 
-bool is_y4m(moxdec::Bytes data) { return text_of(data).starts_with(kSignature); }
+bool is_y4m(Bytes data) { return text_of(data).starts_with(kSignature); }
 
-std::unique_ptr<moxdec::Decoder> open_y4m(moxdec::Bytes data) { return std::make_unique<Y4mReader>(data); }
+std::unique_ptr<Decoder> open_y4m(Bytes data) { return std::make_unique<Y4mReader>(data); }
 
-}  // namespace motion_search
+}  // namespace moxdec
