@@ -146,7 +146,7 @@ TEST(Cavlc, BlocksComeBack) {
     moxdec::h264::BitReader reader(words.data(), size);
     std::array<Mox16s, 16> read{};
     Mox16s* out = read.data();
-    EXPECT_EQ(tables.read_block(reader, &out, nc, 16 - first), count);
+    EXPECT_EQ(tables.read_block(reader, &out, nc, 16 - first, false), count);
     EXPECT_EQ(read, levels);
     EXPECT_EQ(reader.position(), size);
   }
