@@ -226,6 +226,18 @@ TEST(Mpeg12Order, HoldsReferencesBack) {
   EXPECT_NE(decoded.error.find("predicted from is missing"), std::string::npos) << decoded.error;
 }
 
+TEST(Mpeg12Order, LeavesOutWhatHasLostItsReference) {
+  const auto group = [](std::uint32_t flags) { return BitWriter().u(25, 0).u(2, flags).u(5, 0); };
+  constexpr std::uint32_t kOpen = 0, kBrokenLink = 1, kClosed = 2;
+  Mpeg m;
+  m.sequence().unit(0xB8, group(kOpen)).flat_i(10).copy(kB).flat_i(40).copy(kB);
+  EXPECT_EQ(decode_all(m.stream()).shades(), (std::vector<int>{10, 40, 40}));
+  m.unit(0xB8, group(kOpen)).flat_i(70).copy(kB).unit(0xB8, group(kBrokenLink)).flat_i(90).copy(kB).flat_i(20);
+  EXPECT_EQ(decode_all(m.stream()).shades(), (std::vector<int>{10, 40, 40, 70, 70, 90, 20}));
+  m = Mpeg().sequence().unit(0xB8, group(kClosed)).flat_i(10).copy(kB);
+  EXPECT_EQ(decode_all(m.stream()).shades(), (std::vector<int>{10, 10}));
+}
+
 TEST(Mpeg12Headers, TellSizeAndRate) {
   Mpeg m;
   m.sequence({.width = 18, .height = 20, .progressive = true}).flat_i(50);

@@ -36,6 +36,7 @@ class Mpeg12Decoder : public Decoder {
   void advance();
   void decode_unit(const Unit& unit);
   void decode_header(const Unit& unit);
+  void decode_group(BitReader& bits);
   void decode_extension(BitReader& bits);
   void decode_slice(const Unit& unit);
   void begin_picture();
@@ -54,6 +55,8 @@ class Mpeg12Decoder : public Decoder {
   Picture picture_;
   bool in_work_ = false;       // slices of picture_ may follow
   bool awaits_field_ = false;  // picture_ is a first field
+  bool open_group_ = false;    // B pictures behind the group's first picture are predicted from the group before, too
+  bool left_out_ = false;      // the latest picture header's slices are passed over
   std::size_t picture_position_ = 0;
   FramePool pool_;
   std::shared_ptr<const Frame> older_, newer_;  // references in display order
@@ -91,18 +94,30 @@ void Mpeg12Decoder::decode_unit(const Unit& unit) {
 }
 
 void Mpeg12Decoder::decode_header(const Unit& unit) {
-  if (unit.code != kSequenceHeader && unit.code != kPictureStart && unit.code != kExtension) return;
+  if (unit.code != kSequenceHeader && unit.code != kPictureStart && unit.code != kExtension && unit.code != kGroupStart)
+    return;
   payload_.assign(unit.payload);
   BitReader bits = payload_.reader();
   if (unit.code == kSequenceHeader) {
     read_sequence_header(bits, sequence_, weights_);
   } else if (unit.code == kExtension) {
     decode_extension(bits);
+  } else if (unit.code == kGroupStart) {
+    decode_group(bits);
   } else {
     require(sequence_.width > 0, "a picture in front of the first sequence header");
     read_picture_header(bits, header_.emplace());
     picture_position_ = unit.position;
   }
+}
+
+/// A broken link says that the group before is not the one that its B pictures were predicted from.
+void Mpeg12Decoder::decode_group(BitReader& bits) {
+  bits.skip(25);
+  open_group_ = !bits.flag();
+  if (!bits.flag()) return;
+  flush();
+  older_ = newer_ = nullptr;
 }
 
 void Mpeg12Decoder::decode_extension(BitReader& bits) {
@@ -117,6 +132,7 @@ void Mpeg12Decoder::decode_extension(BitReader& bits) {
 void Mpeg12Decoder::decode_slice(const Unit& unit) {
   located("slice", unit.position, [&] {
     if (header_) begin_picture();
+    if (left_out_) return;
     require(in_work_, "a slice without a picture header");
     payload_.assign(unit.payload);
     SliceDecoder(picture_, weights_, tables_, payload_.reader()).decode(unit.code);
@@ -126,6 +142,8 @@ void Mpeg12Decoder::decode_slice(const Unit& unit) {
 void Mpeg12Decoder::begin_picture() {
   const PictureHeader header = *header_;
   header_.reset();
+  left_out_ = header.type == PictureType::kB && open_group_ && newer_ && !older_;
+  if (left_out_) return;
   require(header.has_extension == sequence_.mpeg2, "a picture without its extension, or with one in MPEG-1");
   const bool second = awaits_field_ && !header.is_frame() && header.structure != picture_.header.structure &&
                       (header.type == PictureType::kB) == (picture_.header.type == PictureType::kB);
