@@ -1,16 +1,12 @@
 /// motion_search: finds how the blocks of a picture have moved since another one.
-#include <charconv>
 #include <cstdio>
-#include <exception>
-#include <stdexcept>
 #include <string>
-#include <string_view>
-#include <vector>
 
 #include "motion_search/field.hpp"
 #include "motion_search/input.hpp"
 #include "motion_search/report.hpp"
 #include "moxdec/output.hpp"
+#include "moxdec/program.hpp"
 
 namespace motion_search {
 namespace {
@@ -31,57 +27,31 @@ constexpr const char* kHelp =
     "\n"
     "Exit code: 0 done, 1 the input is broken or not supported or the output failed, 2 wrong usage.\n";
 
-struct UsageError : std::runtime_error {
-  using std::runtime_error::runtime_error;
-};
-
 struct Options {
   std::string input, output;
   int reference = 0, current = 1, range = 16;
   bool help = false;
 };
 
-int parse_number(const std::string& option, std::string_view text, int low, int high, int unit) {
-  int number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc{} || end != text.data() + text.size() || number < low || number > high || number % unit) {
-    throw UsageError(option + " takes " + (unit > 1 ? "a multiple of " + std::to_string(unit) : "a number") + " from " +
-                     std::to_string(low) + " to " + std::to_string(high));
-  }
-  return number;
-}
-
-Options parse_options(const std::vector<std::string>& arguments) {
+bool parse(Options& options, const std::string& option, moxdec::Arguments& arguments) {
   constexpr int kMostFrames = 1000000, kMostRange = 128;
-  Options options;
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    const std::string& argument = arguments[i];
-    const auto value = [&]() -> const std::string& {
-      if (i + 1 == arguments.size()) throw UsageError(argument + " takes a value");
-      return arguments[++i];
-    };
-    if (argument == "-o") {
-      options.output = value();
-    } else if (argument == "--reference") {
-      options.reference = parse_number(argument, value(), 0, kMostFrames, 1);
-    } else if (argument == "--current") {
-      options.current = parse_number(argument, value(), 0, kMostFrames, 1);
-    } else if (argument == "--range") {
-      options.range = parse_number(argument, value(), kRangeUnit, kMostRange, kRangeUnit);
-    } else if (argument == "--help") {
-      options.help = true;
-    } else if (argument.starts_with("-") || !options.input.empty()) {
-      throw UsageError("unknown argument " + argument);
-    } else {
-      options.input = argument;
-    }
+  if (option == "-o") {
+    options.output = arguments.value();
+  } else if (option == "--reference") {
+    options.reference = arguments.number(0, kMostFrames);
+  } else if (option == "--current") {
+    options.current = arguments.number(0, kMostFrames);
+  } else if (option == "--range") {
+    options.range = arguments.number(kRangeUnit, kMostRange, kRangeUnit);
+  } else {
+    return false;
   }
-  if (options.input.empty() && !options.help) throw UsageError("no input");
-  if (!options.output.empty() && !options.output.ends_with(".png")) throw UsageError("the output must end in .png");
-  return options;
+  return true;
 }
 
 void run(const Options& options) {
+  if (!options.output.empty() && !options.output.ends_with(".png"))
+    throw moxdec::UsageError("the output must end in .png");
   const FramePair frames = read_frames(options.input, options.reference, options.current);
   const Picture reference(*frames.reference, margin_for(options.range)), current(*frames.current, 0);
   std::printf("%s: frame %d from frame %d, %dx%d, vectors of -%d to %d samples, library %s\n", options.input.c_str(),
@@ -98,28 +68,10 @@ void run(const Options& options) {
   }
 }
 
-int main_program(const std::vector<std::string>& arguments) {
-  Options options;
-  try {
-    options = parse_options(arguments);
-    if (options.help) {
-      std::printf("%s%s", kUsage, kHelp);
-      return 0;
-    }
-    run(options);
-    return 0;
-  } catch (const UsageError& error) {
-    std::fprintf(stderr, "motion_search: %s (try motion_search --help)\n", error.what());
-    return 2;
-  } catch (const moxdec::OutputError& error) {
-    std::fprintf(stderr, "motion_search: %s\n", error.what());
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "motion_search: %s: %s\n", options.input.c_str(), error.what());
-  }
-  return 1;
-}
-
 }  // namespace
 }  // namespace motion_search
 
-int main(int argc, char** argv) { return motion_search::main_program({argv + 1, argv + argc}); }
+int main(int argc, char** argv) {
+  using namespace motion_search;
+  return moxdec::run_program<Options>({"motion_search", kUsage, kHelp}, {argc, argv}, parse, run);
+}

@@ -1,20 +1,17 @@
 /// moxdec: decodes a video stream to raw planes, a Y4M file or a contact sheet.
 #include <unistd.h>
 
-#include <charconv>
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
-#include <exception>
 #include <limits>
 #include <memory>
-#include <stdexcept>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "moxdec/codec.hpp"
 #include "moxdec/output.hpp"
+#include "moxdec/program.hpp"
 
 namespace moxdec {
 namespace {
@@ -39,10 +36,6 @@ constexpr const char* kHelp =
     "The report on standard error tells size, frames and the speed of decoding, writing left out.\n"
     "Exit code: 0 done, 1 the input is broken or not supported or the output failed, 2 wrong usage.\n";
 
-struct UsageError : std::runtime_error {
-  using std::runtime_error::runtime_error;
-};
-
 struct Options {
   std::string input;
   std::string output;
@@ -52,41 +45,19 @@ struct Options {
   bool help = false;
 };
 
-long long parse_count(std::string_view text) {
-  long long count = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), count);
-  if (error != std::errc{} || end != text.data() + text.size() || count < 1) {
-    throw UsageError("--frames takes a number from 1 on");
+bool parse(Options& options, const std::string& option, Arguments& arguments) {
+  if (option == "-o") {
+    options.output = arguments.value();
+  } else if (option == "--frames") {
+    options.frames = arguments.number(1);
+  } else if (option == "--quiet") {
+    options.quiet = true;
+  } else if (option == "--expand") {
+    options.expand = true;
+  } else {
+    return false;
   }
-  return count;
-}
-
-Options parse_options(const std::vector<std::string>& arguments) {
-  Options options;
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    const std::string& argument = arguments[i];
-    const auto value = [&]() -> const std::string& {
-      if (i + 1 == arguments.size()) throw UsageError(argument + " takes a value");
-      return arguments[++i];
-    };
-    if (argument == "-o") {
-      options.output = value();
-    } else if (argument == "--frames") {
-      options.frames = parse_count(value());
-    } else if (argument == "--quiet") {
-      options.quiet = true;
-    } else if (argument == "--expand") {
-      options.expand = true;
-    } else if (argument == "--help") {
-      options.help = true;
-    } else if (argument.starts_with("-") || !options.input.empty()) {
-      throw UsageError("unknown argument " + argument);
-    } else {
-      options.input = argument;
-    }
-  }
-  if (options.input.empty() && !options.help) throw UsageError("no input");
-  return options;
+  return true;
 }
 
 double seconds(Clock::duration duration) { return std::chrono::duration<double>(duration).count(); }
@@ -160,28 +131,10 @@ void run(const Options& options) {
                static_cast<double>(totals.frames) / totals.decoding);
 }
 
-int main_program(const std::vector<std::string>& arguments) {
-  Options options;
-  try {
-    options = parse_options(arguments);
-    if (options.help) {
-      std::printf("%s%s", kUsage, kHelp);
-      return 0;
-    }
-    run(options);
-    return 0;
-  } catch (const UsageError& error) {
-    std::fprintf(stderr, "moxdec: %s (try moxdec --help)\n", error.what());
-    return 2;
-  } catch (const OutputError& error) {
-    std::fprintf(stderr, "moxdec: %s\n", error.what());
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "moxdec: %s: %s\n", options.input.c_str(), error.what());
-  }
-  return 1;
-}
-
 }  // namespace
 }  // namespace moxdec
 
-int main(int argc, char** argv) { return moxdec::main_program({argv + 1, argv + argc}); }
+int main(int argc, char** argv) {
+  using namespace moxdec;
+  return run_program<Options>({"moxdec", kUsage, kHelp}, {argc, argv}, parse, run);
+}

@@ -1,18 +1,15 @@
 /// moxenc: encodes a Y4M file as an H.264 byte stream.
-#include <charconv>
 #include <chrono>
 #include <cstdio>
-#include <exception>
 #include <limits>
 #include <memory>
-#include <stdexcept>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "moxdec/error.hpp"
 #include "moxdec/file.hpp"
 #include "moxdec/output.hpp"
+#include "moxdec/program.hpp"
 #include "moxdec/y4m.hpp"
 #include "moxenc/encoder.hpp"
 
@@ -39,10 +36,6 @@ constexpr const char* kHelp =
     "\n"
     "Exit code: 0 done, 1 the input is broken or not supported or the output failed, 2 wrong usage.\n";
 
-struct UsageError : std::runtime_error {
-  using std::runtime_error::runtime_error;
-};
-
 struct Options {
   std::string input, output, reconstruction;
   Settings settings;
@@ -50,27 +43,23 @@ struct Options {
   int frames = std::numeric_limits<int>::max();
 };
 
-int parse_number(const std::string& option, std::string_view text, int low, int high) {
-  int number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc{} || end != text.data() + text.size() || number < low || number > high) {
-    throw UsageError(option + " takes a number from " + std::to_string(low) + " to " + std::to_string(high));
-  }
-  return number;
-}
-
-/// An option with a number; false if it is not one.
-bool parse_number_option(Options& options, const std::string& name, const auto& value) {
+bool parse(Options& options, const std::string& option, moxdec::Arguments& arguments) {
   constexpr int kMost = 1000000;
-  if (name == "--qp") {
-    options.settings.qp = parse_number(name, value(), 0, 51);
+  if (option == "-o") {
+    options.output = arguments.value();
+  } else if (option == "--recon") {
+    options.reconstruction = arguments.value();
+  } else if (option == "--qp") {
+    options.settings.qp = arguments.number(0, 51);
     options.has_qp = true;
-  } else if (name == "--bitrate") {
-    options.settings.kbits = parse_number(name, value(), 1, kMost);
-  } else if (name == "--keyint") {
-    options.settings.keyint = parse_number(name, value(), 1, kMost);
-  } else if (name == "--frames") {
-    options.frames = parse_number(name, value(), 1, kMost);
+  } else if (option == "--bitrate") {
+    options.settings.kbits = arguments.number(1, kMost);
+  } else if (option == "--keyint") {
+    options.settings.keyint = arguments.number(1, kMost);
+  } else if (option == "--frames") {
+    options.frames = arguments.number(1, kMost);
+  } else if (option == "--quiet") {
+    options.quiet = true;
   } else {
     return false;
   }
@@ -78,38 +67,8 @@ bool parse_number_option(Options& options, const std::string& name, const auto& 
 }
 
 void check(const Options& options) {
-  if (options.help) return;
-  if (options.input.empty()) throw UsageError("no input");
-  if (options.output.empty()) throw UsageError("no output: -o is missing");
-  if (options.has_qp && options.settings.kbits > 0) throw UsageError("--qp and --bitrate exclude each other");
-}
-
-Options parse_options(const std::vector<std::string>& arguments) {
-  Options options;
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    const std::string& argument = arguments[i];
-    const auto value = [&]() -> const std::string& {
-      if (i + 1 == arguments.size()) throw UsageError(argument + " takes a value");
-      return arguments[++i];
-    };
-    if (argument == "-o") {
-      options.output = value();
-    } else if (argument == "--recon") {
-      options.reconstruction = value();
-    } else if (argument == "--quiet") {
-      options.quiet = true;
-    } else if (argument == "--help") {
-      options.help = true;
-    } else if (parse_number_option(options, argument, value)) {
-      continue;
-    } else if (argument.starts_with("-") || !options.input.empty()) {
-      throw UsageError("unknown argument " + argument);
-    } else {
-      options.input = argument;
-    }
-  }
-  check(options);
-  return options;
+  if (options.output.empty()) throw moxdec::UsageError("no output: -o is missing");
+  if (options.has_qp && options.settings.kbits > 0) throw moxdec::UsageError("--qp and --bitrate exclude each other");
 }
 
 struct Totals {
@@ -129,6 +88,7 @@ void report(const Options& options, const Totals& totals, moxdec::FrameRate rate
 
 /// The outputs are opened with the first frame, so that a file that is no video leaves them as they were.
 void run(const Options& options) {
+  check(options);
   const std::vector<std::uint8_t> data = moxdec::read_file(options.input);
   moxdec::require(moxdec::is_y4m(data), "not a Y4M file");
   const auto reader = moxdec::open_y4m(data);
@@ -158,28 +118,10 @@ void run(const Options& options) {
   if (!options.quiet) report(options, totals, reader->frame_rate());
 }
 
-int main_program(const std::vector<std::string>& arguments) {
-  Options options;
-  try {
-    options = parse_options(arguments);
-    if (options.help) {
-      std::printf("%s%s", kUsage, kHelp);
-      return 0;
-    }
-    run(options);
-    return 0;
-  } catch (const UsageError& error) {
-    std::fprintf(stderr, "moxenc: %s (try moxenc --help)\n", error.what());
-    return 2;
-  } catch (const moxdec::OutputError& error) {
-    std::fprintf(stderr, "moxenc: %s\n", error.what());
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "moxenc: %s: %s\n", options.input.c_str(), error.what());
-  }
-  return 1;
-}
-
 }  // namespace
 }  // namespace moxenc
 
-int main(int argc, char** argv) { return moxenc::main_program({argv + 1, argv + argc}); }
+int main(int argc, char** argv) {
+  using namespace moxenc;
+  return moxdec::run_program<Options>({"moxenc", kUsage, kHelp}, {argc, argv}, parse, run);
+}
