@@ -72,6 +72,8 @@ class InterPredictor {
   void find_implicit_weights(PicturePart part, const SliceHeader& slice, const ReferenceLists& lists,
                              const ReferenceBuffer& references);
   template <class Sample>
+  static Unit unit_of(const Picture& picture, const Macroblock& mb);
+  template <class Sample>
   void predict_macroblock(const Picture& picture, const Macroblock& mb) const;
   /// `target` is where the block goes in the picture.
   template <class Sample>
