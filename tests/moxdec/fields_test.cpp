@@ -51,7 +51,7 @@ struct Reference {
   int frame_num;
   int parity;
   int order;
-  std::vector<MarkingOperation> operations{};
+  std::array<MarkingOperation, 3> operations{};  // up to the first 0
 };
 
 class Decoding {
@@ -71,8 +71,11 @@ class Decoding {
     slice_.frame_num = reference.frame_num;
     slice_.field_pic = reference.parity >= 0;
     slice_.bottom_field = reference.parity == kBottom;
-    slice_.adaptive_marking = !reference.operations.empty();
-    slice_.marking = reference.operations;
+    slice_.marking.clear();
+    for (const MarkingOperation& operation : reference.operations) {
+      if (operation.operation != 0) slice_.marking.push_back(operation);
+    }
+    slice_.adaptive_marking = !slice_.marking.empty();
     FieldOrder order = {reference.order, reference.order};
     if (slice_.field_pic) (slice_.bottom_field ? order.top : order.bottom) = FieldOrder::kMissing;
     if (second) {
@@ -150,21 +153,21 @@ const Case kCases[] = {
      {{{16, 17, 8, 9}}}},
     {"a single field leaves",
      4,
-     two_frames_and({{2, kTop, 16}, {2, kBottom, 17, {kDropUpperOf1}}}),
+     two_frames_and({{2, kTop, 16}, {2, kBottom, 17, {{kDropUpperOf1}}}}),
      SliceType::kP,
      {3, kTop, 24},
      {},
      {{{16, 17, 0, 9, 1}}}},
     {"frames need both fields",
      4,
-     two_frames_and({{2, kTop, 16}, {2, kBottom, 17, {kDropUpperOf1}}}),
+     two_frames_and({{2, kTop, 16}, {2, kBottom, 17, {{kDropUpperOf1}}}}),
      SliceType::kP,
      {3, -1, 24},
      {},
      {{{16, 0, -1}}}},
     {"long-term fields",
      4,
-     {{0, kTop, 0}, {0, kBottom, 1}, {1, kTop, 8, {{4, 1}, {6, 0}}}, {1, kBottom, 9, {{6, 0}}}},
+     {{0, kTop, 0}, {0, kBottom, 1}, {1, kTop, 8, {{{4, 1}, {6, 0}}}}, {1, kBottom, 9, {{{6, 0}}}}},
      SliceType::kP,
      {2, kTop, 16},
      {},
@@ -172,7 +175,7 @@ const Case kCases[] = {
     // Numbers: 5 the current field, 0 the lower field of frame 0; 1 the upper long-term field.
     {"changed lists",
      4,
-     {{0, kTop, 0}, {0, kBottom, 1}, {1, kTop, 8, {{4, 1}, {6, 0}}}, {1, kBottom, 9, {{6, 0}}}},
+     {{0, kTop, 0}, {0, kBottom, 1}, {1, kTop, 8, {{{4, 1}, {6, 0}}}}, {1, kBottom, 9, {{{6, 0}}}}},
      SliceType::kP,
      {2, kTop, 16},
      {{2, 1}, {0, 4}},
@@ -180,7 +183,7 @@ const Case kCases[] = {
     // 3 makes the upper field of frame 0 long-term; its lower one leaves.
     {"fields made long-term later",
      4,
-     two_frames_and({{2, kTop, 16, {{4, 1}, {3, 3, 0}, {1, 4}}}}),
+     two_frames_and({{2, kTop, 16, {{{4, 1}, {3, 3, 0}, {1, 4}}}}}),
      SliceType::kP,
      {2, kBottom, 17},
      {},
