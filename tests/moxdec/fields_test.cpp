@@ -32,6 +32,9 @@ TEST(Fields, MakeFramesInPairs) {
   b.raw_slice(field(3, false, 10, 1), {70});                                      // of another kind
   b.raw_slice(field(4, true, 11, 0), {80});                                       // of another number
   b.raw_slice(field(4, true, 13, 0), {90}).raw_slice(field(4, false, 12, 0), {100});
+  SliceFields reset = field(4, true, 14, 1);  // numbers and order start anew behind it
+  reset.operations = {5, 0};
+  b.raw_slice(reset, {110}).raw_slice(field(0, false, 1, 1), {120}).raw_slice(field(1, false, 2, 1), {130});
   const Decoded decoded = decode_all(b.stream());
   EXPECT_EQ(decoded.error, "");
   std::vector<std::pair<int, int>> shades;
@@ -42,8 +45,10 @@ TEST(Fields, MakeFramesInPairs) {
     for (const int y : {2, 30}) EXPECT_EQ(std::pair(line(0, y), line(0, y + 1)), shades.back()) << y;
     EXPECT_EQ(std::pair(line(1, 14), line(2, 15)), shades.back());
   }
-  EXPECT_EQ(shades, (std::vector<std::pair<int, int>>{
-                        {10, 20}, {30, 30}, {40, 40}, {50, 50}, {60, 60}, {70, 70}, {80, 80}, {100, 90}}));
+  EXPECT_EQ(
+      shades,
+      (std::vector<std::pair<int, int>>{
+          {10, 20}, {30, 30}, {40, 40}, {50, 50}, {60, 60}, {70, 70}, {80, 80}, {100, 90}, {120, 110}, {130, 130}}));
 }
 
 /// A field, or a frame if `parity` is negative. The second field of a frame follows its first one.
