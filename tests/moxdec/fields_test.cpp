@@ -51,6 +51,35 @@ TEST(Fields, MakeFramesInPairs) {
           {10, 20}, {30, 30}, {40, 40}, {50, 50}, {60, 60}, {70, 70}, {80, 80}, {100, 90}, {120, 110}, {130, 130}}));
 }
 
+/// By a cycle of offsets 4 and 6, with bottom fields 1 behind; by frame numbers, which both fields share.
+TEST(Fields, OrderCountsOfTheirOwn) {
+  for (const int type : {1, 2}) {
+    moxdec::h264::Sps sps;
+    sps.poc_type = type;
+    sps.offset_for_top_to_bottom = 1;
+    sps.offset_for_non_ref_pic = -3;
+    sps.offsets_for_ref_frame = {4, 6};
+    sps.poc_delta_per_cycle = 10;
+    moxdec::h264::SliceHeader slice;
+    slice.sps = std::make_shared<const moxdec::h264::Sps>(sps);
+    slice.field_pic = true;
+    auto count = [&, order = moxdec::h264::PictureOrder()](int frame_num, Parity parity, int ref_idc,
+                                                           int delta) mutable {
+      slice.idr = frame_num == 0 && parity == kTop;
+      slice.frame_num = frame_num, slice.bottom_field = parity == kBottom, slice.nal_ref_idc = ref_idc;
+      slice.delta_poc[0] = delta;
+      const FieldOrder found = order.next(slice);
+      EXPECT_EQ(found.field(1 - parity), FieldOrder::kMissing);
+      return found.field(parity);
+    };
+    EXPECT_EQ(count(0, kTop, 1, 0), 0);
+    EXPECT_EQ(count(0, kBottom, 1, 0), type == 1 ? 1 : 0);
+    EXPECT_EQ(count(3, kBottom, 1, 2), type == 1 ? 14 + 1 + 2 : 6);
+    EXPECT_EQ(count(3, kTop, 1, -1), type == 1 ? 14 - 1 : 6);
+    EXPECT_EQ(count(4, kTop, 0, 0), type == 1 ? 14 - 3 : 7);
+  }
+}
+
 /// A field, or a frame if `parity` is negative. The second field of a frame follows its first one.
 struct Reference {
   int frame_num;
