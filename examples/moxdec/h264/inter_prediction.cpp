@@ -140,7 +140,7 @@ void InterPredictor::predict_macroblock(const Picture& picture, const Macroblock
             unit.luma_step,
             unit.chroma_step};
         const MoxiPoint position = {unit.position.x + x, unit.position.y + y};
-        predict_block<Sample>({unit, unit.motion, position, {width, height}, y / 4 * 4 + x / 4}, target);
+        predict_block<Sample>({unit, position, {width, height}, y / 4 * 4 + x / 4}, target);
       }
     }
   };
@@ -180,7 +180,7 @@ ReferenceBlock<Sample> InterPredictor::reference_block(const Block& block, int l
   const std::ptrdiff_t first_line = is_field(id) && parity_of(id) == kBottom ? step / 2 : 0;
   const auto& planes = sources_[static_cast<std::size_t>(slot_of(id))].plane;
   const auto source = [&](const std::byte* first) { return reinterpret_cast<const Sample*>(first) + first_line; };
-  const MotionVector vector = block.motion.vectors[list][block.index];
+  const MotionVector vector = block.unit.motion.vectors[list][block.index];
   ReferenceBlock<Sample> reference = {{source(planes[0]), nullptr},
                                       step,
                                       {target.plane[0], nullptr},

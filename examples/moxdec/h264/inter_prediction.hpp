@@ -61,12 +61,11 @@ class InterPredictor {
   /// A block in work, in samples of luma.
   struct Block {
     const Unit& unit;
-    const MbMotion& motion;
     MoxiPoint position;  // in the frame or the field
     MoxiSize size;
     int index;  // of its first 4x4 block in the macroblock
-    int reference(int list) const { return motion.references[list][quadrant_of(index)]; }
-    int picture_id(int list) const { return motion.pictures[list][quadrant_of(index)]; }
+    int reference(int list) const { return unit.motion.references[list][quadrant_of(index)]; }
+    int picture_id(int list) const { return unit.motion.pictures[list][quadrant_of(index)]; }
   };
 
   void find_implicit_weights(PicturePart part, const SliceHeader& slice, const ReferenceLists& lists,
