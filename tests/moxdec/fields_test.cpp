@@ -32,6 +32,9 @@ TEST(Fields, MakeFramesInPairs) {
   b.raw_slice(field(3, false, 10, 1), {70});                                      // of another kind
   b.raw_slice(field(4, true, 11, 0), {80});                                       // of another number
   b.raw_slice(field(4, true, 13, 0), {90}).raw_slice(field(4, false, 12, 0), {100});
+  SliceFields reset = field(4, true, 14, 1);  // numbers and order start anew behind it
+  reset.operations = {5, 0};
+  b.raw_slice(reset, {110}).raw_slice(field(0, false, 1, 1), {120}).raw_slice(field(1, false, 2, 1), {130});
   const Decoded decoded = decode_all(b.stream());
   EXPECT_EQ(decoded.error, "");
   std::vector<std::pair<int, int>> shades;
@@ -42,8 +45,39 @@ TEST(Fields, MakeFramesInPairs) {
     for (const int y : {2, 30}) EXPECT_EQ(std::pair(line(0, y), line(0, y + 1)), shades.back()) << y;
     EXPECT_EQ(std::pair(line(1, 14), line(2, 15)), shades.back());
   }
-  EXPECT_EQ(shades, (std::vector<std::pair<int, int>>{
-                        {10, 20}, {30, 30}, {40, 40}, {50, 50}, {60, 60}, {70, 70}, {80, 80}, {100, 90}}));
+  EXPECT_EQ(
+      shades,
+      (std::vector<std::pair<int, int>>{
+          {10, 20}, {30, 30}, {40, 40}, {50, 50}, {60, 60}, {70, 70}, {80, 80}, {100, 90}, {120, 110}, {130, 130}}));
+}
+
+/// By a cycle of offsets 4 and 6, with bottom fields 1 behind; by frame numbers, which both fields share.
+TEST(Fields, OrderCountsOfTheirOwn) {
+  for (const int type : {1, 2}) {
+    moxdec::h264::Sps sps;
+    sps.poc_type = type;
+    sps.offset_for_top_to_bottom = 1;
+    sps.offset_for_non_ref_pic = -3;
+    sps.offsets_for_ref_frame = {4, 6};
+    sps.poc_delta_per_cycle = 10;
+    moxdec::h264::SliceHeader slice;
+    slice.sps = std::make_shared<const moxdec::h264::Sps>(sps);
+    slice.field_pic = true;
+    auto count = [&, order = moxdec::h264::PictureOrder()](int frame_num, Parity parity, int ref_idc,
+                                                           int delta) mutable {
+      slice.idr = frame_num == 0 && parity == kTop;
+      slice.frame_num = frame_num, slice.bottom_field = parity == kBottom, slice.nal_ref_idc = ref_idc;
+      slice.delta_poc[0] = delta;
+      const FieldOrder found = order.next(slice);
+      EXPECT_EQ(found.field(1 - parity), FieldOrder::kMissing);
+      return found.field(parity);
+    };
+    EXPECT_EQ(count(0, kTop, 1, 0), 0);
+    EXPECT_EQ(count(0, kBottom, 1, 0), type == 1 ? 1 : 0);
+    EXPECT_EQ(count(3, kBottom, 1, 2), type == 1 ? 14 + 1 + 2 : 6);
+    EXPECT_EQ(count(3, kTop, 1, -1), type == 1 ? 14 - 1 : 6);
+    EXPECT_EQ(count(4, kTop, 0, 0), type == 1 ? 14 - 3 : 7);
+  }
 }
 
 /// A field, or a frame if `parity` is negative. The second field of a frame follows its first one.
@@ -51,7 +85,7 @@ struct Reference {
   int frame_num;
   int parity;
   int order;
-  std::vector<MarkingOperation> operations{};
+  std::array<MarkingOperation, 3> operations{};  // up to the first 0
 };
 
 class Decoding {
@@ -71,8 +105,11 @@ class Decoding {
     slice_.frame_num = reference.frame_num;
     slice_.field_pic = reference.parity >= 0;
     slice_.bottom_field = reference.parity == kBottom;
-    slice_.adaptive_marking = !reference.operations.empty();
-    slice_.marking = reference.operations;
+    slice_.marking.clear();
+    for (const MarkingOperation& operation : reference.operations) {
+      if (operation.operation != 0) slice_.marking.push_back(operation);
+    }
+    slice_.adaptive_marking = !slice_.marking.empty();
     FieldOrder order = {reference.order, reference.order};
     if (slice_.field_pic) (slice_.bottom_field ? order.top : order.bottom) = FieldOrder::kMissing;
     if (second) {
@@ -150,21 +187,21 @@ const Case kCases[] = {
      {{{16, 17, 8, 9}}}},
     {"a single field leaves",
      4,
-     two_frames_and({{2, kTop, 16}, {2, kBottom, 17, {kDropUpperOf1}}}),
+     two_frames_and({{2, kTop, 16}, {2, kBottom, 17, {{kDropUpperOf1}}}}),
      SliceType::kP,
      {3, kTop, 24},
      {},
      {{{16, 17, 0, 9, 1}}}},
     {"frames need both fields",
      4,
-     two_frames_and({{2, kTop, 16}, {2, kBottom, 17, {kDropUpperOf1}}}),
+     two_frames_and({{2, kTop, 16}, {2, kBottom, 17, {{kDropUpperOf1}}}}),
      SliceType::kP,
      {3, -1, 24},
      {},
      {{{16, 0, -1}}}},
     {"long-term fields",
      4,
-     {{0, kTop, 0}, {0, kBottom, 1}, {1, kTop, 8, {{4, 1}, {6, 0}}}, {1, kBottom, 9, {{6, 0}}}},
+     {{0, kTop, 0}, {0, kBottom, 1}, {1, kTop, 8, {{{4, 1}, {6, 0}}}}, {1, kBottom, 9, {{{6, 0}}}}},
      SliceType::kP,
      {2, kTop, 16},
      {},
@@ -172,7 +209,7 @@ const Case kCases[] = {
     // Numbers: 5 the current field, 0 the lower field of frame 0; 1 the upper long-term field.
     {"changed lists",
      4,
-     {{0, kTop, 0}, {0, kBottom, 1}, {1, kTop, 8, {{4, 1}, {6, 0}}}, {1, kBottom, 9, {{6, 0}}}},
+     {{0, kTop, 0}, {0, kBottom, 1}, {1, kTop, 8, {{{4, 1}, {6, 0}}}}, {1, kBottom, 9, {{{6, 0}}}}},
      SliceType::kP,
      {2, kTop, 16},
      {{2, 1}, {0, 4}},
@@ -180,7 +217,7 @@ const Case kCases[] = {
     // 3 makes the upper field of frame 0 long-term; its lower one leaves.
     {"fields made long-term later",
      4,
-     two_frames_and({{2, kTop, 16, {{4, 1}, {3, 3, 0}, {1, 4}}}}),
+     two_frames_and({{2, kTop, 16, {{{4, 1}, {3, 3, 0}, {1, 4}}}}}),
      SliceType::kP,
      {2, kBottom, 17},
      {},

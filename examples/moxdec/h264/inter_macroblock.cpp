@@ -79,19 +79,20 @@ void MacroblockReader::begin_inter(Macroblock& mb, MbInfo& info, const Neighbour
   info.kind = mb.kind = MbKind::kInter;
   info.intra_modes.fill(kPlainMode);
   part_ = picture_.part_of(mb.y, mb.field);
-  const MbMotion* left[] = {picture_.motion_of(neighbours.left_pair[0]), picture_.motion_of(neighbours.left_pair[1])};
-  const MbMotion *top = picture_.motion_of(neighbours.top), *top_left = picture_.motion_of(neighbours.top_left),
+  const MbMotion *left = picture_.motion_of(neighbours.left_pair[0]), *top = picture_.motion_of(neighbours.top),
+                 *top_left = picture_.motion_of(neighbours.top_left),
                  *top_right = picture_.motion_of(neighbours.top_right);
   const int lists = list_count(slice_.type);
   if (!picture_.mbaff) {
-    for (int list = 0; list < lists; ++list) windows_[list].load(list, left[0], top, top_left, top_right);
+    for (int list = 0; list < lists; ++list) windows_[list].load(list, left, top, top_left, top_right);
     return;
   }
+  const MbMotion* pair[] = {left, picture_.motion_of(neighbours.left_pair[1])};
   MotionWindow::Surroundings around = {{}, {}, top, top_right, mb.field};
   for (std::size_t y = 0; y < 4; ++y) {
     const LeftBlocks &beside = neighbours.left->beside[y], &corner = neighbours.left->corner[y];
-    around.left[y] = {left[beside.mb], beside.row};
-    around.corner[y] = {y == 0 ? top_left : left[corner.mb], corner.row};
+    around.left[y] = {pair[beside.mb], beside.row};
+    around.corner[y] = {y == 0 ? top_left : pair[corner.mb], corner.row};
   }
   for (int list = 0; list < lists; ++list) windows_[list].load(list, around);
 }

@@ -112,18 +112,21 @@ void InterPredictor::predict(const Picture& picture, const Macroblock& mb) {
 }
 
 template <class Sample>
+InterPredictor::Unit InterPredictor::unit_of(const Picture& picture, const Macroblock& mb) {
+  const PicturePart part = picture.part_of(mb.y, mb.field);
+  const int halved = part == PicturePart::kWhole ? 0 : 1;  // a field of the picture, which is none
+  return {picture.motion_at(mb.x, mb.y),
+          part,
+          picture.field_pic ? picture.parity : parity_of(part),
+          {16 * picture.mb_width, 16 * picture.mb_height >> halved},
+          {16 * mb.x, 16 * (mb.y >> halved)},
+          picture.step<Sample>(0, mb.field),
+          picture.step<Sample>(1, mb.field)};
+}
+
+template <class Sample>
 void InterPredictor::predict_macroblock(const Picture& picture, const Macroblock& mb) const {
-  const bool of_frame = picture.mbaff && mb.field;  // a field of the picture, which is none
-  const int mb_row = of_frame ? mb.y / 2 : mb.y;
-  const Unit unit = {picture.motion_at(mb.x, mb.y),
-                     picture.part_of(mb.y, mb.field),
-                     picture.field_pic ? picture.parity
-                     : of_frame        ? mb.y & 1
-                                       : -1,
-                     {16 * picture.mb_width, 16 * picture.mb_height >> (of_frame ? 1 : 0)},
-                     {16 * mb.x, 16 * mb_row},
-                     picture.step<Sample>(0, mb.field),
-                     picture.step<Sample>(1, mb.field)};
+  const Unit unit = unit_of<Sample>(picture, mb);
   const std::array<Sample*, 3> planes = {picture.samples<Sample>(0, mb.x, mb.y, mb.field),
                                          picture.samples<Sample>(1, mb.x, mb.y, mb.field),
                                          picture.samples<Sample>(2, mb.x, mb.y, mb.field)};
@@ -137,7 +140,7 @@ void InterPredictor::predict_macroblock(const Picture& picture, const Macroblock
             unit.luma_step,
             unit.chroma_step};
         const MoxiPoint position = {unit.position.x + x, unit.position.y + y};
-        predict_block<Sample>({unit, unit.motion, position, {width, height}, y / 4 * 4 + x / 4}, target);
+        predict_block<Sample>({unit, position, {width, height}, y / 4 * 4 + x / 4}, target);
       }
     }
   };
@@ -177,7 +180,7 @@ ReferenceBlock<Sample> InterPredictor::reference_block(const Block& block, int l
   const std::ptrdiff_t first_line = is_field(id) && parity_of(id) == kBottom ? step / 2 : 0;
   const auto& planes = sources_[static_cast<std::size_t>(slot_of(id))].plane;
   const auto source = [&](const std::byte* first) { return reinterpret_cast<const Sample*>(first) + first_line; };
-  const MotionVector vector = block.motion.vectors[list][block.index];
+  const MotionVector vector = block.unit.motion.vectors[list][block.index];
   ReferenceBlock<Sample> reference = {{source(planes[0]), nullptr},
                                       step,
                                       {target.plane[0], nullptr},

@@ -61,16 +61,17 @@ class InterPredictor {
   /// A block in work, in samples of luma.
   struct Block {
     const Unit& unit;
-    const MbMotion& motion;
     MoxiPoint position;  // in the frame or the field
     MoxiSize size;
     int index;  // of its first 4x4 block in the macroblock
-    int reference(int list) const { return motion.references[list][quadrant_of(index)]; }
-    int picture_id(int list) const { return motion.pictures[list][quadrant_of(index)]; }
+    int reference(int list) const { return unit.motion.references[list][quadrant_of(index)]; }
+    int picture_id(int list) const { return unit.motion.pictures[list][quadrant_of(index)]; }
   };
 
   void find_implicit_weights(PicturePart part, const SliceHeader& slice, const ReferenceLists& lists,
                              const ReferenceBuffer& references);
+  template <class Sample>
+  static Unit unit_of(const Picture& picture, const Macroblock& mb);
   template <class Sample>
   void predict_macroblock(const Picture& picture, const Macroblock& mb) const;
   /// `target` is where the block goes in the picture.

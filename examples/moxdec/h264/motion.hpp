@@ -24,6 +24,7 @@ enum Parity { kTop = 0, kBottom = 1 };
 /// What a macroblock belongs to: the whole picture, or one field of a frame that has field macroblocks among others.
 enum class PicturePart { kWhole, kTopField, kBottomField };
 inline constexpr int kPictureParts = 3;
+/// -1 for the whole picture.
 constexpr int parity_of(PicturePart field) { return static_cast<int>(field) - 1; }
 
 /// Names a reference picture: the place of its frame in the reference buffer and, if it is only one field, which one.

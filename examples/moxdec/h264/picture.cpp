@@ -28,6 +28,10 @@ void Picture::begin(std::shared_ptr<Frame> new_frame, MbMotion* new_motion, cons
   mbaff = slice.mbaff();
   parity = slice.parity();
   chroma_mb_height = slice.sps->chroma_mb_height();
+  for (int plane = 0; plane < 3; ++plane) {
+    const int step = frame->step(plane);
+    planes_[plane] = {frame->samples<std::byte>(plane) + std::ptrdiff_t{parity} * step, field_pic ? 2 * step : step};
+  }
   macroblocks.resize(static_cast<std::size_t>(slice.sps->macroblocks()));
   for (MbInfo& mb : macroblocks) mb.slice = -1;
   slices.clear();

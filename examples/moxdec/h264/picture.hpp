@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -79,12 +80,14 @@ class Picture {
   template <class Sample>
   Sample* samples(int plane, int x, int y, bool field) const {
     const int width = plane == 0 ? 16 : 8, height = plane == 0 ? 16 : chroma_mb_height;
-    const int row = field_pic ? 2 * height * y + parity : field ? height * (y & ~1) + (y & 1) : height * y;
-    return frame->samples<Sample>(plane) + std::ptrdiff_t{row} * frame->sample_step<Sample>(plane) + width * x;
+    const int row = mbaff && field ? height * (y & ~1) + (y & 1) : height * y;
+    const Plane& lines = planes_[static_cast<std::size_t>(plane)];
+    return reinterpret_cast<Sample*>(lines.first + std::ptrdiff_t{row} * lines.step) + width * x;
   }
   template <class Sample>
   int step(int plane, bool field) const {
-    return frame->sample_step<Sample>(plane) << (field ? 1 : 0);
+    const int step = planes_[static_cast<std::size_t>(plane)].step / static_cast<int>(sizeof(Sample));
+    return step << (mbaff && field ? 1 : 0);
   }
 
   std::shared_ptr<Frame> frame;
@@ -99,9 +102,17 @@ class Picture {
   std::vector<Slice> slices;
 
  private:
+  /// Of the frame, or of the field that the picture is.
+  struct Plane {
+    std::byte* first;
+    int step;  // in bytes
+  };
+
   std::size_t index(int x, int y) const {
     return static_cast<std::size_t>((field_pic ? 2 * y + parity : y) * mb_width + x);
   }
+
+  std::array<Plane, 3> planes_;
 };
 
 }  // namespace moxdec::h264

@@ -22,20 +22,23 @@ constexpr std::array<std::array<Strengths, 3>, 2> kIntraStrengths = {  // [8x8 t
     {{intra_strengths(0, false), intra_strengths(3, false), intra_strengths(4, false)},
      {intra_strengths(0, true), intra_strengths(3, true), intra_strengths(4, true)}}};
 
-/// A full sample or more. `rows` is less than that in height, in quarters.
-bool is_far(MotionVector a, MotionVector b, int rows) {
-  return static_cast<unsigned>(a.x - b.x + 3) > 6 ||
-         static_cast<unsigned>(a.y - b.y + rows) > static_cast<unsigned>(2 * rows);
+/// A full sample or more of the frame, of which a field has every other line. `Near` quarters are less than that in
+/// height.
+template <int Near>
+bool is_far(MotionVector a, MotionVector b) {
+  return static_cast<unsigned>(a.x - b.x + 3) > 6 || static_cast<unsigned>(a.y - b.y + Near) > 2 * Near;
 }
+constexpr int kNearInFrame = 3, kNearInField = 1;
 
 /// Whether two blocks are predicted from other pictures or with vectors far from each other. It is of no importance
 /// which list a picture comes from. Vectors of lists that are not used are 0, so these compare as equal.
-bool moves_otherwise(const MbMotion& p, int p_block, const MbMotion& q, int q_block, int rows) {
+template <int Near>
+bool moves_otherwise(const MbMotion& p, int p_block, const MbMotion& q, int q_block) {
   const int p_quadrant = quadrant_of(p_block), q_quadrant = quadrant_of(q_block);
   const int p0 = p.pictures[0][p_quadrant], p1 = p.pictures[1][p_quadrant];
   const int q0 = q.pictures[0][q_quadrant], q1 = q.pictures[1][q_quadrant];
   const auto far = [&](int p_list, int q_list) {
-    return is_far(p.vectors[p_list][p_block], q.vectors[q_list][q_block], rows);
+    return is_far<Near>(p.vectors[p_list][p_block], q.vectors[q_list][q_block]);
   };
   const bool straight = p0 == q0 && p1 == q1, crossed = p0 == q1 && p1 == q0;
   if (!straight && !crossed) return true;
@@ -65,12 +68,14 @@ std::uint8_t intra_strength(const MbInfo& mb, const MbInfo& outer, EdgeDirection
 }
 
 /// Of the edge between two rows or columns of blocks; `step` leads from one block to the next along the edge.
+template <int Near>
 void find_edge(const View& p, int p_block, const View& q, int q_block, int step, bool motion, std::uint8_t* out) {
-  const int rows = q.info.field ? 1 : 3;  // a sample in height is one of the frame, which has twice the lines
   for (int i = 0; i < 4; ++i, p_block += step, q_block += step) {
-    out[i] = is_coded(p.info, p_block, q.info, q_block)                              ? 2
-             : motion && moves_otherwise(p.motion, p_block, q.motion, q_block, rows) ? 1
-                                                                                     : 0;
+    if (is_coded(p.info, p_block, q.info, q_block)) {
+      out[i] = 2;
+    } else {
+      out[i] = motion && moves_otherwise<Near>(p.motion, p_block, q.motion, q_block) ? 1 : 0;
+    }
   }
 }
 
@@ -84,6 +89,7 @@ bool find_strengths(const Picture& picture, const MbInfo& mb, const MbInfo* oute
   }
   strengths.fill(0);
   const View view(picture, mb);
+  const auto edge_strengths = mb.field ? find_edge<kNearInField> : find_edge<kNearInFrame>;
   const bool vertical = direction == EdgeDirection::kVertical;
   const int step = vertical ? 4 : 1, across = vertical ? 1 : 4;
   if (outer && !is_inter(*outer)) {
@@ -91,14 +97,14 @@ bool find_strengths(const Picture& picture, const MbInfo& mb, const MbInfo* oute
   } else if (outer && outer->field != mb.field) {
     std::ranges::copy(mixed_top_strengths(mb, *outer), strengths.begin());
   } else if (outer) {
-    find_edge(View(picture, *outer), 3 * across, view, 0, step, true, strengths.data());
+    edge_strengths(View(picture, *outer), 3 * across, view, 0, step, true, strengths.data());
   }
   const int motion_edges = vertical ? mb.motion_edges : mb.motion_edges >> 4;
   const int edges = edge_step(mb.transform_8x8);
   for (int edge = edges; edge < 4; edge += edges) {
     const bool motion = motion_edges >> edge & 1;
     if (!motion && mb.coded_blocks == 0) continue;
-    find_edge(view, (edge - 1) * across, view, edge * across, step, motion, &strengths[4 * edge]);
+    edge_strengths(view, (edge - 1) * across, view, edge * across, step, motion, &strengths[4 * edge]);
   }
   return std::ranges::any_of(strengths, [](std::uint8_t strength) { return strength != 0; });
 }
