@@ -62,7 +62,7 @@ typedef struct MoxiRect {
 
 /** Result of a function: 0 success, negative an error, positive a warning (the work was done). */
 typedef enum MoxStatus {
-  moxStsEdgeSubstituted = 11,   /**< warning: a 4x4 intra block used 128 in place of an edge that the flags deny */
+  moxStsEdgeSubstituted = 11,   /**< warning: an intra block used mid-grey in place of an edge that the flags deny */
   moxStsOk = 0,                 /**< success */
   moxStsFailed = -1,            /**< unspecific failure; reserved */
   moxStsRegionTooSmall = -2,    /**< the region is smaller than the filter, or there is no such form */
