@@ -33,7 +33,7 @@ constexpr auto kTc0 = [] {
 /// Of an edge, by its mean quantiser.
 template <class Sample>
 struct Limits {
-  Limits(const SliceHeader& slice, int qp) : unit(1 << (slice.sps->bit_depth_luma - 8)) {
+  Limits(const SliceHeader& slice, int qp) : unit(sizeof(Sample) == 1 ? 1 : 1 << (slice.sps->bit_depth_luma - 8)) {
     const int index = std::clamp(qp + slice.alpha_offset, 0, 51);
     alpha = scaled(example::kDeblockAlpha[index]);
     beta = scaled(example::kDeblockBeta[std::clamp(qp + slice.beta_offset, 0, 51)]);
