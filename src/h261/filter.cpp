@@ -1,6 +1,7 @@
 #include "frame/arguments.hpp"
 #include "frame/generation.hpp"
 #include "h261/filter_px.hpp"
+#include "h261/filter_vec.hpp"
 #include "moxvc/h261.h"
 
 using namespace mox;

@@ -24,6 +24,12 @@ struct BitBytes : Guarded<Mox8u> {
   }
 };
 
+/// A selector of the coding's scan; any but -1 is zigzag.
+int scan_of(const H261Coding& coding, int offset) {
+  constexpr int kZigzag[] = {0, -2, 2, 77};
+  return coding.zigzag ? kZigzag[offset % 4] : -1;
+}
+
 class H261Coefficients : public PerGeneration {
  protected:
   /// Decodes `bits` behind `offset` bits of a byte, with the library and the oracle. Behind the last byte of the last
@@ -41,7 +47,7 @@ class H261Coefficients : public PerGeneration {
     const auto run = [&](auto symbol, int parameter) {
       return lib(symbol)(&byte, &left, block_.data(), &last, parameter);
     };
-    const int scan = coding.zigzag ? 2 : -1;
+    const int scan = scan_of(coding, offset);
     const MoxStatus status = coding.qp ? coding.intra ? run(MOX_FN(moxiReconstructCoeffsIntra_H261_1u16s), coding.qp)
                                                       : run(MOX_FN(moxiReconstructCoeffsInter_H261_1u16s), coding.qp)
                              : coding.intra ? run(MOX_FN(moxiDecodeCoeffsIntra_H261_1u16s), scan)
@@ -64,7 +70,7 @@ class H261Coefficients : public PerGeneration {
     Mox8u* byte = bytes.data();
     Mox32s left = offset;
     EXPECT_EQ(lib(coding.intra ? MOX_FN(moxiEncodeCoeffsIntra_H261_16s1u) : MOX_FN(moxiEncodeCoeffsInter_H261_16s1u))(
-                  levels.data(), &byte, &left, count, coding.zigzag ? 0 : -1),
+                  levels.data(), &byte, &left, count, scan_of(coding, offset)),
               moxStsOk);
     std::string written;
     for (Mox8u b : bytes) written += bits_of(b, 8);
