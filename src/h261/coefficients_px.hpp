@@ -115,51 +115,55 @@ MoxStatus decode_inter(const Mox8u** ppBitStream, Mox32s* pBitOffset, Mox16s* pC
   return block.finish(block.read_rest(), ppBitStream, pBitOffset, pIndexCoeff);
 }
 
-inline void put_code(MoxByteWriter& at, CoefficientCode code) { ownPutBits8(at, code.bits, code.length); }
+inline void put_code(AccumulatorWriter& out, CoefficientCode code) { out.put(code.bits, code.length); }
 
-inline void put_coefficient(MoxByteWriter& at, Mox32s run, Mox32s level) {
+inline void put_coefficient(AccumulatorWriter& out, Mox32s run, Mox32s level) {
   const Mox32s magnitude = std::abs(level);
   const bool tabled = run <= kMostCodedRun && magnitude <= kMostCodedLevel;
   const CoefficientCode code = tabled ? h261_VLCTab[run][magnitude] : CoefficientCode();
-  if (code.length != 0) return ownPutBits8(at, 2u * code.bits + (level < 0), code.length + 1);
-  put_code(at, CoefficientCode(kEscapeCode));
-  ownPutBits8(at, static_cast<Mox32u>(run << 8 | (level & 0xFF)), 14);
+  if (code.length != 0) return out.put(2u * code.bits + (level < 0), code.length + 1);
+  put_code(out, CoefficientCode(kEscapeCode));
+  out.put(static_cast<Mox32u>(run << 8 | (level & 0xFF)), 14);
 }
 
 /// Writes the next `count` coefficients other than 0 from scan index i on, and the end of the block.
-inline void put_coefficients(MoxByteWriter& at, const Mox16s* pCoeffs, const ScanTable& scan, Mox32s i, Mox32s count) {
+inline void put_coefficients(AccumulatorWriter& out, const Mox16s* pCoeffs, const ScanTable& scan, Mox32s i,
+                             Mox32s count) {
   for (Mox32s run = 0; i < 64 && count > 0; ++i) {
     const Mox32s level = pCoeffs[scan[i]];
     if (level == 0) {
       ++run;
       continue;
     }
-    put_coefficient(at, run, level);
+    put_coefficient(out, run, level);
     run = 0;
     --count;
   }
-  put_code(at, CoefficientCode(kEndOfBlockCode));
+  put_code(out, CoefficientCode(kEndOfBlockCode));
+}
+
+inline MoxStatus finish(const AccumulatorWriter& out, Mox8u** ppBitStream, Mox32s* pBitOffset) {
+  const MoxByteWriter at = out.finish();
+  *ppBitStream = at.byte;
+  *pBitOffset = at.offset;
+  return moxStsOk;
 }
 
 inline MoxStatus encode_intra(const Mox16s* pCoeffs, Mox8u** ppBitStream, Mox32s* pBitOffset, Mox32s countNonZero,
                               const ScanTable& scan) {
-  MoxByteWriter at{*ppBitStream, *pBitOffset};
-  ownPutBits8(at, static_cast<Mox32u>(pCoeffs[0] == 128 ? 255 : pCoeffs[0]), 8);
-  put_coefficients(at, pCoeffs, scan, 1, countNonZero - 1);
-  *ppBitStream = at.byte;
-  *pBitOffset = at.offset;
-  return moxStsOk;
+  AccumulatorWriter out({*ppBitStream, *pBitOffset});
+  out.put(static_cast<Mox32u>(pCoeffs[0] == 128 ? 255 : pCoeffs[0]) & 0xFF, 8);
+  put_coefficients(out, pCoeffs, scan, 1, countNonZero - 1);
+  return finish(out, ppBitStream, pBitOffset);
 }
 
 inline MoxStatus encode_inter(const Mox16s* pCoeffs, Mox8u** ppBitStream, Mox32s* pBitOffset, Mox32s countNonZero,
                               const ScanTable& scan) {
-  MoxByteWriter at{*ppBitStream, *pBitOffset};
+  AccumulatorWriter out({*ppBitStream, *pBitOffset});
   const bool shortForm = std::abs(pCoeffs[0]) == 1;
-  if (shortForm) ownPutBits8(at, pCoeffs[0] < 0 ? 3 : 2, 2);
-  put_coefficients(at, pCoeffs, scan, shortForm, countNonZero - shortForm);
-  *ppBitStream = at.byte;
-  *pBitOffset = at.offset;
-  return moxStsOk;
+  if (shortForm) out.put(pCoeffs[0] < 0 ? 3 : 2, 2);
+  put_coefficients(out, pCoeffs, scan, shortForm, countNonZero - shortForm);
+  return finish(out, ppBitStream, pBitOffset);
 }
 
 }  // namespace mox::px
