@@ -16,9 +16,9 @@
  *      level l, o = q if q is odd, else q - 1:    2 q l + o for l > 0, 2 q l - o for l < 0, limited to -2048..2047
  *      DC c of an intra block:                    8 c, without q
  *
- *  Memory. Up to four bytes are read from the one that holds the next bit of each code; so a block may be read up to
- *  four bytes beyond the last byte of its last legal code, and the data need as much padding. A writer keeps the bits
- * in front of its position, overwrites the rest of every byte that it touches, and touches no byte without a bit of the
+ *  Memory. Up to four bytes are read from the one that holds the next bit of each code: a block may be read up to four
+ *  bytes beyond the last byte of its last legal code, and the data need as much padding. A writer keeps the bits in
+ *  front of its position, overwrites the rest of every byte that it touches, and touches no byte without a bit of the
  *  block: 162 bytes at most, for 64 escapes and the end behind 7 bits of others.
  *
  *  Corrupt data end a decoder with moxStsBadCode: a DC with its low 7 bits all 0; 9 zero bits in place of a code; an
@@ -27,9 +27,9 @@
  *  DC, -1 if there is none. An escape that carries the index to 127, run 63 behind index 63, ends the block as the end
  *  code does, its level dropped. A call reads 65 codes at most.
  *
- *  Status. moxStsNullPointer if a pointer or `*ppBitStream` is null; then moxStsBadBitOffset if `*pBitOffset` is none
- * of 0..7; then moxStsBadQp if `qp` is none of 1..31, or moxStsOutOfRange if `countNonZero` is none of 1..64. Nothing
- * is written in these cases. `scan` is not tested.
+ *  Status. moxStsNullPointer if a pointer or `*ppBitStream` is null; then moxStsBadBitOffset if `*pBitOffset` is
+ *  none of 0..7; then moxStsBadQp if `qp` is none of 1..31, or moxStsOutOfRange if `countNonZero` is none of 1..64.
+ *  Nothing is written in these cases. `scan` is not tested.
  */
 #ifndef MOXVC_H261_H
 #define MOXVC_H261_H
@@ -90,8 +90,8 @@ MOX_API MoxStatus moxiEncodeCoeffsIntra_H261_16s1u(const Mox16s* pCoeffs, Mox8u*
 MOX_API MoxStatus moxiEncodeCoeffsInter_H261_16s1u(const Mox16s* pCoeffs, Mox8u** ppBitStream, Mox32s* pBitOffset,
                                                    Mox32s countNonZero, Mox32s scan);
 
-/** The loop filter on an 8x8 block: weights 1, 2, 1 across and down, rounded once to the nearest, halves upwards; in
- * the border rows only across, in the border columns only down, corners as they are.
+/** The loop filter on an 8x8 block: weights 1, 2, 1 across and down, rounded once to the nearest, halves upwards. In
+ *  the border rows only across, in the border columns only down, corners as they are:
  *
  *      t = p(x-1) + 2 p + p(x+1), 4 p in columns 0 and 7
  *      (t(y-1) + 2 t + t(y+1) + 8) >> 4, (t + 2) >> 2 in rows 0 and 7

@@ -27,8 +27,8 @@
  *  Steps count bytes. The type is unsigned, the value is taken as signed: a negative step is passed converted. It is
  *  not tested. The result is not defined where rows overlap.
  *
- *  Status. moxStsNullPointer if `pSrcDst` is null; then, in the 8x8 forms, moxStsBadQp if `QP` is none of 1..31.
- * Nothing is written in these cases.
+ *  Status. moxStsNullPointer if `pSrcDst` is null; then, in the 8x8 forms, moxStsBadQp if `QP` is none of 1..31; in
+ *  both cases nothing is written.
  */
 #ifndef MOXVC_H263_FILTER_H
 #define MOXVC_H263_FILTER_H

@@ -40,9 +40,6 @@ inline constexpr std::array<std::string_view, 27> kCoefficientCodes = {
     "0000000011101",
     "0000000011100",
     "0000000011011"};
-inline constexpr std::string_view kEndOfBlockCode = "10";
-/// Behind it 6 bits of the run and 8 bits of the level.
-inline constexpr std::string_view kEscapeCode = "000001";
 
 /// A code without its sign bit, right-aligned; a length of 0 says that there is none.
 struct CoefficientCode {
@@ -54,6 +51,10 @@ struct CoefficientCode {
     for (char bit : text) bits = static_cast<Mox16u>(2 * bits + (bit == '1'));
   }
 };
+
+inline constexpr CoefficientCode kEndOfBlockCode("10");
+/// Behind it 6 bits of the run and 8 bits of the level.
+inline constexpr CoefficientCode kEscapeCode("000001");
 
 /// Calls visit(run, level, code) for each code with a run and a level.
 template <class Visit>
@@ -90,8 +91,8 @@ struct CoefficientRows {
     for_each_coefficient_code([this](int run, int level, CoefficientCode code) {
       enter(code, {static_cast<Mox8u>(run + 1), static_cast<Mox8u>(level), static_cast<Mox8u>(code.length + 1)});
     });
-    enter(CoefficientCode(kEndOfBlockCode), {kEndOfBlockSteps, 0, 2});
-    enter(CoefficientCode(kEscapeCode), {0, 0, 6});
+    enter(kEndOfBlockCode, {kEndOfBlockSteps, 0, 2});
+    enter(kEscapeCode, {0, 0, 6});
   }
   constexpr bool complete() const {
     for (int i = 0; i < (1 << kCodeBits); ++i) {

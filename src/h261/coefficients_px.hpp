@@ -122,7 +122,7 @@ inline void put_coefficient(AccumulatorWriter& out, Mox32s run, Mox32s level) {
   const bool tabled = run <= kMostCodedRun && magnitude <= kMostCodedLevel;
   const CoefficientCode code = tabled ? h261_VLCTab[run][magnitude] : CoefficientCode();
   if (code.length != 0) return out.put(2u * code.bits + (level < 0), code.length + 1);
-  put_code(out, CoefficientCode(kEscapeCode));
+  put_code(out, kEscapeCode);
   out.put(static_cast<Mox32u>(run << 8 | (level & 0xFF)), 14);
 }
 
@@ -139,7 +139,7 @@ inline void put_coefficients(AccumulatorWriter& out, const Mox16s* pCoeffs, cons
     run = 0;
     --count;
   }
-  put_code(out, CoefficientCode(kEndOfBlockCode));
+  put_code(out, kEndOfBlockCode);
 }
 
 inline MoxStatus finish(const AccumulatorWriter& out, Mox8u** ppBitStream, Mox32s* pBitOffset) {
