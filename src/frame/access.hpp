@@ -35,4 +35,9 @@ inline Mox32u load_be32(const Mox8u* bytes) {
   return Mox32u{bytes[0]} << 24 | Mox32u{bytes[1]} << 16 | Mox32u{bytes[2]} << 8 | Mox32u{bytes[3]};
 }
 
+/// Stores 32 bits as four stream bytes, the most significant first.
+inline void store_be32(Mox8u* bytes, Mox32u value) {
+  for (int i = 0; i < 4; ++i) bytes[i] = static_cast<Mox8u>(value >> (24 - 8 * i));
+}
+
 }  // namespace mox

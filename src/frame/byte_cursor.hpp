@@ -4,6 +4,8 @@
 /// that are consumed, for reading and writing alike.
 #pragma once
 
+#include <cstdint>
+
 #include "frame/access.hpp"
 #include "frame/bit_masks.hpp"
 #include "moxvc/types.h"
@@ -90,5 +92,35 @@ inline void ownPutBits8(MoxByteWriter& at, Mox32u code, Mox32s n) {
   at.byte += end / 8;
   at.offset = end % 8;
 }
+
+/// A writer of many codes that has the effect of ownPutBits8 for each, but stores four bytes at a time.
+class AccumulatorWriter {
+ public:
+  explicit AccumulatorWriter(const MoxByteWriter& at)
+      : byte_(at.byte), bits_(at.offset == 0 ? 0u : *at.byte >> (8 - at.offset)), count_(at.offset) {}
+
+  /// Writes n bits, 1 to 32; code has nothing above them.
+  void put(Mox32u code, Mox32s n) {
+    bits_ = bits_ << n | code;
+    count_ += n;
+    if (count_ >= 32) {
+      count_ -= 32;
+      store_be32(byte_, static_cast<Mox32u>(bits_ >> count_));
+      byte_ += 4;
+    }
+  }
+
+  /// Stores what is left and gives the position behind it. To be called last.
+  MoxByteWriter finish() const {
+    MoxByteWriter at{byte_, 0};
+    if (count_ > 0) ownPutBits8(at, static_cast<Mox32u>(bits_), count_);
+    return at;
+  }
+
+ private:
+  Mox8u* byte_;
+  std::uint64_t bits_;  // the low count_ bits are to be stored
+  Mox32s count_;        // 0 to 31
+};
 
 }  // namespace mox

@@ -165,13 +165,21 @@ TEST(ByteCursor, WritesLikeTextAndKeepsTheBitsInFront) {
     }
     const Guarded<Mox8u> bytes((bits.size() + 7) / 8), expected(bytes.size());
     fill_bytes(expected, bits);
-    std::fill(bytes.begin(), bytes.end(), Mox8u{0xA5});
-    bytes[0] = first;
-    MoxByteWriter at{bytes.data(), offset};
-    for (auto [code, n] : codes) ownPutBits8(at, code, n);
-    ASSERT_EQ(bytes.copy(), expected.copy());
-    ASSERT_EQ((at.byte - bytes.data()) * 8 + at.offset, static_cast<int>(bits.size()));
-    ASSERT_LE(at.offset, 7);
+    for (bool accumulated : {false, true}) {
+      std::fill(bytes.begin(), bytes.end(), Mox8u{0xA5});
+      bytes[0] = first;
+      MoxByteWriter at{bytes.data(), offset};
+      if (accumulated) {
+        AccumulatorWriter writer(at);
+        for (auto [code, n] : codes) writer.put(code & bit_mask[n], n);
+        at = writer.finish();
+      } else {
+        for (auto [code, n] : codes) ownPutBits8(at, code, n);
+      }
+      ASSERT_EQ(bytes.copy(), expected.copy());
+      ASSERT_EQ((at.byte - bytes.data()) * 8 + at.offset, static_cast<int>(bits.size()));
+      ASSERT_LE(at.offset, 7);
+    }
   }
 }
 
