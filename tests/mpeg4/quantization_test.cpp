@@ -216,60 +216,37 @@ TEST_P(Mpeg4Quantization, RandomBlocks) {
 
 /// Coefficient `at` of a block that is zero elsewhere, but for `before63` in coefficient 63: by hand.
 TEST_P(Mpeg4Quantization, LiteralValues) {
-  enum Form { kInter, kIntra, kChroma, kInvInter, kInvIntra, kInvChroma };
+  enum Form { kP, kI, kC, kInvP, kInvI, kInvC };  // inter, intra with luma or chroma DC
   struct Case {
     Form form;
-    int depth, qp, weight, at, value, result, last = 63, before63 = 0, after63 = 0;
+    int depth, qp, weight, at, value, result, last, before63, after63;
   };
   // 98 * 6554 is 9.8 times 65536. Of weight 1 the reciprocal is too small: 10 counts as 159 sixteenths. 106 + 4 is 11
   // times 10. Above 8 bits 950 / 200 and 1000 / 200; 50.5, and with 0.501 added 51.001. The scalers of the DC are 8 for
   // 4, 10 and 9 for 5. Inverse with weight 17, 595 / 16 and 255 / 8 towards zero; a DC of 30 is even, 27 odd.
-  const Case cases[] = {{kInter, 8, 1, 0, 0, -1, 0},
-                        {kInter, 8, 1, 0, 0, -3, -1},
-                        {kInter, 8, 1, 0, 0, -32768, -16384},
-                        {kInter, 8, 5, 0, 0, 100, 9},
-                        {kIntra, 8, 5, 0, 1, 100, 10},
-                        {kIntra, 8, 5, 0, 1, 99, 9},
-                        {kInter, 8, 1, 1, 0, 10, 79},
-                        {kInter, 8, 1, 1, 0, -32768, -2047},
-                        {kInter, 8, 5, 16, 0, 106, 10},
-                        {kIntra, 8, 5, 16, 1, -106, -11},
-                        {kInter, 10, 100, 0, 0, -1000, -4},
-                        {kIntra, 10, 100, 0, 1, -1000, -5},
-                        {kInter, 10, 10, 16, 0, 1010, 50},
-                        {kIntra, 10, 10, 16, 1, -1010, -51},
-                        {kIntra, 12, 1, 0, 1, 32767, 2047},
-                        {kIntra, 8, 4, 0, 0, 3, 0},
-                        {kIntra, 8, 4, 0, 0, -4, -1},
-                        {kIntra, 8, 4, 16, 0, 32767, 2047},
-                        {kIntra, 8, 5, 16, 0, -14, -1},
-                        {kIntra, 8, 5, 0, 0, 15, 2},
-                        {kChroma, 8, 5, 0, 0, 13, 1},
-                        {kChroma, 8, 5, 0, 0, 14, 2},
-                        {kInvInter, 8, 5, 0, 0, 3, 35},
-                        {kInvInter, 8, 4, 0, 0, -3, -27},
-                        {kInvInter, 8, 31, 0, 0, -2047, -2048},
-                        {kInvInter, 4, 1, 0, 0, 100, 127},
-                        {kInvInter, 8, 5, 0, 15, 3, 35, 8},
-                        {kInvInter, 8, 5, 0, 16, 3, 3, 8},
-                        {kInvInter, 8, 5, 17, 0, -3, -37},
-                        {kInvIntra, 8, 5, 17, 1, -3, -31},
-                        {kInvInter, 8, 5, 16, 0, 3, 35, 63, 3, 34},
-                        {kInvInter, 8, 5, 16, 0, 3, 35, 62, 3, 3},
-                        {kInvInter, 8, 5, 16, 5, 3, 3, 4, 0, 1},
-                        {kInvIntra, 8, 5, 16, 1, 1, 10, 63, 0, 1},
-                        {kInvIntra, 8, 5, 16, 0, 3, 30, 0, 7, 1},
-                        {kInvChroma, 8, 5, 16, 0, 3, 27, 0, 7, 7},
-                        {kInvIntra, 8, 5, 0, 0, 3, 30, 0, 7, 7},
-                        {kInvIntra, 8, 5, 0, 0, 300, 2047, 1}};
+  // clang-format off
+  const Case cases[] = {
+      {kP, 8, 1, 0, 0, -1, 0, 63, 0, 0}, {kP, 8, 1, 0, 0, -3, -1, 63, 0, 0}, {kP, 8, 1, 0, 0, -32768, -16384, 63, 0, 0},
+      {kP, 8, 5, 0, 0, 100, 9, 63, 0, 0}, {kI, 8, 5, 0, 1, 100, 10, 63, 0, 0}, {kI, 8, 5, 0, 1, 99, 9, 63, 0, 0},
+      {kP, 8, 1, 1, 0, 10, 79, 63, 0, 0}, {kP, 8, 1, 1, 0, -32768, -2047, 63, 0, 0},
+      {kP, 8, 5, 16, 0, 106, 10, 63, 0, 0}, {kI, 8, 5, 16, 1, -106, -11, 63, 0, 0},
+      {kP, 10, 100, 0, 0, -1000, -4, 63, 0, 0}, {kI, 10, 100, 0, 1, -1000, -5, 63, 0, 0},
+      {kP, 10, 10, 16, 0, 1010, 50, 63, 0, 0}, {kI, 10, 10, 16, 1, -1010, -51, 63, 0, 0},
+      {kI, 12, 1, 0, 1, 32767, 2047, 63, 0, 0}, {kI, 8, 4, 0, 0, 3, 0, 63, 0, 0}, {kI, 8, 4, 0, 0, -4, -1, 63, 0, 0},
+      {kI, 8, 4, 16, 0, 32767, 2047, 63, 0, 0}, {kI, 8, 5, 16, 0, -14, -1, 63, 0, 0}, {kI, 8, 5, 0, 0, 15, 2, 63, 0, 0},
+      {kC, 8, 5, 0, 0, 13, 1, 63, 0, 0}, {kC, 8, 5, 0, 0, 14, 2, 63, 0, 0}, {kInvP, 8, 5, 0, 0, 3, 35, 63, 0, 0},
+      {kInvP, 8, 4, 0, 0, -3, -27, 63, 0, 0}, {kInvP, 8, 31, 0, 0, -2047, -2048, 63, 0, 0},
+      {kInvP, 4, 1, 0, 0, 100, 127, 63, 0, 0}, {kInvP, 8, 5, 0, 15, 3, 35, 8, 0, 0},
+      {kInvP, 8, 5, 0, 16, 3, 3, 8, 0, 0}, {kInvP, 8, 5, 17, 0, -3, -37, 63, 0, 0},
+      {kInvI, 8, 5, 17, 1, -3, -31, 63, 0, 0}, {kInvP, 8, 5, 16, 0, 3, 35, 63, 3, 34},
+      {kInvP, 8, 5, 16, 0, 3, 35, 62, 3, 3}, {kInvP, 8, 5, 16, 5, 3, 3, 4, 0, 1}, {kInvI, 8, 5, 16, 1, 1, 10, 63, 0, 1},
+      {kInvI, 8, 5, 16, 0, 3, 30, 0, 7, 1}, {kInvC, 8, 5, 16, 0, 3, 27, 0, 7, 7}, {kInvI, 8, 5, 0, 0, 3, 30, 0, 7, 7},
+      {kInvI, 8, 5, 0, 0, 300, 2047, 1, 0, 0}};
+  // clang-format on
   for (const Case& c : cases) {
-    const Use u{c.form >= kInvInter,
-                c.form % 3 != 0,
-                c.depth,
-                c.qp,
-                Matrix(c.weight ? 64 : 0, static_cast<Mox8u>(c.weight)),
-                c.last,
-                c.form % 3 == 2};
+    const Use u{
+        c.form >= kInvP, c.form % 3 != 0, c.depth, c.qp, Matrix(c.weight ? 64 : 0, static_cast<Mox8u>(c.weight)),
+        c.last,          c.form % 3 == 2};
     Block block(64);
     block[63] = static_cast<Mox16s>(c.before63);
     block[c.at] = static_cast<Mox16s>(c.value);
