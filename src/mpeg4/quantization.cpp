@@ -2,6 +2,7 @@
 #include "frame/generation.hpp"
 #include "frame/state_record.hpp"
 #include "mpeg4/quantization_px.hpp"
+#include "mpeg4/quantization_vec.hpp"
 
 using namespace mox;
 

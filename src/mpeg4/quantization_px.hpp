@@ -138,7 +138,8 @@ inline void dequantize_uniform(Mox16s* block, Mox32s last, Mox32s qp, Coefficien
   }
 }
 
-/// With a matrix: the coefficients from 1 of an intra block, from 0 of an inter block, to `last`. Returns their sum.
+/// With a matrix: the coefficients from 1 of an intra block, from 0 of an inter block, to `last`. Returns their
+/// sum, or another number with its bit 0.
 template <bool kIntra>
 Mox32s dequantize_weighted(Mox16s* block, Mox32s last, const Mox16u* weights, Mox32s qp, CoefficientLimits limits) {
   Mox32s sum = 0;

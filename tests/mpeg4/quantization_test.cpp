@@ -222,8 +222,9 @@ TEST_P(Mpeg4Quantization, LiteralValues) {
     int depth, qp, weight, at, value, result, last, before63, after63;
   };
   // 98 * 6554 is 9.8 times 65536. Of weight 1 the reciprocal is too small: 10 counts as 159 sixteenths. 106 + 4 is 11
-  // times 10. Above 8 bits 950 / 200 and 1000 / 200; 50.5, and with 0.501 added 51.001. The scalers of the DC are 8 for
-  // 4, 10 and 9 for 5. Inverse with weight 17, 595 / 16 and 255 / 8 towards zero; a DC of 30 is even, 27 odd.
+  // times 10. Above 8 bits 950 / 200 and 1000 / 200; 50.5, and with 0.501 added 51.001; 237.99996, of which the
+  // roundings make 238, but only in the order told. The scalers of the DC are 8 for 4, 10 and 9 for 5. Inverse with
+  // weight 17, 595 / 16 and 255 / 8 towards zero; a DC of 30 is even, 27 odd.
   // clang-format off
   const Case cases[] = {
       {kP, 8, 1, 0, 0, -1, 0, 63, 0, 0}, {kP, 8, 1, 0, 0, -3, -1, 63, 0, 0}, {kP, 8, 1, 0, 0, -32768, -16384, 63, 0, 0},
@@ -232,7 +233,8 @@ TEST_P(Mpeg4Quantization, LiteralValues) {
       {kP, 8, 5, 16, 0, 106, 10, 63, 0, 0}, {kI, 8, 5, 16, 1, -106, -11, 63, 0, 0},
       {kP, 10, 100, 0, 0, -1000, -4, 63, 0, 0}, {kI, 10, 100, 0, 1, -1000, -5, 63, 0, 0},
       {kP, 10, 10, 16, 0, 1010, 50, 63, 0, 0}, {kI, 10, 10, 16, 1, -1010, -51, 63, 0, 0},
-      {kI, 12, 1, 0, 1, 32767, 2047, 63, 0, 0}, {kI, 8, 4, 0, 0, 3, 0, 63, 0, 0}, {kI, 8, 4, 0, 0, -4, -1, 63, 0, 0},
+      {kI, 10, 3, 161, 1, 14339, 238, 63, 0, 0}, {kI, 12, 1, 0, 1, 32767, 2047, 63, 0, 0},
+      {kI, 8, 4, 0, 0, 3, 0, 63, 0, 0}, {kI, 8, 4, 0, 0, -4, -1, 63, 0, 0},
       {kI, 8, 4, 16, 0, 32767, 2047, 63, 0, 0}, {kI, 8, 5, 16, 0, -14, -1, 63, 0, 0}, {kI, 8, 5, 0, 0, 15, 2, 63, 0, 0},
       {kC, 8, 5, 0, 0, 13, 1, 63, 0, 0}, {kC, 8, 5, 0, 0, 14, 2, 63, 0, 0}, {kInvP, 8, 5, 0, 0, 3, 35, 63, 0, 0},
       {kInvP, 8, 4, 0, 0, -3, -27, 63, 0, 0}, {kInvP, 8, 31, 0, 0, -2047, -2048, 63, 0, 0},
