@@ -107,8 +107,9 @@ MoxStatus moxiQuantIntra_MPEG4_16s_C1I(Mox16s* pCoeffs, const MoxiQuantFwdState*
   if (any_null(pCoeffs, pSpec, pCountNonZero)) return moxStsNullPointer;
   const MoxiQuantFwdState& state = *record_in(pSpec);
   if (const MoxStatus status = check(state, kIntraTag, qp)) return status;
-  pCoeffs[0] = active::quantize_dc(pCoeffs[0], active::dc_scaler(qp, blockType != 0));
-  *pCountNonZero = quantize<true>(pCoeffs, state, qp) + (pCoeffs[0] != 0);
+  const Mox16s dc = active::quantize_dc(pCoeffs[0], active::dc_scaler(qp, blockType != 0));
+  *pCountNonZero = quantize<true>(pCoeffs, state, qp) + (dc != 0);
+  pCoeffs[0] = dc;  // last, since vector loads would wait for it
   return moxStsOk;
 }
 
