@@ -55,7 +55,7 @@
  *  with a matrix those up to indexLast alone. An indexLast above 63 is taken as 63; below 0 no coefficient of an inter
  *  block is taken, below 1 none of an intra block but the DC. With a matrix mismatch control follows: if the sum of
  *  the results (of an intra block with its DC) is even, coefficient 63 changes from odd to the even value below, or
- *  from even to the odd value above. It is set to 1 instead in an intra block with indexLast below 1.
+ *  from even to the odd value above; but if the DC alone is taken and even, it is set to 1.
  *
  *  Status of block functions: null pointers, then the tag, then q; nothing is written then. */
 #ifndef MOXVC_MPEG4_QUANTIZATION_H

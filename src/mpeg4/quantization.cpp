@@ -109,7 +109,7 @@ MoxStatus moxiQuantIntra_MPEG4_16s_C1I(Mox16s* pCoeffs, const MoxiQuantFwdState*
   if (const MoxStatus status = check(state, kIntraTag, qp)) return status;
   const Mox16s dc = active::quantize_dc(pCoeffs[0], active::dc_scaler(qp, blockType != 0));
   *pCountNonZero = quantize<true>(pCoeffs, state, qp) + (dc != 0);
-  pCoeffs[0] = dc;  // last, since vector loads would wait for it
+  pCoeffs[0] = dc;  // last: vector loads would wait for it, and vector kernels write here
   return moxStsOk;
 }
 

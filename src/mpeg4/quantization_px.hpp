@@ -66,7 +66,7 @@ static_assert(dc_scaler(5, false) == 10 && dc_scaler(5, true) == 9 && dc_scaler(
 // ---- Forward. ----
 
 /// Coefficients from the first AC of an intra block, or from the first of an inter block, become level(x, index);
-/// returns the number of levels other than 0.
+/// returns the number of levels other than 0. The DC of an intra block is stored later, whatever becomes of it here.
 template <bool kIntra, class Level>
 Mox32s quantize_each(Mox16s* block, Level level) {
   Mox32s count = 0;

@@ -10,19 +10,14 @@ namespace mox::vec {
 
 // ---- Forward. ----
 
-/// Replaces each vector v of the magnitudes of a block by one(v, index of its first), gives the signs back, and keeps
-/// the DC of an intra block. Returns the number of results other than 0, without that DC.
+/// Replaces each vector v of the magnitudes of a block by one(v, index of its first), and gives the signs back. Returns
+/// the number of results other than 0, without the first one of an intra block: the DC, which is stored later.
 template <bool kIntra, class One>
 MOX_INLINE Mox32s quantize_magnitudes(Mox16s* block, One one) {
-  const Mox16s dc = *block;
-  Mox32s count = 64 - replace_and_count_zeros(block, [=](Coefficients v, int i) {
-                   return signed_by(simd::as<simd::s16>(one(simd::as<simd::u16>(abs(v)), i)), v);
-                 });
-  if (kIntra) {
-    count -= *block != 0;
-    *block = dc;
-  }
-  return count;
+  const Mox32s count = 64 - replace_and_count_zeros(block, [=](Coefficients v, int i) {
+                         return signed_by(simd::as<simd::s16>(one(simd::as<simd::u16>(abs(v)), i)), v);
+                       });
+  return kIntra ? count - (*block != 0) : count;
 }
 
 template <bool kIntra>

@@ -263,16 +263,13 @@ TEST_P(Mpeg4Quantization, LiteralValues) {
 }
 
 TEST_P(Mpeg4Quantization, Records) {
-  const auto size = [&](auto symbol) {
-    Mox32s bytes = -1;
-    EXPECT_EQ(lib(symbol)(&bytes), moxStsOk);
+  std::vector<Mox32s> sizes;
+  for (auto symbol : {MOX_FN(moxiQuantIntraGetSize_MPEG4), MOX_FN(moxiQuantInterGetSize_MPEG4),
+                      MOX_FN(moxiQuantInvIntraGetSize_MPEG4), MOX_FN(moxiQuantInvInterGetSize_MPEG4)}) {
+    EXPECT_EQ(lib(symbol)(&sizes.emplace_back(-1)), moxStsOk);
     EXPECT_EQ(lib(symbol)(nullptr), moxStsNullPointer);
-    return bytes;
-  };
-  EXPECT_EQ(size(MOX_FN(moxiQuantIntraGetSize_MPEG4)), 412);
-  EXPECT_EQ(size(MOX_FN(moxiQuantInterGetSize_MPEG4)), 412);
-  EXPECT_EQ(size(MOX_FN(moxiQuantInvIntraGetSize_MPEG4)), 156);
-  EXPECT_EQ(size(MOX_FN(moxiQuantInvInterGetSize_MPEG4)), 156);
+  }
+  EXPECT_EQ(sizes, (std::vector<Mox32s>{412, 412, 156, 156}));
   EXPECT_EQ(lib(MOX_FN(moxiQuantIntraInit_MPEG4))(nullptr, nullptr, 8), moxStsNullPointer);
   EXPECT_EQ(lib(MOX_FN(moxiQuantInterInit_MPEG4))(nullptr, nullptr, 8), moxStsNullPointer);
   EXPECT_EQ(lib(MOX_FN(moxiQuantInvIntraInit_MPEG4))(nullptr, nullptr, 13), moxStsNullPointer);
