@@ -33,11 +33,11 @@ constexpr QuantRule advanced_rule(Mox32s qp, bool isModified) {
   return {3 * qp >> 2, qp == 1 ? 32768 : 32767, isModified ? 32767 : 127};
 }
 
-/// Coefficients from `first` on. The number of levels other than 0.
-inline Mox32s quantize(Mox16s* block, int first, Mox32s qp, const QuantRule& rule) {
+/// All coefficients. The number of levels other than 0.
+inline Mox32s quantize(Mox16s* block, Mox32s qp, const QuantRule& rule) {
   const Mox32s reciprocal = _p_QuantInv[qp - 1];
   Mox32s count = 0;
-  for (int i = first; i < 64; ++i) {
+  for (int i = 0; i < 64; ++i) {
     const Mox32s x = block[i];
     const Mox32s magnitude = x == 0 ? 0 : clip(std::abs(x) + rule.offset, 0, rule.mostMagnitude);
     const Mox32s level = std::min(magnitude * reciprocal >> 16, rule.mostLevel);
@@ -51,21 +51,6 @@ inline Mox32s quantize(Mox16s* block, int first, Mox32s qp, const QuantRule& rul
 constexpr Mox16s quantize_dc(Mox16s dc) {
   const Mox32s level = (dc + 4) >> 3;
   return static_cast<Mox16s>(level == 0 ? 1 : level == 255 ? 254 : level);
-}
-
-inline MoxStatus quantize_inter(Mox16s* block, Mox32s qp, Mox32s* pCountNonZero, bool isModified) {
-  *pCountNonZero = quantize(block, 0, qp, inter_rule(qp, isModified));
-  return moxStsOk;
-}
-
-inline MoxStatus quantize_intra(Mox16s* block, Mox32s qp, Mox32s* pCountNonZero, bool isAdvanced, bool isModified) {
-  if (isAdvanced) {
-    *pCountNonZero = quantize(block, 0, qp, advanced_rule(qp, isModified));
-  } else {
-    block[0] = quantize_dc(block[0]);
-    *pCountNonZero = 1 + quantize(block, 1, qp, intra_rule(qp, isModified));
-  }
-  return moxStsOk;
 }
 
 /// The offset of inverse quantisation: results are odd.
@@ -90,22 +75,6 @@ inline void dequantize(Mox16s* block, Mox32s indexLast, const DequantRule& rule)
     const Mox32s value = sat16(wrap16(block[i] * rule.step) + sign * rule.offset);
     block[i] = static_cast<Mox16s>(clip(value, rule.low, rule.high));
   }
-}
-
-inline MoxStatus dequantize_inter(Mox16s* block, Mox32s indexLast, Mox32s qp, bool isModified) {
-  dequantize(block, indexLast, dequant_rule(qp, isModified));
-  return moxStsOk;
-}
-
-inline MoxStatus dequantize_intra(Mox16s* block, Mox32s indexLast, Mox32s qp, bool isAdvanced, bool isModified) {
-  if (isAdvanced) {
-    dequantize(block, indexLast, advanced_dequant_rule(qp));
-    return moxStsOk;
-  }
-  const Mox16s dc = block[0];
-  if (indexLast > 0) dequantize(block, indexLast, dequant_rule(qp, isModified));
-  block[0] = wrap16(8 * dc);
-  return moxStsOk;
 }
 
 }  // namespace mox::px

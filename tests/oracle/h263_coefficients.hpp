@@ -50,14 +50,12 @@ struct Coding {
   int qp = 0;  ///< 0: levels stay
   int cbp = 1;
 
-  bool has_dc() const { return intra && !advanced && qp != 0; }
   bool from_one() const { return intra && !advanced; }
+  bool has_dc() const { return from_one() && qp != 0; }
   int position(int index) const {
     if (qp != 0 && !advanced) return ownvc_Zigzag[index];
-    return scan == 0   ? ownvc_Zigzag[index]
-           : scan == 1 ? ownvc_AltScanV[index]
-           : scan == 2 ? ownvc_AltScanH[index]
-                       : index;
+    const ScanTable* const scans[] = {&ownvc_Zigzag, &ownvc_AltScanV, &ownvc_AltScanH};
+    return scan >= 0 && scan < 3 ? (*scans[scan])[index] : index;
   }
   Mox16s coefficient(int level) const {
     if (qp == 0) return static_cast<Mox16s>(level);
@@ -76,9 +74,7 @@ struct Decoded {
 /// Reads into `block`. The text must be longer than any block.
 inline Decoded decode(const Coding& coding, const std::string& text, const Block& block) {
   Decoded out{false, block, 0, -1};
-  const auto bits = [&](int n) {
-    return out.consumed += n, static_cast<int>(value_of(text.substr(out.consumed - n, n)));
-  };
+  const auto bits = [&](int n) { return static_cast<int>(value_of(text.substr((out.consumed += n) - n, n))); };
   const auto signed_bits = [&](int n) { return (bits(n) ^ 1 << (n - 1)) - (1 << (n - 1)); };
   if (coding.has_dc()) {
     const int dc = bits(8);
@@ -101,10 +97,9 @@ inline Decoded decode(const Coding& coding, const std::string& text, const Block
     if (length == 0 && text.compare(out.consumed, 7, "0000011") == 0) {
       bits(7);
       event = {bits(1), bits(6), signed_bits(8)};
-      if (event[2] == -128) {
-        const int low = coding.modified ? bits(5) : 0;
-        event[2] = coding.modified ? 32 * signed_bits(6) + low : 0;
-      }
+      const bool extended = event[2] == -128;
+      if (extended) event[2] = coding.modified ? bits(5) : 0;
+      if (extended && coding.modified) event[2] += 32 * signed_bits(6);
     }
     if (event[2] == 0 || out.last + event[1] + 1 > 63) break;
     out.last += event[1] + 1;
