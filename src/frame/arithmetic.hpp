@@ -12,6 +12,9 @@ constexpr Mox32s clip(Mox32s value, Mox32s low, Mox32s high) { return value < lo
 /// value limited to an 8-bit sample, 0..255.
 constexpr Mox8u clip8(Mox32s value) { return static_cast<Mox8u>(clip(value, 0, 255)); }
 
+/// -1, 0 or 1.
+constexpr Mox32s sign_of(Mox32s value) { return (value > 0) - (value < 0); }
+
 /// value limited to -32768..32767.
 constexpr Mox16s sat16(Mox32s value) { return static_cast<Mox16s>(clip(value, -32768, 32767)); }
 /// The low 16 bits of value as a signed number.

@@ -14,8 +14,6 @@ namespace mox::px {
 inline constexpr Mox32s kEndOfBlockRun = 254, kEscapeRun = 255;
 static_assert((kVlcUnused >> 8 & 0xFF) > 63);
 
-constexpr Mox32s sign_of(Mox32s value) { return (value > 0) - (value < 0); }
-
 struct RunAndLevel {
   Mox32s run, level;
 };

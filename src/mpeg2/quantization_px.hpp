@@ -6,12 +6,11 @@
 #include <cstdlib>
 
 #include "frame/arithmetic.hpp"
+#include "frame/levels.hpp"
 #include "frame/table.hpp"
 #include "moxvc/types.h"
 
 namespace mox::px {
-
-inline constexpr Mox32s kMostLevel = 2047;
 
 /// The default weights of intra blocks, raster order.
 inline constexpr std::array<Mox8u, 64> kIntraWeights = {8,  16, 19, 22, 26, 27, 29, 34, 16, 16, 22, 24, 27, 29, 34, 37,
@@ -71,7 +70,7 @@ inline void control_mismatch(Mox16s* block) {
   for (int i = 0; i < 64; ++i) lanes[i % 8] = sat16(lanes[i % 8] + block[i]);
   Mox32s parity = 0;
   for (Mox16s lane : lanes) parity ^= lane;
-  block[63] = static_cast<Mox16s>(block[63] ^ (~parity & 1));
+  make_sum_odd(block, parity);
 }
 
 inline MoxStatus dequantize_intra(Mox16s* block, Mox32s quantScale, const Mox16u* weights) {
@@ -100,7 +99,7 @@ inline MoxStatus dequantize_by_matrix(Mox16s* block, Mox32s quantScale, const Mo
 
 inline MoxStatus dequantize_flat(Mox16s* block, Mox32s quantScale) {
   for (int i = 0; i < 64; ++i) {
-    const Mox32s sign = (block[i] > 0) - (block[i] < 0);
+    const Mox32s sign = sign_of(block[i]);
     const Mox16s doubled = sat16(sat16(2 * block[i]) + sign);
     const Mox16s product = wrap16(mul32(doubled, quantScale));
     block[i] = static_cast<Mox16s>(clip(sat16(product + (sign < 0)) >> 1, -2048, 2047));
