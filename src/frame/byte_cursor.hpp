@@ -4,6 +4,8 @@
 /// that are consumed, for reading and writing alike.
 #pragma once
 
+#include <cstdint>
+
 #include "frame/access.hpp"
 #include "frame/bit_masks.hpp"
 #include "moxvc/types.h"
