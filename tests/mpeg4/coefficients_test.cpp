@@ -334,13 +334,10 @@ TEST_P(Mpeg4Coefficients, Reconstruction) {
     Mox16s levels[64];
     std::copy(expected.block.begin(), expected.block.end(), levels);
     MoxStatus status = px(MOX_FN(moxiQuantInvInter_MPEG4_16s_C1I))(expected.block.data(), 63, spec, qp);
-    const bool refused = status != moxStsOk && !t.reversible;
-    if (!expected.good && !refused) status = moxStsBadCode;
+    const bool refused = status != moxStsOk && !t.reversible, partial = !expected.good && !refused;
+    if (partial) status = moxStsBadCode;
     if (refused) expected.block = before_, expected.last = 777;
-    // No mismatch control behind an error.
-    if (!expected.good && !refused && levels[63] == 0) expected.block[63] = 0;
-    if (!expected.good && t.reversible) std::copy(levels, levels + 64, expected.block.begin());
-    const bool doubtful = !expected.good && !refused && levels[63] != 0 && weighted && !t.reversible;
+    if (partial && t.reversible) std::copy(levels, levels + 64, expected.block.begin());
     const Guarded<Mox8u> bytes((expected.tried + 7) / 8 + kPadding);
     fill(bytes, text);
     std::copy(before_.begin(), before_.end(), block_.begin());
@@ -351,7 +348,8 @@ TEST_P(Mpeg4Coefficients, Reconstruction) {
     ASSERT_EQ(lib(MOX_FN(moxiReconstructCoeffsInter_MPEG4_1u16s))(&byte, &at, block_.data(), &last, t.reversible, scan,
                                                                   spec, qp),
               status);
-    if (doubtful) block_[63] = expected.block[63];
+    // Behind an error there is no mismatch control.
+    if (partial) expected.block[63] = levels[63] == 0 ? Mox16s{0} : block_[63];
     ASSERT_EQ(block_.copy(), std::vector<Mox16s>(expected.block.begin(), expected.block.end()));
     ASSERT_EQ(last, expected.last);
     ASSERT_EQ((byte - bytes.data()) * 8 + at, expected.good && !refused ? expected.consumed : 0);
