@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "frame/scan_tables.hpp"
+#include "frame/table.hpp"
 #include "moxvc/types.h"
 
 namespace mox::px {
@@ -11,6 +12,14 @@ namespace mox::px {
 /// The table of a selector: 1 alternate vertical, 2 alternate horizontal, else zigzag.
 constexpr const ScanTable& scan_table(Mox32s scan) {
   return scan == 1 ? ownvc_AltScanV : scan == 2 ? ownvc_AltScanH : ownvc_Zigzag;
+}
+
+/// No scan: the positions of the array one by one.
+inline constexpr ScanTable kNoScan = make_table<64>([]<std::size_t I>() { return static_cast<Mox8u>(I); });
+
+/// The table of a selector: 0 zigzag, 1 alternate vertical, 2 alternate horizontal, else none.
+constexpr const ScanTable& scan_or_none(Mox32s scan) {
+  return scan == 0 ? ownvc_Zigzag : scan == 1 ? ownvc_AltScanV : scan == 2 ? ownvc_AltScanH : kNoScan;
 }
 
 /// From this count on, looking for the end costs more than copying the whole block.

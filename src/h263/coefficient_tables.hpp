@@ -134,8 +134,9 @@ struct TcoefCode {
 inline constexpr std::size_t kTcoefCodes = 102;
 
 /// The codes in the order of their text. Their number is checked below, with all else.
+template <std::size_t N = kTcoefCodes>
 constexpr auto encode_table(const LastRunLevelText& text) {
-  std::array<TcoefCode, kTcoefCodes> table{};
+  std::array<TcoefCode, N> table{};
   std::size_t row = 0;
   for_each_code(text, [&](Mox32u, Mox32u, Mox32u, Mox32u code, Mox32u length) {
     table[row++] = {static_cast<Mox16u>(2 * code), static_cast<Mox16u>(length + 1)};

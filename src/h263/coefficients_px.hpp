@@ -2,26 +2,16 @@
 #pragma once
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
 
 #include "frame/arithmetic.hpp"
 #include "frame/byte_cursor.hpp"
-#include "frame/scan_tables.hpp"
-#include "frame/table.hpp"
+#include "frame/scan_px.hpp"
 #include "h263/coefficient_tables.hpp"
 #include "h263/quantization_px.hpp"
 #include "moxvc/types.h"
 
 namespace mox::px {
-
-/// Selectors other than those of a scan: the positions of the array one by one.
-inline constexpr ScanTable kNoScan = make_table<64>([]<std::size_t I>() { return static_cast<Mox8u>(I); });
-
-/// The table of a selector: 0 zigzag, 1 alternate vertical, 2 alternate horizontal, else none.
-constexpr const ScanTable& scan_or_none(Mox32s scan) {
-  return scan == 0 ? ownvc_Zigzag : scan == 1 ? ownvc_AltScanV : scan == 2 ? ownvc_AltScanH : kNoScan;
-}
 
 /// What a code says: a level, and by how much the scan index goes up. Level 0: it was no code.
 struct Tcoef {

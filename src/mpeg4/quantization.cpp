@@ -8,14 +8,7 @@ using namespace mox;
 
 namespace {
 
-constexpr Mox32u kIntraTag = 0x434D4154, kInterTag = 0x434D4155, kInvIntraTag = 0x434D4152, kInvInterTag = 0x434D4153;
 static_assert(kRecordSize<MoxiQuantFwdState> == 412 && kRecordSize<MoxiQuantInvState> == 156);
-
-/// The greatest quantiser parameter; 0 for a depth that no function serves, so that none is accepted.
-constexpr Mox32s most_qp(Mox32s bitsPerPixel) {
-  using namespace active;
-  return outside(bitsPerPixel, kLeastDepth, kMostDepth) ? 0 : _p_QuantMax[bitsPerPixel - kLeastDepth];
-}
 
 template <class State>
 MoxStatus get_size(Mox32s* pSize) {
@@ -51,13 +44,6 @@ MoxStatus init(const Mox8u* pMatrix, State* pSpec, Mox32s bitsPerPixel, Mox32u t
   return moxStsOk;
 }
 
-template <class State>
-MoxStatus check(const State& state, Mox32u tag, Mox32s qp) {
-  if (state.tag != tag) return moxStsBadContext;
-  if (outside(qp, 1, most_qp(state.bitsPerPixel))) return moxStsBadQp;
-  return moxStsOk;
-}
-
 /// All but the DC of an intra block; returns the number of levels other than 0.
 template <bool kIntra>
 Mox32s quantize(Mox16s* pCoeffs, const MoxiQuantFwdState& state, Mox32s qp) {
@@ -67,10 +53,6 @@ Mox32s quantize(Mox16s* pCoeffs, const MoxiQuantFwdState& state, Mox32s qp) {
   }
   return state.hasMatrix ? active::quantize_weighted<kIntra>(pCoeffs, state, qp)
                          : active::quantize_uniform<kIntra>(pCoeffs, state, qp);
-}
-
-active::CoefficientLimits limits_of(const MoxiQuantInvState& state) {
-  return active::_p_QuantInvClip[state.bitsPerPixel - active::kLeastDepth];
 }
 
 /// Indices run to 63 at most, whatever the caller says.
@@ -85,28 +67,28 @@ MoxStatus moxiQuantInvInterGetSize_MPEG4(Mox32s* pSize) { return get_size<MoxiQu
 
 MoxStatus moxiQuantIntraInit_MPEG4(const Mox8u* pMatrix, MoxiQuantFwdState* pSpec, Mox32s bitsPerPixel) {
   if (any_null(pSpec)) return moxStsNullPointer;
-  return init(pMatrix, pSpec, bitsPerPixel, kIntraTag);
+  return init(pMatrix, pSpec, bitsPerPixel, active::kIntraTag);
 }
 MoxStatus moxiQuantInterInit_MPEG4(const Mox8u* pMatrix, MoxiQuantFwdState* pSpec, Mox32s bitsPerPixel) {
   if (any_null(pSpec)) return moxStsNullPointer;
-  return init(pMatrix, pSpec, bitsPerPixel, kInterTag);
+  return init(pMatrix, pSpec, bitsPerPixel, active::kInterTag);
 }
 MoxStatus moxiQuantInvIntraInit_MPEG4(const Mox8u* pMatrix, MoxiQuantInvState* pSpec, Mox32s bitsPerPixel) {
   if (any_null(pSpec)) return moxStsNullPointer;
   if (outside(bitsPerPixel, active::kLeastDepth, active::kMostDepth)) return moxStsOutOfRange;
-  return init(pMatrix, pSpec, bitsPerPixel, kInvIntraTag);
+  return init(pMatrix, pSpec, bitsPerPixel, active::kInvIntraTag);
 }
 MoxStatus moxiQuantInvInterInit_MPEG4(const Mox8u* pMatrix, MoxiQuantInvState* pSpec, Mox32s bitsPerPixel) {
   if (any_null(pSpec)) return moxStsNullPointer;
   if (outside(bitsPerPixel, active::kLeastDepth, active::kMostDepth)) return moxStsOutOfRange;
-  return init(pMatrix, pSpec, bitsPerPixel, kInvInterTag);
+  return init(pMatrix, pSpec, bitsPerPixel, active::kInvInterTag);
 }
 
 MoxStatus moxiQuantIntra_MPEG4_16s_C1I(Mox16s* pCoeffs, const MoxiQuantFwdState* pSpec, Mox32s qp,
                                        Mox32s* pCountNonZero, Mox32s blockType) {
   if (any_null(pCoeffs, pSpec, pCountNonZero)) return moxStsNullPointer;
   const MoxiQuantFwdState& state = *record_in(pSpec);
-  if (const MoxStatus status = check(state, kIntraTag, qp)) return status;
+  if (const MoxStatus status = active::check_state(state, active::kIntraTag, qp)) return status;
   const Mox16s dc = active::quantize_dc(pCoeffs[0], active::dc_scaler(qp, blockType != 0));
   *pCountNonZero = quantize<true>(pCoeffs, state, qp) + (dc != 0);
   pCoeffs[0] = dc;  // last: vector loads would wait for it, and vector kernels write here
@@ -117,7 +99,7 @@ MoxStatus moxiQuantInter_MPEG4_16s_C1I(Mox16s* pCoeffs, const MoxiQuantFwdState*
                                        Mox32s* pCountNonZero) {
   if (any_null(pCoeffs, pSpec, pCountNonZero)) return moxStsNullPointer;
   const MoxiQuantFwdState& state = *record_in(pSpec);
-  if (const MoxStatus status = check(state, kInterTag, qp)) return status;
+  if (const MoxStatus status = active::check_state(state, active::kInterTag, qp)) return status;
   *pCountNonZero = quantize<false>(pCoeffs, state, qp);
   return moxStsOk;
 }
@@ -126,8 +108,8 @@ MoxStatus moxiQuantInvIntra_MPEG4_16s_C1I(Mox16s* pCoeffs, Mox32s indexLast, con
                                           Mox32s blockType) {
   if (any_null(pCoeffs, pSpec)) return moxStsNullPointer;
   const MoxiQuantInvState& state = *record_in(pSpec);
-  if (const MoxStatus status = check(state, kInvIntraTag, qp)) return status;
-  const auto limits = limits_of(state);
+  if (const MoxStatus status = active::check_state(state, active::kInvIntraTag, qp)) return status;
+  const auto limits = active::limits_of(state);
   const Mox32s dc = clip(active::dc_scaler(qp, blockType != 0) * pCoeffs[0], limits.low, limits.high);
   if (indexLast < 1) {
     if (state.hasMatrix && dc % 2 == 0) pCoeffs[63] = 1;
@@ -145,8 +127,8 @@ MoxStatus moxiQuantInvInter_MPEG4_16s_C1I(Mox16s* pCoeffs, Mox32s indexLast, con
                                           Mox32s qp) {
   if (any_null(pCoeffs, pSpec)) return moxStsNullPointer;
   const MoxiQuantInvState& state = *record_in(pSpec);
-  if (const MoxStatus status = check(state, kInvInterTag, qp)) return status;
-  const auto limits = limits_of(state);
+  if (const MoxStatus status = active::check_state(state, active::kInvInterTag, qp)) return status;
+  const auto limits = active::limits_of(state);
   if (!state.hasMatrix) {
     active::dequantize_uniform(pCoeffs, last_in_block(indexLast), qp, limits);
     return moxStsOk;

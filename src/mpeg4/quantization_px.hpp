@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "frame/arguments.hpp"
 #include "frame/arithmetic.hpp"
 #include "frame/levels.hpp"
 #include "frame/table.hpp"
@@ -33,6 +34,9 @@ struct MoxiQuantInvState {
 
 namespace mox::px {
 
+inline constexpr Mox32u kIntraTag = 0x434D4154, kInterTag = 0x434D4155;
+inline constexpr Mox32u kInvIntraTag = 0x434D4152, kInvInterTag = 0x434D4153;
+
 inline constexpr Mox32s kLeastDepth = 4, kMostDepth = 12, kMostIntegerDepth = 8;
 
 /// [bits per pixel - 4]: the greatest quantiser parameter.
@@ -49,6 +53,19 @@ inline constexpr auto _p_QuantInvClip = make_table<9>([]<std::size_t I>() {
   return CoefficientLimits{static_cast<Mox16s>(-kLimit), static_cast<Mox16s>(kLimit - 1)};
 });
 static_assert(_p_QuantInvClip[0].high == 127 && _p_QuantInvClip[4].low == -2048 && _p_QuantInvClip[8].low == -32768);
+
+inline CoefficientLimits limits_of(const MoxiQuantInvState& state) {
+  return _p_QuantInvClip[state.bitsPerPixel - kLeastDepth];
+}
+
+/// Whether a record carries its tag, and its depth admits the quantiser parameter. A depth that no function serves
+/// admits none.
+template <class State>
+MoxStatus check_state(const State& state, Mox32u tag, Mox32s qp) {
+  if (state.tag != tag) return moxStsBadContext;
+  const bool served = !outside(state.bitsPerPixel, kLeastDepth, kMostDepth);
+  return served && !outside(qp, 1, _p_QuantMax[state.bitsPerPixel - kLeastDepth]) ? moxStsOk : moxStsBadQp;
+}
 
 /// [quantiser parameter - 1]: 65536 / (2 * parameter), rounded so that products with magnitudes are not too small.
 inline constexpr auto _p_QuantInv =
@@ -130,12 +147,20 @@ static_assert(quantize_dc(-3, 8) == 0 && quantize_dc(-4, 8) == -1 && quantize_dc
 
 // ---- Inverse. ----
 
+/// One level without a matrix.
+constexpr Mox16s uniform_coefficient(Mox32s level, Mox32s qp, CoefficientLimits limits) {
+  return static_cast<Mox16s>(clip(level * 2 * qp + sign_of(level) * (qp - (qp % 2 == 0)), limits.low, limits.high));
+}
+/// One level with a matrix.
+template <bool kIntra>
+constexpr Mox16s weighted_coefficient(Mox32s level, Mox32s weight, Mox32s qp, CoefficientLimits limits) {
+  const Mox32s doubled = 2 * level + (kIntra ? 0 : sign_of(level));
+  return static_cast<Mox16s>(std::clamp<long long>(1ll * doubled * weight * qp / 16, limits.low, limits.high));
+}
+
 /// Without a matrix: whole groups of 8 coefficients, up to the one that holds index `last`.
 inline void dequantize_uniform(Mox16s* block, Mox32s last, Mox32s qp, CoefficientLimits limits) {
-  const Mox32s odd = qp - (qp % 2 == 0);
-  for (int i = 0; i <= (last | 7); ++i) {
-    block[i] = static_cast<Mox16s>(clip(block[i] * 2 * qp + sign_of(block[i]) * odd, limits.low, limits.high));
-  }
+  for (int i = 0; i <= (last | 7); ++i) block[i] = uniform_coefficient(block[i], qp, limits);
 }
 
 /// With a matrix: the coefficients from 1 of an intra block, from 0 of an inter block, to `last`. Returns their
@@ -144,9 +169,7 @@ template <bool kIntra>
 Mox32s dequantize_weighted(Mox16s* block, Mox32s last, const Mox16u* weights, Mox32s qp, CoefficientLimits limits) {
   Mox32s sum = 0;
   for (int i = kIntra; i <= last; ++i) {
-    const Mox32s doubled = 2 * block[i] + (kIntra ? 0 : sign_of(block[i]));
-    const long long value = 1ll * doubled * weights[i] * qp / 16;
-    block[i] = static_cast<Mox16s>(std::clamp<long long>(value, limits.low, limits.high));
+    block[i] = weighted_coefficient<kIntra>(block[i], weights[i], qp, limits);
     sum += block[i];
   }
   return sum;
