@@ -64,9 +64,9 @@ class Mpeg4Warp : public PerGeneration {
                                                   result[0]->step(), &block, record.get()),
                 moxStsOk);
     } else {
-      ASSERT_EQ((portable ? px(chroma) : lib(chroma))(
-                    sprite[0]->at(0, 0), sprite[0]->step(), sprite[1]->at(0, 0), sprite[1]->step(), result[0]->at(0, 0),
-                    result[0]->step(), result[1]->at(0, 0), result[1]->step(), &block, record.get()),
+      ASSERT_EQ((portable ? px(chroma) : lib(chroma))(sprite[0]->at(0, 0), sprite[0]->step(), sprite[1]->at(0, 0),
+                                                      sprite[1]->step(), result[0]->at(0, 0), result[0]->step(),
+                                                      result[1]->at(0, 0), result[1]->step(), &block, record.get()),
                 moxStsOk);
     }
   }
@@ -76,7 +76,7 @@ class Mpeg4Warp : public PerGeneration {
     const int width = chroma ? w.sprite.width / 2 + w.sprite.width % 2 : w.sprite.width;
     const int height = chroma ? w.sprite.height / 2 + w.sprite.height % 2 : w.sprite.height;
     const Samples first = random_plane(random, width, height), second = random_plane(random, width, height);
-    const Samples result = random_plane(random, block.width, block.height), other = random_plane(random, 16, 16);
+    const Samples result = random_plane(random, block.width, block.height);
     const Samples otherResult(block.width, block.height, block.width + random(0, 9), random_placement(random));
     fill(first.memory(), kPatterns[random(0, 6)], random);
     random.fill(second.memory());
@@ -91,8 +91,8 @@ class Mpeg4Warp : public PerGeneration {
       for (int x = 0; x < block.width; ++x) {
         const oracle::Place place = expected->place(block.x + x, block.y + y, chroma);
         for (std::size_t i = 0; i < wants.size(); ++i) {
-          (*wants[i])(x, y) = static_cast<Mox8u>(oracle::sample(w, {place.x - 16 * xs, place.y - 16 * ys}, width,
-                                                                height, *sprites[i]));
+          (*wants[i])(x, y) =
+              static_cast<Mox8u>(oracle::sample(w, {place.x - 16 * xs, place.y - 16 * ys}, width, height, *sprites[i]));
         }
       }
     }
@@ -209,7 +209,8 @@ TEST_P(Mpeg4Warp, LiteralSamples) {
   };
   for (const Case& c : cases) {
     const Samples plane(16, 16, 16), other(16, 16, 16), result(1, 1, 1), otherResult(1, 1, 1);
-    for (int i = 0; i < 256; ++i) plane(i % 16, i / 16) = other(i % 16, i / 16) = static_cast<Mox8u>(i % 16 * 16 + i / 16);
+    for (int i = 0; i < 256; ++i)
+      plane(i % 16, i / 16) = other(i % 16, i / 16) = static_cast<Mox8u>(i % 16 * 16 + i / 16);
     const Record record;
     ASSERT_EQ(init(record, c.warp), moxStsOk);
     std::vector<const Samples*> sprites{&plane}, results{&result};
@@ -253,9 +254,9 @@ TEST_P(Mpeg4Warp, Brightness) {
     int change, before, after;
   };
   // Factors in 1/1024: 2048, 0, 1034, 512, -123, 17900.
-  const Case cases[] = {{100, 0, 0},    {100, 127, 254}, {100, 128, 255}, {-100, 255, 0}, {1, 50, 50},     {1, 100, 101},
-                        {-50, 255, 128}, {-50, 1, 1},    {-112, 0, 0},    {-112, 255, 0}, {1648, 14, 245}, {1648, 15, 255},
-                        {1648, 255, 255}, {0, 77, 77}};
+  const Case cases[] = {{100, 0, 0},     {100, 127, 254}, {100, 128, 255},  {-100, 255, 0}, {1, 50, 50},
+                        {1, 100, 101},   {-50, 255, 128}, {-50, 1, 1},      {-112, 0, 0},   {-112, 255, 0},
+                        {1648, 14, 245}, {1648, 15, 255}, {1648, 255, 255}, {0, 77, 77}};
   for (const Case& c : cases) {
     const Samples plane(21, 5, 24), want(21, 5, 24);
     for (int i = 0; i < 105; ++i) plane(i % 21, i / 21) = static_cast<Mox8u>(c.before);
@@ -279,20 +280,24 @@ TEST_P(Mpeg4Warp, Arguments) {
   };
   using Init = decltype(makeInit(0));
   const std::vector<Init::Fault> initFaults{
-      {moxStsNullPointer, set<0>(nullptr)},   {moxStsNullPointer, set<9>(nullptr)}, {moxStsNullPointer, set<10>(nullptr)},
-      {moxStsOutOfRange, set<3>(5)},          {moxStsOutOfRange, set<3>(-1)},       {moxStsOutOfRange, set<4>(2)},
-      {moxStsOutOfRange, set<5>(4)},          {moxStsOutOfRange, set<5>(-1)},       {moxStsOutOfRange, set<8>(0)},
-      {moxStsOutOfRange, set<8>(8)},          {moxStsBadSize, set<9>(&empty)},      {moxStsBadSize, set<10>(&narrow)},
-      {moxStsNullPointer, set<1>(nullptr)},   {moxStsNullPointer, set<2>(nullptr)}};
+      {moxStsNullPointer, set<0>(nullptr)}, {moxStsNullPointer, set<9>(nullptr)}, {moxStsNullPointer, set<10>(nullptr)},
+      {moxStsOutOfRange, set<3>(5)},        {moxStsOutOfRange, set<3>(-1)},       {moxStsOutOfRange, set<4>(2)},
+      {moxStsOutOfRange, set<5>(4)},        {moxStsOutOfRange, set<5>(-1)},       {moxStsOutOfRange, set<8>(0)},
+      {moxStsOutOfRange, set<8>(8)},        {moxStsBadSize, set<9>(&empty)},      {moxStsBadSize, set<10>(&narrow)},
+      {moxStsNullPointer, set<1>(nullptr)}, {moxStsNullPointer, set<2>(nullptr)}};
   makeInit(4).expect_order(initFaults);
-  EXPECT_TRUE(std::search(record.begin(), record.end(), "QAMC", "QAMC" + 4) != record.end());
+  constexpr std::string_view kTag = "QAMC";
+  EXPECT_NE(std::search(record.begin(), record.end(), kTag.begin(), kTag.end()), record.end());
   EXPECT_EQ(lib(MOX_FN(moxiWarpInit_MPEG4))(record.get(), nullptr, nullptr, 0, 2, 0, 1, 1, 1, &rect, &rect), moxStsOk);
 
   const Samples src(16, 16, 16), dst(16, 16, 16), dst2(16, 16, 16);
   MoxiMotionVector v{1, 2};
   MoxiWarpSpec *const spec = record.get(), *const bad = none.get();
-  Call{lib(MOX_FN(moxiCalcGlobalMV_MPEG4)), std::tuple{0, 0, &v, spec}}.keeps(&v, sizeof v).expect_order(
-      {{moxStsNullPointer, set<2>(nullptr)}, {moxStsNullPointer, set<3>(nullptr)}, {moxStsBadContext, set<3>(bad)}});
+  Call{lib(MOX_FN(moxiCalcGlobalMV_MPEG4)), std::tuple{0, 0, &v, spec}}
+      .keeps(&v, sizeof v)
+      .expect_order({{moxStsNullPointer, set<2>(nullptr)},
+                     {moxStsNullPointer, set<3>(nullptr)},
+                     {moxStsBadContext, set<3>(bad)}});
   Call{lib(MOX_FN(moxiWarpLuma_MPEG4_8u_C1R)), std::tuple{src.at(0, 0), 16, dst.at(0, 0), 16, &rect, spec}}
       .keeps(dst.at(0, 0), 256)
       .expect_order({{moxStsNullPointer, set<0>(nullptr)},
@@ -301,23 +306,26 @@ TEST_P(Mpeg4Warp, Arguments) {
                      {moxStsNullPointer, set<5>(nullptr)},
                      {moxStsBadContext, set<5>(bad)}});
   MoxiRect block{0, 0, 8, 8};
-  Call chroma{lib(MOX_FN(moxiWarpChroma_MPEG4_8u_P2R)), std::tuple{src.at(0, 0), 16, src.at(0, 0), 16, dst.at(0, 0), 16,
-                                                                    dst2.at(0, 0), 16, &block, spec}};
-  chroma.keeps(dst.at(0, 0), 256).keeps(dst2.at(0, 0), 256).expect_order({{moxStsNullPointer, set<0>(nullptr)},
-                                                                         {moxStsNullPointer, set<2>(nullptr)},
-                                                                         {moxStsNullPointer, set<4>(nullptr)},
-                                                                         {moxStsNullPointer, set<6>(nullptr)},
-                                                                         {moxStsNullPointer, set<8>(nullptr)},
-                                                                         {moxStsNullPointer, set<9>(nullptr)},
-                                                                         {moxStsBadContext, set<9>(bad)}});
+  Call chroma{lib(MOX_FN(moxiWarpChroma_MPEG4_8u_P2R)),
+              std::tuple{src.at(0, 0), 16, src.at(0, 0), 16, dst.at(0, 0), 16, dst2.at(0, 0), 16, &block, spec}};
+  chroma.keeps(dst.at(0, 0), 256)
+      .keeps(dst2.at(0, 0), 256)
+      .expect_order({{moxStsNullPointer, set<0>(nullptr)},
+                     {moxStsNullPointer, set<2>(nullptr)},
+                     {moxStsNullPointer, set<4>(nullptr)},
+                     {moxStsNullPointer, set<6>(nullptr)},
+                     {moxStsNullPointer, set<8>(nullptr)},
+                     {moxStsNullPointer, set<9>(nullptr)},
+                     {moxStsBadContext, set<9>(bad)}});
   for (const MoxiRect& nothing : {empty, narrow}) {
     const auto before = dst.copy();
     EXPECT_NO_FATAL_FAILURE(warp(record, nothing, {&src}, {&dst}));
     EXPECT_EQ(dst.copy(), before);
   }
   Call brightness{lib(MOX_FN(moxiChangeSpriteBrightness_MPEG4_8u_C1IR)), std::tuple{dst.at(0, 0), 16, 16, 16, 1648}};
-  brightness.keeps(dst.at(0, 0), 256).expect_order(
-      {{moxStsNullPointer, set<0>(nullptr)}, {moxStsOutOfRange, set<4>(-113)}, {moxStsOutOfRange, set<4>(1649)}});
+  brightness.keeps(dst.at(0, 0), 256)
+      .expect_order(
+          {{moxStsNullPointer, set<0>(nullptr)}, {moxStsOutOfRange, set<4>(-113)}, {moxStsOutOfRange, set<4>(1649)}});
 }
 
 MOX_INSTANTIATE_GENERATIONS(Mpeg4Warp);

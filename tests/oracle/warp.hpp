@@ -15,7 +15,7 @@ struct Warp {
   std::array<Mox32s, 4> du{}, dv{};
 };
 
-using Wide = __int128;
+__extension__ typedef __int128 Wide;
 inline Wide floor_div(Wide a, Wide b) { return a / b - (a % b != 0 && (a < 0) != (b < 0)); }
 /// Halves upwards, or away from zero.
 inline Wide nearest_up(Wide a, Wide b) { return floor_div(2 * a + b, 2 * b); }
@@ -132,7 +132,7 @@ class Warper {
 
 /// The sample at a place in 1/16, of samples that at(x, y) gives inside width x height.
 template <class At>
-int sample(const Warp& w, Place place, int width, int height, At at) {
+int sample(const Warp& w, Place place, int width, int height, const At& at) {
   const Wide column = floor_div(place.x, 16), row = floor_div(place.y, 16);
   const int fx = static_cast<int>(place.x - 16 * column), fy = static_cast<int>(place.y - 16 * row);
   int sum = 128 - (w.type != 1 && w.rounding ? 8 >> w.accuracy : 0);
