@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -18,15 +20,11 @@ namespace {
 using oracle::Warp;
 using Samples = Plane<Mox8u>;
 
-testing::Message describe(const Warp& w) {
-  testing::Message message;
-  message << "points " << w.points << ", type " << w.type << ", accuracy " << w.accuracy << ", rounding " << w.rounding
-          << ", quarter " << w.quarter << ", fcode " << w.fcode;
-  for (const MoxiRect& r : {w.sprite, w.vop}) {
-    message << ", " << r.width << "x" << r.height << " at " << r.x << "," << r.y;
-  }
-  for (int i = 0; i < 4; ++i) message << ", (" << w.du[i] << "," << w.dv[i] << ")";
-  return message;
+std::string describe(const Warp& w) {
+  const std::vector<Mox32s> numbers{w.points, w.type,     w.accuracy,  w.rounding,     w.quarter,
+                                    w.fcode,  w.sprite.x, w.sprite.y,  w.sprite.width, w.sprite.height,
+                                    w.vop.x,  w.vop.y,    w.vop.width, w.vop.height};
+  return testing::PrintToString(numbers) + testing::PrintToString(w.du) + testing::PrintToString(w.dv);
 }
 
 Placement random_placement(Random& random) {
@@ -57,18 +55,14 @@ class Mpeg4Warp : public PerGeneration {
   /// Warps a block of luma, or of two chroma planes. The record is shared by the generations.
   void warp(const Record& record, const MoxiRect& block, const std::vector<const Samples*>& sprite,
             const std::vector<const Samples*>& result, bool portable = false) {
-    const auto luma = MOX_FN(moxiWarpLuma_MPEG4_8u_C1R);
-    const auto chroma = MOX_FN(moxiWarpChroma_MPEG4_8u_P2R);
-    if (sprite.size() == 1) {
-      ASSERT_EQ((portable ? px(luma) : lib(luma))(sprite[0]->at(0, 0), sprite[0]->step(), result[0]->at(0, 0),
-                                                  result[0]->step(), &block, record.get()),
-                moxStsOk);
-    } else {
-      ASSERT_EQ((portable ? px(chroma) : lib(chroma))(sprite[0]->at(0, 0), sprite[0]->step(), sprite[1]->at(0, 0),
-                                                      sprite[1]->step(), result[0]->at(0, 0), result[0]->step(),
-                                                      result[1]->at(0, 0), result[1]->step(), &block, record.get()),
-                moxStsOk);
-    }
+    const auto pick = [&](auto symbol) { return portable ? px(symbol) : lib(symbol); };
+    const Samples &s = *sprite[0], &s2 = *sprite.back(), &d = *result[0], &d2 = *result.back();
+    const MoxStatus status =
+        sprite.size() == 1
+            ? pick(MOX_FN(moxiWarpLuma_MPEG4_8u_C1R))(s.at(0, 0), s.step(), d.at(0, 0), d.step(), &block, record.get())
+            : pick(MOX_FN(moxiWarpChroma_MPEG4_8u_P2R))(s.at(0, 0), s.step(), s2.at(0, 0), s2.step(), d.at(0, 0),
+                                                        d.step(), d2.at(0, 0), d2.step(), &block, record.get());
+    ASSERT_EQ(status, moxStsOk);
   }
   /// A block against the oracle, or, with none, against the portable generation.
   void expect_block(const Record& record, const Warp& w, const oracle::Warper* expected, bool chroma,
@@ -85,7 +79,7 @@ class Mpeg4Warp : public PerGeneration {
     std::vector<const Samples*> sprites{&first}, results{&result}, wants{&want};
     if (chroma) sprites.push_back(&second), results.push_back(&otherResult), wants.push_back(&otherWant);
     ASSERT_NO_FATAL_FAILURE(warp(record, block, sprites, results));
-    if (!expected) ASSERT_NO_FATAL_FAILURE(warp(record, block, sprites, wants, true));
+    if (!expected) warp(record, block, sprites, wants, true);
     const int xs = chroma ? w.sprite.x / 2 : w.sprite.x, ys = chroma ? w.sprite.y / 2 : w.sprite.y;
     for (int y = 0; expected && y < block.height; ++y) {
       for (int x = 0; x < block.width; ++x) {
@@ -217,7 +211,7 @@ TEST_P(Mpeg4Warp, LiteralSamples) {
     if (c.chroma) sprites.push_back(&other), results.push_back(&otherResult);
     ASSERT_NO_FATAL_FAILURE(warp(record, {c.x, c.y, 1, 1}, sprites, results));
     EXPECT_EQ(result(0, 0), c.result) << "case " << &c - cases;
-    if (c.chroma) EXPECT_EQ(otherResult(0, 0), c.result) << "case " << &c - cases;
+    EXPECT_EQ((*results.back())(0, 0), c.result) << "case " << &c - cases;
   }
 }
 
@@ -259,11 +253,19 @@ TEST_P(Mpeg4Warp, Brightness) {
                         {1648, 14, 245}, {1648, 15, 255}, {1648, 255, 255}, {0, 77, 77}};
   for (const Case& c : cases) {
     const Samples plane(21, 5, 24), want(21, 5, 24);
-    for (int i = 0; i < 105; ++i) plane(i % 21, i / 21) = static_cast<Mox8u>(c.before);
-    for (int i = 0; i < 105; ++i) want(i % 21, i / 21) = static_cast<Mox8u>(c.after);
+    for (int i = 0; i < 105; ++i) {
+      plane(i % 21, i / 21) = static_cast<Mox8u>(c.before);
+      want(i % 21, i / 21) = static_cast<Mox8u>(c.after);
+    }
     EXPECT_EQ(lib(MOX_FN(moxiChangeSpriteBrightness_MPEG4_8u_C1IR))(plane.at(0, 0), 24, 21, 5, c.change), moxStsOk);
     EXPECT_EQ(plane.copy(), want.copy()) << c.change << ": " << c.before;
   }
+}
+
+/// Null pointers, then a record without a tag.
+template <std::size_t kRecord, std::size_t... kPointers, class Function>
+void expect_record_order(Function call, MoxiWarpSpec* bad) {
+  call.expect_order({{moxStsNullPointer, set<kPointers>(nullptr)}..., {moxStsBadContext, set<kRecord>(bad)}});
 }
 
 TEST_P(Mpeg4Warp, Arguments) {
@@ -273,50 +275,33 @@ TEST_P(Mpeg4Warp, Arguments) {
   EXPECT_EQ(size, 384);
   MoxiRect rect{0, 0, 16, 16}, empty{0, 0, 16, 0}, narrow{0, 0, -1, 16};
   const Record record, none;
-  const auto makeInit = [&](int points) {
-    return Call{lib(MOX_FN(moxiWarpInit_MPEG4)),
-                std::tuple{record.get(), displacements, displacements, points, 1, 3, 0, 0, 7, &rect, &rect}}
-        .keeps(record.data(), 384);
-  };
-  using Init = decltype(makeInit(0));
-  const std::vector<Init::Fault> initFaults{
-      {moxStsNullPointer, set<0>(nullptr)}, {moxStsNullPointer, set<9>(nullptr)}, {moxStsNullPointer, set<10>(nullptr)},
-      {moxStsOutOfRange, set<3>(5)},        {moxStsOutOfRange, set<3>(-1)},       {moxStsOutOfRange, set<4>(2)},
-      {moxStsOutOfRange, set<5>(4)},        {moxStsOutOfRange, set<5>(-1)},       {moxStsOutOfRange, set<8>(0)},
-      {moxStsOutOfRange, set<8>(8)},        {moxStsBadSize, set<9>(&empty)},      {moxStsBadSize, set<10>(&narrow)},
-      {moxStsNullPointer, set<1>(nullptr)}, {moxStsNullPointer, set<2>(nullptr)}};
-  makeInit(4).expect_order(initFaults);
+  // clang-format off
+  Call{lib(MOX_FN(moxiWarpInit_MPEG4)),
+       std::tuple{record.get(), displacements, displacements, 4, 1, 3, 0, 0, 7, &rect, &rect}}
+      .keeps(record.data(), 384)
+      .expect_order({{moxStsNullPointer, set<0>(nullptr)}, {moxStsNullPointer, set<9>(nullptr)},
+                     {moxStsNullPointer, set<10>(nullptr)}, {moxStsOutOfRange, set<3>(5)}, {moxStsOutOfRange, set<3>(-1)},
+                     {moxStsOutOfRange, set<4>(2)}, {moxStsOutOfRange, set<5>(4)}, {moxStsOutOfRange, set<5>(-1)},
+                     {moxStsOutOfRange, set<8>(0)}, {moxStsOutOfRange, set<8>(8)}, {moxStsBadSize, set<9>(&empty)},
+                     {moxStsBadSize, set<10>(&narrow)}, {moxStsNullPointer, set<1>(nullptr)},
+                     {moxStsNullPointer, set<2>(nullptr)}});
+  // clang-format on
   constexpr std::string_view kTag = "QAMC";
   EXPECT_NE(std::search(record.begin(), record.end(), kTag.begin(), kTag.end()), record.end());
   EXPECT_EQ(lib(MOX_FN(moxiWarpInit_MPEG4))(record.get(), nullptr, nullptr, 0, 2, 0, 1, 1, 1, &rect, &rect), moxStsOk);
 
   const Samples src(16, 16, 16), dst(16, 16, 16), dst2(16, 16, 16);
+  Mox8u *const from = src.at(0, 0), *const to = dst.at(0, 0), *const to2 = dst2.at(0, 0);
   MoxiMotionVector v{1, 2};
   MoxiWarpSpec *const spec = record.get(), *const bad = none.get();
-  Call{lib(MOX_FN(moxiCalcGlobalMV_MPEG4)), std::tuple{0, 0, &v, spec}}
-      .keeps(&v, sizeof v)
-      .expect_order({{moxStsNullPointer, set<2>(nullptr)},
-                     {moxStsNullPointer, set<3>(nullptr)},
-                     {moxStsBadContext, set<3>(bad)}});
-  Call{lib(MOX_FN(moxiWarpLuma_MPEG4_8u_C1R)), std::tuple{src.at(0, 0), 16, dst.at(0, 0), 16, &rect, spec}}
-      .keeps(dst.at(0, 0), 256)
-      .expect_order({{moxStsNullPointer, set<0>(nullptr)},
-                     {moxStsNullPointer, set<2>(nullptr)},
-                     {moxStsNullPointer, set<4>(nullptr)},
-                     {moxStsNullPointer, set<5>(nullptr)},
-                     {moxStsBadContext, set<5>(bad)}});
-  MoxiRect block{0, 0, 8, 8};
-  Call chroma{lib(MOX_FN(moxiWarpChroma_MPEG4_8u_P2R)),
-              std::tuple{src.at(0, 0), 16, src.at(0, 0), 16, dst.at(0, 0), 16, dst2.at(0, 0), 16, &block, spec}};
-  chroma.keeps(dst.at(0, 0), 256)
-      .keeps(dst2.at(0, 0), 256)
-      .expect_order({{moxStsNullPointer, set<0>(nullptr)},
-                     {moxStsNullPointer, set<2>(nullptr)},
-                     {moxStsNullPointer, set<4>(nullptr)},
-                     {moxStsNullPointer, set<6>(nullptr)},
-                     {moxStsNullPointer, set<8>(nullptr)},
-                     {moxStsNullPointer, set<9>(nullptr)},
-                     {moxStsBadContext, set<9>(bad)}});
+  expect_record_order<3, 2, 3>(Call{lib(MOX_FN(moxiCalcGlobalMV_MPEG4)), std::tuple{0, 0, &v, spec}}.keeps(&v, 4), bad);
+  expect_record_order<5, 0, 2, 4, 5>(
+      Call{lib(MOX_FN(moxiWarpLuma_MPEG4_8u_C1R)), std::tuple{from, 16, to, 16, &rect, spec}}.keeps(to, 256), bad);
+  expect_record_order<9, 0, 2, 4, 6, 8, 9>(
+      Call{lib(MOX_FN(moxiWarpChroma_MPEG4_8u_P2R)), std::tuple{from, 16, from, 16, to, 16, to2, 16, &rect, spec}}
+          .keeps(to, 256)
+          .keeps(to2, 256),
+      bad);
   for (const MoxiRect& nothing : {empty, narrow}) {
     const auto before = dst.copy();
     EXPECT_NO_FATAL_FAILURE(warp(record, nothing, {&src}, {&dst}));
