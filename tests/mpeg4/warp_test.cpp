@@ -101,7 +101,7 @@ class Mpeg4Warp : public PerGeneration {
 Warp random_warp(Random& random) {
   Warp w{random(0, 4), random(0, 2), random(0, 3), random(0, 2), random(0, 1) * random(1, 9), random(1, 7), {}, {}};
   if (w.points == 4) w.type = 1;
-  const int most = random.chance(0.2) ? 4 : 48;
+  const int most = random.chance(0.2) ? 4 : 64;
   w.sprite = {random(-20, 20), random(-20, 20), random(1, most), random(1, most)};
   w.vop = {random(-9, 9), random(-9, 9), random(1, most), random(1, most)};
   // Four points stay a quarter of the VOP's size in place, so that nothing near it goes to infinity.
@@ -120,11 +120,17 @@ TEST_P(Mpeg4Warp, RandomBlocks) {
     const auto before = record.copy();
     const oracle::Warper expected(w);
     for (bool chroma : {false, true}) {
-      const int size = chroma ? 8 : 16, most = w.points == 4 ? 4 : 60;
-      MoxiRect block{random(-most, most), random(-most, most), size, size};
-      if (random.chance(0.4)) block = {w.sprite.x / 2 + random(0, 20), w.sprite.y / 2 + random(0, 20), size, size};
+      const int size = chroma ? 8 : 16, divisor = chroma ? 2 : 1, moved = w.points > 0;
+      MoxiRect block{random(-60, 60), random(-60, 60), size, size};
+      if (random.chance(0.5)) {  // mostly inside the sprite, if the first point moves all
+        block.x = (w.sprite.x - moved * w.du[0] / 2) / divisor + random(0, 16);
+        block.y = (w.sprite.y - moved * w.dv[0] / 2) / divisor + random(0, 16);
+      }
       if (random.chance(0.3)) block.width = random(1, 20), block.height = random(1, 20);
-      if (w.points == 4) block.width = std::min(block.width, w.vop.width), block.height = std::min(block.height, 9);
+      if (w.points == 4) {  // inside the VOP or next to it
+        block = {(w.vop.x + random(0, w.vop.width / 2)) / divisor, (w.vop.y + random(0, w.vop.height / 2)) / divisor,
+                 std::min(size, (w.vop.width + 1) / 2), std::min(size, (w.vop.height + 1) / 2)};
+      }
       ASSERT_NO_FATAL_FAILURE(expect_block(record, w, &expected, chroma, block, random));
     }
     if (w.points < 4) {
@@ -248,7 +254,7 @@ TEST_P(Mpeg4Warp, Brightness) {
     int change, before, after;
   };
   // Factors in 1/1024: 2048, 0, 1034, 512, -123, 17900.
-  const Case cases[] = {{100, 0, 0},     {100, 127, 254}, {100, 128, 255},  {-100, 255, 0}, {1, 50, 50},
+  const Case cases[] = {{100, 0, 0},     {100, 127, 254}, {100, 128, 255},  {-100, 255, 0}, {1, 51, 52},
                         {1, 100, 101},   {-50, 255, 128}, {-50, 1, 1},      {-112, 0, 0},   {-112, 255, 0},
                         {1648, 14, 245}, {1648, 15, 255}, {1648, 255, 255}, {0, 77, 77}};
   for (const Case& c : cases) {
