@@ -5,7 +5,7 @@
 #include <array>
 #include <string_view>
 
-#include "frame/scan_tables.hpp"
+#include "frame/scan_px.hpp"
 #include "moxvc/types.h"
 
 namespace mox {
@@ -149,13 +149,7 @@ inline constexpr auto h261_VLCTab = [] {
   return table;
 }();
 
-/// The scan of a block whose coefficients are not scanned.
-inline constexpr ScanTable kNoScan = [] {
-  ScanTable table{};
-  for (Mox8u i = 0; i < 64; ++i) table[i] = i;
-  return table;
-}();
 /// -1: no scan, else zigzag.
-constexpr const ScanTable& coefficient_scan(Mox32s scan) { return scan == -1 ? kNoScan : ownvc_Zigzag; }
+constexpr const ScanTable& coefficient_scan(Mox32s scan) { return scan == -1 ? px::kNoScan : ownvc_Zigzag; }
 
 }  // namespace mox

@@ -6,17 +6,12 @@
 #include <cstdlib>
 
 #include "frame/arithmetic.hpp"
-#include "frame/table.hpp"
+#include "frame/levels.hpp"
 #include "moxvc/types.h"
 
 namespace mox::px {
 
 inline constexpr Mox32s kMostQp = 31;
-
-/// [qp - 1]: reciprocal of the step 2 * qp in 16 bits, rounded upwards. Half of 1 to 32768 is exact by it, too.
-inline constexpr auto _p_QuantInv =
-    make_table<kMostQp>([]<std::size_t I>() { return static_cast<Mox32s>(65536 / (2 * (I + 1)) + 1); });
-static_assert(32767 * _p_QuantInv[0] >> 16 == 16383 && 32768 * _p_QuantInv[0] >> 16 == 16384);
 
 /// What is added to a magnitude other than 0 in front of the quantisation, and the limits behind both steps.
 struct QuantRule {

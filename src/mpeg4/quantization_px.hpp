@@ -67,11 +67,6 @@ MoxStatus check_state(const State& state, Mox32u tag, Mox32s qp) {
   return served && !outside(qp, 1, _p_QuantMax[state.bitsPerPixel - kLeastDepth]) ? moxStsOk : moxStsBadQp;
 }
 
-/// [quantiser parameter - 1]: 65536 / (2 * parameter), rounded so that products with magnitudes are not too small.
-inline constexpr auto _p_QuantInv =
-    make_table<31>([]<std::size_t I>() { return static_cast<Mox32s>(65536 / (2 * (I + 1)) + 1); });
-static_assert(_p_QuantInv[0] == 32769 && _p_QuantInv[30] == 1058);
-
 /// The scaler of the DC of an intra block.
 constexpr Mox32s dc_scaler(Mox32s qp, bool chroma) {
   if (qp <= 4) return 8;
