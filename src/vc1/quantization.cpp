@@ -3,6 +3,7 @@
 #include "frame/arguments.hpp"
 #include "frame/generation.hpp"
 #include "vc1/quantization_px.hpp"
+#include "vc1/quantization_vec.hpp"
 
 using namespace mox;
 

@@ -3,7 +3,9 @@
 #include "frame/arguments.hpp"
 #include "frame/generation.hpp"
 #include "vc1/hadamard_px.hpp"
+#include "vc1/hadamard_vec.hpp"
 #include "vc1/transform_px.hpp"
+#include "vc1/transform_vec.hpp"
 
 using namespace mox;
 
