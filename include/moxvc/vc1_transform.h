@@ -118,7 +118,7 @@ MOX_API MoxStatus moxiTransform4x4Fwd_VC1_16s_C1IR(Mox16s* pSrcDst, Mox32s srcDs
  *
  *  The sum is that of the magnitudes of the results, 32767 for -32768: a to h of each column add up to
  *  ((a + b) + (c + d)) + ((e + f) + (g + h)), where each sum is 32767 at most; the columns add up without limit, to
- *  262136 at most. Samples of 8 bits can reach the limit of a column.
+ *  262136 at most. No limit is reached by samples of 8 bits.
  *  @param[in]  pSrc    8x8 values
  *  @param      srcStep bytes
  *  @param[out] pDst    64 coefficients in raster order, without gaps; may be pSrc, or overlap it in any way
