@@ -500,6 +500,13 @@ MOX_INLINE Mox32s total(s32<1> v) {
 }
 MOX_WIDE(MOX_INLINE Mox32s total(s32<2> v) { return total(part<0>(v) + part<1>(v)); })
 
+/// Words shifted to the right by any number of bits.
+MOX_INLINE s16<1> shr(s16<1> v, int n) { return {_mm_sra_epi16(v.r, _mm_cvtsi32_si128(n))}; }
+MOX_WIDE(MOX_INLINE s16<2> shr(s16<2> v, int n) { return {_mm256_sra_epi16(v.r, _mm_cvtsi32_si128(n))}; })
+/// Bit i is the top bit of byte i.
+MOX_INLINE Mox32u top_bits(u8<1> v) { return static_cast<Mox32u>(_mm_movemask_epi8(v.r)); }
+MOX_WIDE(MOX_INLINE Mox32u top_bits(u8<2> v) { return static_cast<Mox32u>(_mm256_movemask_epi8(v.r)); })
+
 /// 4 floats a block, in a register of the others' type.
 template <int Blocks>
 struct f32 {

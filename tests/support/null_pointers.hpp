@@ -14,8 +14,8 @@
 namespace mox::test {
 
 /// Calls with a null pointer for each argument that is one, alone and with all later ones: moxStsNullPointer, and no
-/// memory written. Then a good call. All other arguments are `number`, such as a step; the pointer with the index
-/// `mayBeNull` is left out. Each pointer gets `bytes` bytes of its own. `later` are the faults tested after the
+/// memory written. Then a good call. All other arguments are `number`, such as a step, or 8 x 8; the pointer with the
+/// index `mayBeNull` is left out. Each pointer gets `bytes` bytes of its own. `later` are the faults tested after the
 /// pointers.
 template <class... Parameters>
 void expect_null_pointers(MoxStatus (*function)(Parameters...), int number, std::size_t bytes, int mayBeNull = -1,
@@ -30,6 +30,8 @@ void expect_null_pointers(MoxStatus (*function)(Parameters...), int number, std:
       memory[I].assign(bytes, 85);
       std::get<I>(good) = reinterpret_cast<Parameter>(memory[I].data());
       if (static_cast<int>(I) != mayBeNull) faults.push_back({moxStsNullPointer, set<I>(nullptr)});
+    } else if constexpr (std::is_same_v<Parameter, MoxiSize>) {
+      std::get<I>(good) = {8, 8};
     } else {
       std::get<I>(good) = static_cast<Parameter>(number);
     }
