@@ -1,0 +1,343 @@
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "moxvc.h"
+#include "oracle/vc1_interpolation.hpp"
+#include "support/call.hpp"
+#include "support/guarded.hpp"
+#include "support/library.hpp"
+#include "support/random.hpp"
+
+namespace mox::test {
+namespace {
+
+using QpParams = MoxiVC1InterpolationParams;
+using BlockParams = MoxiVC1ICInterpolationParams;
+
+/// A filter with its QP form and its block form, and the sizes that it takes with those that it writes.
+struct Form {
+  Symbol<MoxStatus(const QpParams*)> qp;
+  Symbol<MoxStatus(const BlockParams*)> block;
+  bool bicubic;
+  int channels;
+  struct Size {
+    MoxiSize asked, written;
+  };
+  std::vector<Size> sizes;
+
+  int before() const { return bicubic ? 1 : 0; }  ///< samples read on the left of a fraction
+  int after() const { return bicubic ? 2 : 1; }
+  int expected(const oracle::VC1Picture& picture, std::int64_t x, std::int64_t y, int dx, int dy, int rc) const {
+    return (bicubic ? oracle::vc1_bicubic : oracle::vc1_bilinear)(picture, x, y, dx, dy, rc);
+  }
+};
+
+const std::vector<Form>& forms() {
+  static const std::vector<Form> kForms = {
+      {MOX_FN(moxiInterpolateQPBicubic_VC1_8u_C1R),
+       MOX_FN(moxiInterpolateICBicubicBlock_VC1_8u_C1R),
+       true,
+       1,
+       {{{8, 8}, {8, 8}},
+        {{16, 8}, {16, 8}},
+        {{16, 16}, {16, 16}},
+        {{4, 4}, {8, 8}},
+        {{15, 15}, {8, 8}},
+        {{8, 16}, {16, 8}},
+        {{32, 8}, {16, 16}},
+        {{-1, 8}, {16, 16}}}},
+      {MOX_FN(moxiInterpolateQPBilinear_VC1_8u_C1R),
+       MOX_FN(moxiInterpolateICBilinearBlock_VC1_8u_C1R),
+       false,
+       1,
+       {{{16, 16}, {16, 16}},
+        {{8, 8}, {8, 8}},
+        {{8, 4}, {8, 4}},
+        {{4, 4}, {4, 4}},
+        {{16, 8}, {16, 16}},
+        {{8, 16}, {8, 4}},
+        {{4, 8}, {4, 4}},
+        {{17, 16}, {4, 4}}}},
+      {MOX_FN(moxiInterpolateQPBilinear_VC1_8u_C2R),
+       MOX_FN(moxiInterpolateICBilinearBlock_VC1_8u_C2R),
+       false,
+       2,
+       {{{8, 8}, {8, 8}}, {{8, 4}, {8, 4}}, {{4, 4}, {4, 4}}, {{8, 16}, {8, 4}}, {{4, 8}, {4, 4}}, {{16, 16}, {4, 4}}}},
+  };
+  return kForms;
+}
+
+class VC1Interpolation : public PerGeneration {
+ protected:
+  /// Calls a block form and compares the block with the oracle; beside it only the padding is compared.
+  void check_block(const Form& form, BlockParams a, const Form::Size& size) const {
+    const int width = size.written.width * form.channels, step = width + 3;
+    const Plane<Mox8u> to(width, size.written.height, step), expected(width, size.written.height, step);
+    a.pDst = to.at(0, 0), a.dstStep = step, a.blockSize = size.asked;
+    ASSERT_EQ(lib(form.block)(&a), moxStsOk);
+    expected.assign(to);
+    for (int i = 0; i < form.channels; ++i) {
+      const oracle::VC1Picture picture = oracle::VC1PaddedPicture(a, form.channels, i);
+      for (int y = 0; y < size.asked.height; ++y) {
+        for (int x = 0; x < size.asked.width; ++x) {
+          expected(x * form.channels + i, y) =
+              static_cast<Mox8u>(form.expected(picture, std::int64_t{a.blockPos.x} / form.channels + x,
+                                               std::int64_t{a.blockPos.y} + y, a.dx, a.dy, a.roundControl));
+        }
+      }
+    }
+    ASSERT_EQ(to.copy(), expected.copy())
+        << form.block.name << " block " << a.blockSize.width << "x" << a.blockSize.height << " at " << a.blockPos.x
+        << ", " << a.blockPos.y << " of " << a.frameSize.width << "x" << a.frameSize.height << ", position " << a.dx
+        << a.dy << ", interlaced " << a.isInterlacedRef << ", field " << a.isFieldPicture << ", bottom "
+        << a.isBottomField << ", tables " << (a.pLUTTop != nullptr) << (a.pLUTBottom != nullptr);
+  }
+};
+
+/// Every size, position and rounding, on planes of exactly the samples that may be read.
+TEST_P(VC1Interpolation, EqualsOracle) {
+  Random random;
+  for (const Form& form : forms()) {
+    for (const auto& size : form.sizes) {
+      for (int i = 0; i < 32 * 9; ++i) {
+        const int dx = i & 3, dy = i >> 2 & 3, rc = i >> 4 & 1, left = dx ? form.before() : 0,
+                  top = dy ? form.before() : 0;
+        const int c = form.channels, width = c * size.written.width, height = size.written.height;
+        const int columns = width + c * (dx ? form.before() + form.after() : 0);
+        const int rows = height + (dy ? form.before() + form.after() : 0);
+        const int step = (random.chance(0.5) ? 1 : -1) * (columns + random(0, 40)), toStep = width + random(0, 9);
+        const Plane<Mox8u> from(columns, rows, step, random.chance(0.5) ? Placement::at_end() : Placement::at_start());
+        const Plane<Mox8u> to(width, height, toStep, Placement::aligned(i % 16)), expected(width, height, toStep);
+        fill(from.memory(), kPatterns[i / 32 % std::size(kPatterns)], random);
+        for (int channel = 0; channel < c; ++channel) {
+          const auto picture = [&](std::int64_t x, std::int64_t y) -> int {
+            return from(static_cast<int>(x) * c + channel, static_cast<int>(y));
+          };
+          for (int y = 0; y < height; ++y) {
+            for (int x = 0; x < size.written.width; ++x) {
+              expected(x * c + channel, y) = static_cast<Mox8u>(form.expected(picture, x + left, y + top, dx, dy, rc));
+            }
+          }
+        }
+        const QpParams a = {from.at(left * c, top), step, to.at(0, 0), toStep, dx, dy, size.asked, rc};
+        ASSERT_EQ(lib(form.qp)(&a), moxStsOk);
+        ASSERT_EQ(to.copy(), expected.copy()) << form.qp.name << " " << size.asked.width << "x" << size.asked.height
+                                              << ", position " << dx << dy << ", rounding " << rc << ", round " << i;
+      }
+    }
+  }
+}
+
+/// By hand. The samples of a row, or with `down` of a column, come again every four; the first stands at -1.
+TEST_P(VC1Interpolation, LiteralSamples) {
+  struct Case {
+    const char* what;
+    int form, dx, dy;
+    bool down;
+    Mox8u samples[4];
+    Mox8u expected[2];  ///< by rounding control
+  };
+  constexpr Case kCases[] = {
+      {"half, alternating columns: 2040 / 16", 0, 2, 0, false, {255, 0, 255, 0}, {128, 127}},
+      {"half, alternating rows: 2040 / 16", 0, 0, 2, true, {255, 0, 255, 0}, {127, 128}},
+      {"quarter, 53 * 32 / 64 = 26.5", 0, 1, 0, false, {0, 32, 0, 0}, {27, 26}},
+      {"quarter down, the same", 0, 0, 1, true, {0, 32, 0, 0}, {26, 27}},
+      {"three quarters, (18 * 16 + 53 * 8 - 4 * 2) / 64 = 11", 0, 3, 0, false, {0, 16, 8, 2}, {11, 11}},
+      {"below 0", 0, 2, 0, false, {255, 0, 0, 255}, {0, 0}},
+      {"above 255", 0, 0, 2, true, {0, 255, 255, 0}, {255, 255}},
+      {"both quarters: t = 53 * 255 / 32 = 422, 64 t / 128", 0, 1, 1, true, {0, 255, 0, 0}, {211, 211}},
+      {"both halves: t = (9 * 11 - 1 + R) / 2 = 49, 16 t / 128 = 6.1", 0, 2, 2, true, {0, 11, 0, 0}, {6, 6}},
+      {"whole sample", 1, 0, 0, false, {0, 77, 255, 0}, {77, 77}},
+      {"(3 * 1 + 7) / 4 = 2.5", 1, 1, 0, false, {0, 1, 7, 0}, {3, 2}},
+      {"(1 + 3 * 3) / 4 = 2.5, in pairs", 2, 0, 3, true, {0, 1, 3, 0}, {3, 2}},
+      {"half of 255, in pairs", 2, 2, 2, true, {0, 0, 255, 9}, {128, 127}},
+  };
+  for (const Case& c : kCases) {
+    for (int rc : {0, 1}) {
+      const int channels = forms()[c.form].channels;
+      const Plane<Mox8u> from(11 * channels, 11, 11 * channels), to(8 * channels, 8, 8 * channels);
+      for (int y = 0; y < 11; ++y) {
+        for (int x = 0; x < 11 * channels; ++x) from(x, y) = c.samples[(c.down ? y : x / channels) % 4];
+      }
+      const QpParams a = {from.at(channels, 1), from.step(), to.at(0, 0), to.step(), c.dx, c.dy, {8, 8}, rc};
+      EXPECT_EQ(lib(forms()[c.form].qp)(&a), moxStsOk);
+      for (int i : {0, 4}) {
+        EXPECT_EQ(to(i * channels, 0), c.expected[rc]) << c.what << ", " << i << " to the right";
+        if (c.down) {
+          EXPECT_EQ(to(0, i), c.expected[rc]) << c.what << ", " << i << " below";
+        }
+      }
+    }
+  }
+}
+
+/// Only the two lowest bits of a bilinear position and the lowest of its rounding count.
+TEST_P(VC1Interpolation, BilinearMasks) {
+  Random random;
+  const Plane<Mox8u> from(18, 9, 18), to(16, 8, 16), masked(16, 8, 16);
+  random.fill(from.memory());
+  for (std::size_t form : {1u, 2u}) {
+    for (int bits : {4, -4, 1 << 30}) {
+      const QpParams good = {from.at(0, 0), 18, to.at(0, 0), 16, 1, 2, {8, 8}, 1};
+      QpParams wide = good;
+      wide.pDst = masked.at(0, 0), wide.dx += bits, wide.dy += bits, wide.roundControl += bits;
+      EXPECT_EQ(lib(forms()[form].qp)(&good), moxStsOk);
+      EXPECT_EQ(lib(forms()[form].qp)(&wide), moxStsOk);
+      EXPECT_EQ(to.copy(), masked.copy()) << bits;
+    }
+  }
+}
+
+/// Blocks on, around and far from every edge of frames and fields of any size, with all tables; the planes end where
+/// the frame does.
+TEST_P(VC1Interpolation, BlocksEqualPaddedPlane) {
+  constexpr int kFar = std::numeric_limits<int>::max();
+  Random random;
+  Guarded<Mox8u> top(256), bottom(256, Placement::at_start());
+  random.fill(std::span(top.data(), 256)), random.fill(std::span(bottom.data(), 256));
+  for (const Form& form : forms()) {
+    for (int i = 0; i < 6000; ++i) {
+      const Form::Size& size = form.sizes[random.bits() % (form.bicubic ? 4 : form.channels == 1 ? 4 : 3)];
+      BlockParams a = {};
+      a.frameSize = {random(1, 40), random(2, 24) * 2 - static_cast<int>(random.chance(0.1))};
+      a.isInterlacedRef = random(0, 1) * 5, a.isFieldPicture = random(0, 1) * 5, a.isBottomField = random(0, 1);
+      a.dx = random(0, 3), a.dy = random(0, 3), a.roundControl = random(0, 1);
+      if (random.chance(0.6)) a.pLUTTop = top.data();
+      if (random.chance(0.6)) a.pLUTBottom = bottom.data();
+      // A kernel larger than its block goes through the window only.
+      if (size.asked.width < size.written.width) a.pLUTTop = top.data();
+      const int rows = a.isFieldPicture ? a.frameSize.height / 2 : a.frameSize.height;
+      const int x = random(-25, a.frameSize.width + 6), y = random(-25, rows + 6);
+      a.blockPos = {random.chance(0.02)   ? kFar - 1
+                    : random.chance(0.02) ? -kFar - 1
+                                          : x * form.channels,
+                    random.chance(0.02)   ? kFar
+                    : random.chance(0.02) ? -kFar - 1
+                                          : y};
+      // A frame whose record names the bottom field starts at its second line.
+      const int width = a.frameSize.width * form.channels,
+                lines = a.frameSize.height + (a.isFieldPicture ? 0 : a.isBottomField);
+      const int step = (random.chance(0.5) ? 1 : -1) * (width + random(0, 30));
+      const Plane<Mox8u> plane(width, lines, step, random.chance(0.5) ? Placement::at_end() : Placement::at_start());
+      random.fill(plane.memory());
+      a.pSrc = plane.at(0, a.isBottomField), a.srcStep = step;
+      check_block(form, a, size);
+      if (HasFatalFailure()) return;
+    }
+  }
+}
+
+/// In an interlaced reference, rows 1, 0, 1 stand above row 0, and H - 2, H - 1 below the last one. The bottom padding
+/// of a progressive frame goes through the table of the window's second row.
+TEST_P(VC1Interpolation, LiteralPadding) {
+  const Plane<Mox8u> plane(8, 16, 8), to(8, 8, 8);
+  Mox8u tables[2][256];
+  for (int i = 0; i < 256; ++i) tables[0][i] = static_cast<Mox8u>(i + 100), tables[1][i] = static_cast<Mox8u>(i + 200);
+  for (int y = 0; y < 16; ++y) std::fill_n(plane.at(0, y), 8, static_cast<Mox8u>(y));
+  struct Case {
+    int interlaced, field, bottom, y;
+    std::vector<int> column;  ///< of the block
+  };
+  const Case kCases[] = {
+      {1, 0, 0, -3, {201, 100, 201, 100, 201, 102, 203, 104}}, {1, 0, 0, 13, {213, 114, 215, 114, 215, 114, 215, 114}},
+      {1, 1, 1, -2, {100, 100, 201, 203, 205, 207, 209, 211}}, {1, 1, 0, 5, {110, 112, 114, 215, 215, 215, 215, 215}},
+      {0, 0, 0, -1, {100, 100, 201, 102, 203, 104, 205, 106}}, {0, 0, 0, 13, {213, 114, 215, 215, 215, 215, 215, 215}},
+      {0, 0, 0, 14, {114, 215, 115, 115, 115, 115, 115, 115}}, {0, 1, 1, 6, {213, 215, 215, 215, 215, 215, 215, 215}},
+  };
+  for (const Case& c : kCases) {
+    const BlockParams a = {plane.at(0, c.field ? c.bottom : 0),
+                           8,
+                           to.at(0, 0),
+                           8,
+                           tables[0],
+                           tables[1],
+                           {8, 16},
+                           {8, 8},
+                           {1, c.y},
+                           0,
+                           0,
+                           c.interlaced,
+                           c.field,
+                           0,
+                           c.bottom};
+    EXPECT_EQ(lib(forms()[0].block)(&a), moxStsOk);
+    std::vector<int> column;
+    for (int y = 0; y < 8; ++y) column.push_back(to(3, y));
+    EXPECT_EQ(column, c.column) << c.interlaced << c.field << c.bottom << ", row " << c.y;
+  }
+}
+
+/// A block whose surroundings lie in the plane is interpolated there: what the kernel does beside the block shows it.
+TEST_P(VC1Interpolation, BlocksInPlace) {
+  Random random;
+  for (const Form& form : forms()) {
+    const int c = form.channels;
+    const MoxiSize asked = form.bicubic ? MoxiSize{4, 4} : MoxiSize{2, 2}, frame = {20, 24};
+    const Plane<Mox8u> plane(c * 40, 48, c * 40), to(c * 8, 8, c * 8), expected(c * 8, 8, c * 8);
+    random.fill(plane.memory());
+    for (int field : {0, 1}) {
+      const int rows = frame.height >> field, right = frame.width - asked.width - 2, low = rows - asked.height - 2;
+      for (MoxiPoint at : {MoxiPoint{1, 1}, MoxiPoint{right, 1}, MoxiPoint{1, low}, MoxiPoint{right, low}}) {
+        at.x *= c;
+        const BlockParams a = {plane.at(0, field),
+                               plane.step(),
+                               to.at(0, 0),
+                               to.step(),
+                               nullptr,
+                               nullptr,
+                               frame,
+                               asked,
+                               at,
+                               3,
+                               1,
+                               0,
+                               field,
+                               1,
+                               field};
+        const QpParams in_place = {plane.at(at.x, field + (at.y << field)),
+                                   plane.step() << field,
+                                   expected.at(0, 0),
+                                   to.step(),
+                                   3,
+                                   1,
+                                   asked,
+                                   1};
+        EXPECT_EQ(lib(form.block)(&a), moxStsOk);
+        EXPECT_EQ(lib(form.qp)(&in_place), moxStsOk);
+        EXPECT_EQ(to.copy(), expected.copy())
+            << form.block.name << " at " << at.x << ", " << at.y << ", field " << field;
+      }
+    }
+  }
+}
+
+TEST_P(VC1Interpolation, Arguments) {
+  const Plane<Mox8u> from(64, 32, 64), to(32, 16, 32);
+  const QpParams qp = {from.at(8, 8), 64, to.at(0, 0), 32, 1, 1, {8, 8}, 0};
+  const BlockParams block = {from.at(0, 0), 64, to.at(0, 0), 32, nullptr, nullptr, {32, 32}, {8, 8},
+                             {8, 8},        1,  1,           0,  0,       0,       0};
+  const auto expect = [&]<class Record>(auto symbol, const Record& good, bool testsRecord) {
+    using C = Call<const Record*>;
+    std::vector<typename C::Fault> faults;
+    if (testsRecord) {
+      // Nothing can be wrong in a record that is not there.
+      EXPECT_EQ(lib(symbol)(nullptr), moxStsNullPointer) << symbol.name;
+    }
+    faults.push_back({moxStsNullPointer, set_field<0>(&Record::pSrc, nullptr)});
+    faults.push_back({moxStsNullPointer, set_field<0>(&Record::pDst, nullptr)});
+    C(lib(symbol), std::tuple{&good}).keeps(to.at(0, 0), to.memory().size()).expect_order(faults);
+  };
+  for (const Form& form : forms()) {
+    expect(form.qp, qp, !form.bicubic);
+    expect(form.block, block, true);
+  }
+}
+
+MOX_INSTANTIATE_GENERATIONS(VC1Interpolation);
+
+}  // namespace
+}  // namespace mox::test
