@@ -9,56 +9,55 @@
  *  macroblock, a Chroma form on 8. Which edges to filter, and in what order, is for the caller to say; two edges that
  *  share samples must not be filtered at the same time.
  *
- *  Deblocking, in place. An edge is cut into segments of 4 lines; segment i holds the lines 4 i to 4 i + 3. Bit i of
- *  `segmentMask` asks for segment i: bits 0 to 3 in luma, 0 and 1 in chroma. In C2IR forms, on interleaved pairs, bits
- * 0 and 1 are the segments of the first channel and bits 2 and 3 those of the second. Of a line P1 P2 P3 P4 | P5 P6 P7
- * P8, with / towards zero:
+ *  Deblocking, in place. Segment i of an edge holds its lines 4 i to 4 i + 3, and bit i of `segmentMask` asks for it:
+ *  bits 0 to 3 in luma, 0 and 1 in chroma. In C2IR forms, on interleaved pairs, bits 0 and 1 ask for the segments of
+ *  the first channel, bits 2 and 3 for those of the second. Of a line P1 P2 P3 P4 | P5 P6 P7 P8, with / towards zero:
  *
  *      a0 = (2 (P3 - P6) - 5 (P4 - P5) + 4) >> 3
  *      a1 = (2 (P1 - P4) - 5 (P2 - P3) + 4) >> 3
  *      a2 = (2 (P5 - P8) - 5 (P6 - P7) + 4) >> 3
  *      a3 = min(|a1|, |a2|)
  *      c  = (P4 - P5) / 2
+ *      d  = 5 (a3 - a0) / 8 if a0 > 0, 5 (-a3 - a0) / 8 if a0 < 0, limited to the range between 0 and c
  *
- *  The line is a candidate if |a0| < pquant, a3 < |a0| and c is not 0. Then d = 5 (s a3 - a0) / 8, with s the sign of
- *  a0, is limited to the range between 0 and c, and P4' = P4 - d, P5' = P5 + d. No other sample changes. The third line
- * of a segment decides: if it is no candidate, the segment stays as it is; otherwise the candidates among its four
- * lines are filtered. (The third line decides even where its d is limited to 0.)
+ *  A line is a candidate if |a0| < pquant, a3 < |a0| and c is not 0. Its samples become P4' = P4 - d, P5' = P5 + d, no
+ *  others change. The third line of a segment decides: if it is no candidate, the segment stays as it is, otherwise
+ *  the candidates among its four lines change. It decides even where its own d is limited to 0.
  *
- *  Overlap smoothing, on samples of intra blocks before 128 is added, in 16 bits. A line x0 x1 | x2 x3 becomes
+ *  Overlap smoothing, of samples of intra blocks before 128 is added, in 16 bits. A line x0 x1 | x2 x3 becomes
  *
- *      y0 = ( 7 x0           +   x3 + r) >> 3
- *      y1 = (  -x0 + 7 x1 + x2 + x3 + q) >> 3
- *      y2 = (   x0 + x1 + 7 x2 - x3 + r) >> 3
- *      y3 = (   x0           + 7 x3 + q) >> 3
+ *      y0 = (7 x0 + x3 + r) >> 3
+ *      y1 = (-x0 + 7 x1 + x2 + x3 + q) >> 3
+ *      y2 = (x0 + x1 + 7 x2 - x3 + r) >> 3
+ *      y3 = (x0 + 7 x3 + q) >> 3
  *
- *  with r = 4, q = 3 in even lines and r = 3, q = 4 in odd ones. A sum keeps its low 16 bits, which are all it has for
- *  samples of -3276..3276; those of a stream are smaller. The samples lie in a 16-bit plane, or in a strip of it that
- *  holds the macroblock and its neighbours. The new ones are written back to it, and also to the 8-bit picture at
- *  `pDst` with 128 added and limited to 0..255. So a decoder
+ *  with r = 4, q = 3 in even lines and r = 3, q = 4 in odd ones. Of a sum the low 16 bits are kept, as a signed number:
+ *  all of it for samples of -3276..3276, and those of a stream are smaller. The samples lie in a 16-bit plane, or in a
+ *  strip that holds a macroblock and its neighbours. The new ones are written back to it and, with 128 added and
+ *  limited to 0..255, to the 8-bit picture at `pDst`. So a decoder
  *
- *  1. stores each block of a macroblock in both: the residual, and the picture (moxiAdd8x8_16s8u_C1IRS on 128, say);
- *  2. smooths the vertical edges between intra blocks, the one to the macroblock on the left and the inner ones;
- *  3. smooths the horizontal edges, as soon as the vertical ones of all columns they cross are done: those of the
- *     macroblock on the left, after the vertical edges of this one;
+ *  1. stores the samples of a block in both, the picture for instance by moxiAdd8x8_16s8u_C1IRS on a block of 128;
+ *  2. smooths the vertical edges between intra blocks, those inside the macroblock and the one on its left;
+ *  3. smooths the horizontal edges once both vertical edges of their columns are done, that is, those of the macroblock
+ *     on the left;
  *
- *  and the picture is right where any edge, or none, has been smoothed. Bit i of `blockMask` asks for the lines 8 i to
- *  8 i + 7, bits 0 and 1, in luma; chroma has 8 lines and no mask. P2C2R forms take two 16-bit planes and write the
- *  interleaved pairs of an NV12 picture.
+ *  and the picture is complete, whichever edges were smoothed. In luma bit i of `blockMask` asks for the lines 8 i to
+ *  8 i + 7, bits 0 and 1; chroma has 8 lines and no mask. P2C2R forms take two 16-bit planes and write the interleaved
+ *  pairs of an NV12 picture.
  *
- *  Range mapping. y' = (((y - 128) (rangeMap + 9) + 4) >> 3) + 128, limited to 0..255, of each sample of a plane. With
- * 7 this is the doubling of a picture with reduced range.
+ *  Range mapping. y' = (((y - 128) (rangeMap + 9) + 4) >> 3) + 128, limited to 0..255, for each sample of a plane. A
+ *  rangeMap of 7 doubles, as a picture of reduced range needs it.
  *
- *  Memory. Deblocking reads the four samples on both sides of all lines of an edge, whatever the mask, and writes P4
- * and P5 of the segments asked for; with mask 0 it touches nothing. Smoothing reads and writes the two samples on both
- * sides of the lines asked for, in both planes, and of the picture reads none. Range mapping reads and writes the
- * samples of the plane and nothing between its rows. Any alignment.
+ *  Memory. Deblocking reads the four samples on both sides of all lines of an edge, whatever the mask, and writes their
+ *  P4 and P5, with the same value where nothing changes; with mask 0 it touches nothing. Smoothing reads and writes the
+ *  two samples on both sides of the lines asked for; of the picture it reads none. Range mapping reads and writes the
+ *  samples of the plane and nothing between its rows. Any alignment.
  *
  *  Steps count bytes, may be negative and are not tested. The result is not defined where rows overlap.
  *
- *  Status, in this order, nothing being written unless it is moxStsOk: moxStsNullPointer if a pointer is null;
- *  moxStsBadSize if a width or height is below 1; moxStsBadQp if pquant is none of 1..31; moxStsOutOfRange if a mask
- * has another bit than those of its segments or blocks, or rangeMap is none of 0..7. */
+ *  Status, in this order; unless it is moxStsOk, nothing has been written: moxStsNullPointer if a pointer is null,
+ *  moxStsBadSize if the width or the height is below 1, moxStsBadQp if pquant is none of 1..31, moxStsOutOfRange if a
+ *  mask has another bit than those named above, or rangeMap is none of 0..7. */
 #ifndef MOXVC_VC1_FILTER_H
 #define MOXVC_VC1_FILTER_H
 
@@ -77,8 +76,8 @@ MOX_BEGIN_DECLS
 MOX_API MoxStatus moxiFilterDeblockingLuma_VerEdge_VC1_8u_C1IR(Mox8u* pSrcDst, Mox32s srcDstStep, Mox32s pquant,
                                                                Mox32u segmentMask);
 
-/** Deblocks a horizontal edge of 16 columns; pSrcDst is the first sample below the edge, rows -4 to 3 are read, -1 and
- * 0 change. Otherwise as moxiFilterDeblockingLuma_VerEdge_VC1_8u_C1IR. */
+/** Deblocks a horizontal edge of 16 columns; pSrcDst is the first sample below the edge, rows -4 to 3 are read,
+ *  -1 and 0 change. Otherwise as moxiFilterDeblockingLuma_VerEdge_VC1_8u_C1IR. */
 MOX_API MoxStatus moxiFilterDeblockingLuma_HorEdge_VC1_8u_C1IR(Mox8u* pSrcDst, Mox32s srcDstStep, Mox32s pquant,
                                                                Mox32u segmentMask);
 
@@ -110,7 +109,7 @@ MOX_API MoxStatus moxiFilterDeblockingChroma_VerEdge_VC1_8u_C2IR(Mox8u* pSrcDst,
                                                                  Mox32u segmentMask);
 
 /** Deblocks a horizontal edge of 8 columns of interleaved pairs; pSrcDst is the first sample of the pair below the
- * edge, rows -4 to 3 are read, -1 and 0 change. Otherwise as moxiFilterDeblockingChroma_VerEdge_VC1_8u_C2IR. */
+ *  edge, rows -4 to 3 are read, -1 and 0 change. Otherwise as moxiFilterDeblockingChroma_VerEdge_VC1_8u_C2IR. */
 MOX_API MoxStatus moxiFilterDeblockingChroma_HorEdge_VC1_8u_C2IR(Mox8u* pSrcDst, Mox32s srcDstStep, Mox32s pquant,
                                                                  Mox32u segmentMask);
 

@@ -9,11 +9,11 @@
  *
  *  Bicubic. The taps of a position stand on the samples -1, 0, 1 and 2 of a row or column:
  *
- *  | Position | Taps        | Gain   | a |
- *  |----------|-------------|--------|---|
- *  | 1        | -4 53 18 -3 | 2 ^ 6  | 5 |
- *  | 2        | -1 9 9 -1   | 2 ^ 4  | 1 |
- *  | 3        | -3 18 53 -4 | 2 ^ 6  | 5 |
+ *  | Position | Taps        | Gain | a |
+ *  |----------|-------------|------|---|
+ *  | 1        | -4 53 18 -3 | 64   | 5 |
+ *  | 2        | -1 9 9 -1   | 16   | 1 |
+ *  | 3        | -3 18 53 -4 | 64   | 5 |
  *
  *  With R for roundControl and results limited to 0..255:
  *
@@ -32,62 +32,57 @@
  *  Only the two lowest bits of dx and dy and the lowest of roundControl count. In the C2R form samples are bytes of
  *  interleaved pairs, and a right neighbour is 2 bytes away.
  *
- *  Sizes. No size is refused; a kernel of one of these sizes is run, w and h being those of the argument:
+ *  Sizes. No size is refused. The kernel that is run writes one of these sizes, whatever else was asked for; with
+ *  n = (w >> 4) + (h >> 4) of the size w x h, which counts pairs in the C2R form:
  *
- *  | Form          | 16 x 16                     | 16 x 8                      | 8 x 8              | 8 x 4     | 4 x 4
- * |
- *  |---------------|-----------------------------|-----------------------------|--------------------|-----------|--------|
- *  | bicubic       | else                        | (w >> 4) + (h >> 4) = 1     | both below 16      |           | | |
- * bilinear C1R  | w = 16                      |                             | w = 8, h = 8       | w = 8     | else   |
- *  | bilinear C2R  |                             |                             | w = 8, h = 8       | w = 8     | else
- * |
+ *  | Written | bicubic    | bilinear C1R | bilinear C2R |
+ *  |---------|------------|--------------|--------------|
+ *  | 16 x 16 | otherwise  | w = 16       |              |
+ *  | 16 x 8  | n = 1      |              |              |
+ *  | 8 x 8   | n = 0      | w = 8, h = 8 | w = 8, h = 8 |
+ *  | 8 x 4   |            | other w = 8  | other w = 8  |
+ *  | 4 x 4   |            | otherwise    | otherwise    |
  *
- *  A size is width x height, in C2R forms in pairs. In the bicubic form (w >> 4) + (h >> 4) is 0 for 8 x 8 and neither
- *  0 nor 1 for 16 x 16, so 8 x 16 is written as 16 x 8.
+ *  Memory. The block as it is written is read, at any alignment; besides, and nothing else:
  *
- *  Memory. Of the source the block of the kernel's size is read and, if dx is not 0, also
+ *  | Position | bicubic                                       | bilinear                          |
+ *  |----------|-----------------------------------------------|-----------------------------------|
+ *  | dx not 0 | one column left of the block, two right of it | one column (of pairs) right of it |
+ *  | dy not 0 | one row above the block, two below it         | one row below it                  |
+ *  | both     | these columns and rows, and where they cross  | the same                          |
  *
- *  - bicubic: the column left of it and the two columns right of it;
- *  - bilinear: the column (of pairs) right of it;
- *
- *  and if dy is not 0 the like rows above and below, with both the corners too. Nothing else is read. Any alignment.
  *  Steps count bytes, may be negative and are not tested. The result is not defined where source and destination
  *  overlap.
  *
- *  IC Block forms. W and H are the width and the height of the frame, x and y the position, w and h the size of the
- *  block. With `isFieldPicture` the plane is a field: it has H >> 1 rows, twice the step apart, pSrc being the first
- *  sample of the field; otherwise it has H rows. Row j of the plane below is counted in it.
+ *  IC Block forms. W and H are the width and the height of the frame, x and y the position and w and h the size of the
+ *  block. With isFieldPicture the plane is a field of H >> 1 rows, twice the step apart, and pSrc its first sample;
+ *  otherwise it is the frame of H rows.
  *
  *  - If both tables are null, and the columns x - 1 to x + w + 1 and the rows y - 1 to y + h + 1 lie in the plane, the
- *    block is interpolated in place, and only what the QP form names is read. (The C2R form asks for the columns of
- *    pairs x / 2 - 1 to x / 2 + w + 1.)
- *  - Otherwise these columns and rows are copied to a window first, whatever dx and dy are. A kernel that is larger
- *    than the block reads and writes more than w x h; what it writes outside of the block then has no defined value.
- *  - Columns outside of the plane are its first or last one.
- *  - A row inside of the plane goes through pLUTBottom in a field picture with isBottomField, through pLUTTop in any
- *    other field picture; in a frame even rows go through pLUTTop, odd rows through pLUTBottom. A null table changes
+ *    block is interpolated in place, and what the QP form names is read. (In the C2R form these are columns of pairs,
+ *    counted from x / 2.)
+ *  - Otherwise all these columns and rows, whatever dx and dy are, are put together in a window, and the block is
+ *    interpolated there. What a kernel larger than the block writes outside of it has no defined value then.
+ *  - A column outside of the plane is the first or the last one, in the C2R form of pairs.
+ *  - Row j in the plane goes through pLUTBottom in a field picture with isBottomField, through pLUTTop in other field
+ *    pictures; in a frame an even row goes through pLUTTop and an odd one through pLUTBottom. A null table changes
  *    nothing.
- *  - A row j outside of the plane is the row that this table names, counted in lines of the frame from pSrc on, with b
- *    for isBottomField:
+ *  - Row j above (j < 0) or below the plane, with b for isBottomField, is
+ *      - with isInterlacedRef, in a frame: the line r - b of the frame, counted from pSrc, with r = j & 1 above and
+ *        r = H - 2 + (j & 1) below, through the table that belongs to row r. So lines of both fields take turns.
+ *      - with isInterlacedRef, in a field picture: above the first line of the frame, -b from pSrc, through pLUTTop;
+ *        below its last line, H - b - 1 from pSrc, through pLUTBottom, whichever field is read.
+ *      - without isInterlacedRef: the first or the last row of the plane. Above, it goes through the table that belongs
+ *        to the first row of the window in the plane, max(0, y - 1); below, through the one that belongs to the row
+ *        after that. So where the tables of a frame differ, the padding below follows the parity of the window.
  *
- *  | isInterlacedRef | isFieldPicture | above         | table  | below                 | table  |
- *  |-----------------|----------------|---------------|--------|-----------------------|--------|
- *  | 1               | 0              | r - b, with r = j & 1 | of r | r - b, with r = H - 2 + (j & 1) | of r |
- *  | 1               | 1              | -b            | top    | H - b - 1             | bottom |
- *  | 0               | 0              | 0             | of j0  | H - 1                 | of j0 + 1 |
- *  | 0               | 1              | 0             | field's | 2 ((H >> 1) - 1)     | field's |
- *
- *    Where a table goes by a row, it is pLUTTop for an even and pLUTBottom for an odd one. j0 is y - 1, but at least
- *    0: the first row of the window that is not above the plane. So where the tables of a frame differ, its padding
- *    below follows the parity of the window and not that of the last row. An interlaced frame is padded by lines of
- *    both fields in turn, an interlaced field by the first and the last line of the frame.
- *
- *  Read in IC Block forms are these rows of the plane, from its first to its last column as far as the window reaches,
- *  and the tables at the values found.
+ *  In a frame with isBottomField set, isInterlacedRef makes the line above pSrc readable ground. Otherwise nothing is
+ *  read outside of the frame, and of the tables the values of the samples found.
  *
  *  Status. moxStsNullPointer if the record, its pSrc or its pDst is null; nothing is written then. The bicubic QP form
- *  does not test the record. Nothing else is tested: of positions outside of 0..3, and for IC Block forms of frames
- *  without a sample and of blocks larger than 16 x 16, the result is not defined.
+ *  does not test the record. Nothing else is tested. The result is not defined for bicubic positions outside of 0..3 or
+ *  rounding controls outside of 0 and 1, nor for frames without a sample or blocks larger than 16 x 16 in IC Block
+ *  forms.
  */
 #ifndef MOXVC_VC1_INTERPOLATION_H
 #define MOXVC_VC1_INTERPOLATION_H
