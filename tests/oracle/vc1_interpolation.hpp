@@ -68,26 +68,25 @@ class VC1PaddedPicture {
       : a_(a), channels_(channels), channel_(channel) {}
 
   int operator()(std::int64_t x, std::int64_t row) const {
-    const int height = a_.frameSize.height, rows = a_.isFieldPicture ? height / 2 : height;
-    const bool above = row < 0, below = row >= rows;
-    if (!above && !below) return line(x, frame_line(row), bottom_table(row));
+    const std::int64_t height = a_.frameSize.height, rows = a_.isFieldPicture ? height / 2 : height;
+    const bool above = row < 0;
+    if (!above && row < rows) return in_plane(x, row, bottom_table(row));
     if (!a_.isInterlacedRef) {
       // The window starts one row above the block, or with row 0.
       const std::int64_t start = std::max<std::int64_t>(a_.blockPos.y, 1) - 1;
-      return above ? line(x, frame_line(0), bottom_table(start))
-                   : line(x, frame_line(rows - 1), bottom_table(start + 1));
+      return in_plane(x, above ? 0 : rows - 1, bottom_table(above ? start : start + 1));
     }
-    if (a_.isFieldPicture) return above ? line(x, 0, false) : line(x, height - 1, true);
+    if (a_.isFieldPicture) return line(x, above ? 0 : height - 1, !above);
     // Of the first two or the last two lines, the one of the same parity.
     const std::int64_t parity = std::abs(row % 2), nearest = above ? parity : height - 2 + parity;
     return line(x, nearest, nearest % 2 != 0);
   }
 
  private:
-  std::int64_t frame_line(std::int64_t row) const {
-    return a_.isFieldPicture ? 2 * row + a_.isBottomField : row + a_.isBottomField;
-  }
   bool bottom_table(std::int64_t row) const { return a_.isFieldPicture ? a_.isBottomField != 0 : row % 2 != 0; }
+  int in_plane(std::int64_t x, std::int64_t row, bool bottom) const {
+    return line(x, (a_.isFieldPicture ? 2 * row : row) + a_.isBottomField, bottom);
+  }
   int line(std::int64_t x, std::int64_t frameLine, bool bottom) const {
     const std::int64_t column = std::clamp<std::int64_t>(x, 0, a_.frameSize.width - 1);
     const int sample = a_.pSrc[(frameLine - a_.isBottomField) * a_.srcStep + column * channels_ + channel_];

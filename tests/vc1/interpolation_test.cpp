@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <array>
 #include <limits>
 #include <string>
 #include <vector>
@@ -17,66 +18,49 @@ namespace {
 using QpParams = MoxiVC1InterpolationParams;
 using BlockParams = MoxiVC1ICInterpolationParams;
 
+/// A size that is asked for, and the one that is written.
+struct Size {
+  MoxiSize asked, written;
+};
+
 /// A filter with its QP form and its block form.
 struct Form {
   Symbol<MoxStatus(const QpParams*)> qp;
   Symbol<MoxStatus(const BlockParams*)> block;
   int channels, before, after;  ///< samples that a fraction reads on both sides
-  struct Size {
-    MoxiSize asked, written;
-  } sizes[8];  ///< the first four for block forms
+  std::array<int, 32> sizes;    ///< eight of asked width and height, written width and height; four for block forms
 
+  Size size(int i) const { return {{sizes[4 * i], sizes[4 * i + 1]}, {sizes[4 * i + 2], sizes[4 * i + 3]}}; }
   bool bicubic() const { return before > 0; }
   int expected(const oracle::VC1Picture& picture, std::int64_t x, std::int64_t y, int dx, int dy, int rc) const {
     return (bicubic() ? oracle::vc1_bicubic : oracle::vc1_bilinear)(picture, x, y, dx, dy, rc);
   }
 };
-constexpr MoxiSize k16x16 = {16, 16}, k16x8 = {16, 8}, k8x16 = {8, 16}, k8x8 = {8, 8}, k8x4 = {8, 4}, k4x8 = {4, 8},
-                   k4x4 = {4, 4};
-const Form kForms[] = {{MOX_FN(moxiInterpolateQPBicubic_VC1_8u_C1R),
-                        MOX_FN(moxiInterpolateICBicubicBlock_VC1_8u_C1R),
-                        1,
-                        1,
-                        2,
-                        {{k8x8, k8x8},
-                         {k16x8, k16x8},
-                         {k16x16, k16x16},
-                         {k4x4, k8x8},
-                         {{15, 15}, k8x8},
-                         {k8x16, k16x8},
-                         {{32, 8}, k16x16},
-                         {{-1, 8}, k16x16}}},
-                       {MOX_FN(moxiInterpolateQPBilinear_VC1_8u_C1R),
-                        MOX_FN(moxiInterpolateICBilinearBlock_VC1_8u_C1R),
-                        1,
-                        0,
-                        1,
-                        {{k16x16, k16x16},
-                         {k8x8, k8x8},
-                         {k8x4, k8x4},
-                         {k4x4, k4x4},
-                         {k16x8, k16x16},
-                         {k8x16, k8x4},
-                         {k4x8, k4x4},
-                         {{17, 16}, k4x4}}},
-                       {MOX_FN(moxiInterpolateQPBilinear_VC1_8u_C2R),
-                        MOX_FN(moxiInterpolateICBilinearBlock_VC1_8u_C2R),
-                        2,
-                        0,
-                        1,
-                        {{k8x8, k8x8},
-                         {k8x4, k8x4},
-                         {k4x4, k4x4},
-                         {{2, 2}, k4x4},
-                         {k8x16, k8x4},
-                         {k4x8, k4x4},
-                         {k16x8, k4x4},
-                         {k16x16, k4x4}}}};
+constexpr std::array kBicubicSizes = {8,  8,  8, 8, 16, 8,  16, 8, 16, 16, 16, 16, 4,  4, 8,  8,
+                                      15, 15, 8, 8, 8,  16, 16, 8, 32, 8,  16, 16, -1, 8, 16, 16};
+constexpr std::array kBilinearSizes = {16, 16, 16, 16, 8, 8,  8, 8, 8, 4, 8, 4, 4,  4,  4, 4,
+                                       16, 8,  16, 16, 8, 16, 8, 4, 4, 8, 4, 4, 17, 16, 4, 4};
+constexpr std::array kPairSizes = {8, 8,  8, 8, 8, 4, 8, 4, 4,  4, 4, 4, 2,  2,  4, 4,
+                                   8, 16, 8, 4, 4, 8, 4, 4, 16, 8, 4, 4, 16, 16, 4, 4};
+const Form kForms[] = {{MOX_FN(moxiInterpolateQPBicubic_VC1_8u_C1R), MOX_FN(moxiInterpolateICBicubicBlock_VC1_8u_C1R),
+                        1, 1, 2, kBicubicSizes},
+                       {MOX_FN(moxiInterpolateQPBilinear_VC1_8u_C1R), MOX_FN(moxiInterpolateICBilinearBlock_VC1_8u_C1R),
+                        1, 0, 1, kBilinearSizes},
+                       {MOX_FN(moxiInterpolateQPBilinear_VC1_8u_C2R), MOX_FN(moxiInterpolateICBilinearBlock_VC1_8u_C2R),
+                        2, 0, 1, kPairSizes}};
+
+/// A record with its planes alone.
+template <class Record>
+Record record(const Mox8u* from, Mox32s fromStep, const Plane<Mox8u>& to) {
+  Record a = {};
+  a.pSrc = from, a.srcStep = fromStep, a.pDst = to.at(0, 0), a.dstStep = to.step();
+  return a;
+}
 
 class VC1Interpolation : public PerGeneration {
  protected:
   /// Calls a block form and compares the block with the oracle; beside it only the padding is compared.
-  void check_block(const Form& form, BlockParams a, const Form::Size& size) const {
+  void check_block(const Form& form, BlockParams a, const Size& size) const {
     const int width = size.written.width * form.channels, step = width + 3;
     const Plane<Mox8u> to(width, size.written.height, step), expected(width, size.written.height, step);
     a.pDst = to.at(0, 0), a.dstStep = step, a.blockSize = size.asked;
@@ -104,14 +88,15 @@ class VC1Interpolation : public PerGeneration {
 TEST_P(VC1Interpolation, EqualsOracle) {
   Random random;
   for (const Form& form : kForms) {
-    for (const auto& size : form.sizes) {
+    for (int n = 0; n < 8; ++n) {
+      const Size size = form.size(n);
       for (int i = 0; i < 32 * 9; ++i) {
         const int dx = i & 3, dy = i >> 2 & 3, rc = i >> 4 & 1, c = form.channels, reach = form.before + form.after;
         const int left = dx ? form.before : 0, top = dy ? form.before : 0;
         const int width = c * size.written.width, height = size.written.height, toStep = width + random(0, 9);
         const int columns = width + (dx ? c * reach : 0), rows = height + (dy ? reach : 0);
         const int step = (random.chance(0.5) ? 1 : -1) * (columns + random(0, 40));
-        const Plane<Mox8u> from(columns, rows, step, random.chance(0.5) ? Placement::at_end() : Placement::at_start());
+        const Plane<Mox8u> from(columns, rows, step, {random.chance(0.5) ? Placement::kEnd : Placement::kStart});
         const Plane<Mox8u> to(width, height, toStep, Placement::aligned(i % 16)), expected(width, height, toStep);
         fill(from.memory(), kPatterns[i / 32 % std::size(kPatterns)], random);
         for (int j = 0; j < width * height; ++j) {
@@ -180,8 +165,8 @@ TEST_P(VC1Interpolation, BlocksEqualPaddedPlane) {
   Guarded<Mox8u> top(256), bottom(256, Placement::at_start());
   random.fill(std::span(top.data(), 256)), random.fill(std::span(bottom.data(), 256));
   for (const Form& form : kForms) {
-    for (int i = 0; i < 6000; ++i) {
-      const Form::Size& size = form.sizes[random.bits() % 4];
+    for (int i = 0; i < 4000; ++i) {
+      const Size size = form.size(random(0, 3));
       BlockParams a = {};
       a.frameSize = {random(1, 40), random(2, 24) * 2 - static_cast<int>(random.chance(0.1))};
       a.isInterlacedRef = random(0, 1) * 5, a.isFieldPicture = random(0, 1) * 5, a.isBottomField = random(0, 1);
@@ -197,8 +182,7 @@ TEST_P(VC1Interpolation, BlocksEqualPaddedPlane) {
       const int width = a.frameSize.width * form.channels;
       const int lines = a.frameSize.height + (a.isFieldPicture ? 0 : a.isBottomField);
       a.srcStep = (random.chance(0.5) ? 1 : -1) * (width + random(0, 30));
-      const Plane<Mox8u> plane(width, lines, a.srcStep,
-                               random.chance(0.5) ? Placement::at_end() : Placement::at_start());
+      const Plane<Mox8u> plane(width, lines, a.srcStep, {i % 2 ? Placement::kEnd : Placement::kStart});
       random.fill(plane.memory());
       a.pSrc = plane.at(0, a.isBottomField);
       check_block(form, a, size);
@@ -225,9 +209,9 @@ TEST_P(VC1Interpolation, LiteralPadding) {
       {0, 0, 0, 14, {114, 215, 115, 115, 115, 115, 115, 115}}, {0, 1, 1, 6, {213, 215, 215, 215, 215, 215, 215, 215}},
   };
   for (const Case& c : kCases) {
-    const BlockParams a = {
-        plane.at(0, c.bottom), 8,       to.at(0, 0), 8,       tables[0], tables[1], {8, 16}, {8, 8}, {1, c.y}, 0, 0,
-        c.interlaced,          c.field, 0,           c.bottom};
+    auto a = record<BlockParams>(plane.at(0, c.bottom), 8, to);
+    a.pLUTTop = tables[0], a.pLUTBottom = tables[1], a.frameSize = {8, 16}, a.blockSize = {8, 8}, a.blockPos = {1, c.y};
+    a.isInterlacedRef = c.interlaced, a.isFieldPicture = c.field, a.isBottomField = c.bottom;
     EXPECT_EQ(lib(kForms[0].block)(&a), moxStsOk);
     std::vector<int> column;
     for (int y = 0; y < 8; ++y) column.push_back(to(3, y));
@@ -244,31 +228,12 @@ TEST_P(VC1Interpolation, BlocksInPlace) {
     random.fill(plane.memory());
     for (int i = 0; i < 8; ++i) {
       const int field = i & 1, x = c * (i & 2 ? 1 : 20 - side - 2), y = i & 4 ? 1 : (24 >> field) - side - 2;
-      const BlockParams a = {plane.at(0, field),
-                             plane.step(),
-                             to.at(0, 0),
-                             to.step(),
-                             nullptr,
-                             nullptr,
-                             {20, 24},
-                             {side, side},
-                             {x, y},
-                             3,
-                             1,
-                             0,
-                             field,
-                             1,
-                             field};
-      const QpParams in_place = {plane.at(x, field + (y << field)),
-                                 plane.step() << field,
-                                 expected.at(0, 0),
-                                 to.step(),
-                                 3,
-                                 1,
-                                 {side, side},
-                                 1};
-      EXPECT_EQ(lib(form.block)(&a), moxStsOk);
-      EXPECT_EQ(lib(form.qp)(&in_place), moxStsOk);
+      auto qp = record<QpParams>(plane.at(x, field + (y << field)), plane.step() << field, expected);
+      auto block = record<BlockParams>(plane.at(0, field), plane.step(), to);
+      qp.dx = block.dx = 3, qp.dy = block.dy = 1, qp.roiSize = block.blockSize = {side, side};
+      block.frameSize = {20, 24}, block.blockPos = {x, y}, block.isFieldPicture = block.isBottomField = field;
+      EXPECT_EQ(lib(form.block)(&block), moxStsOk);
+      EXPECT_EQ(lib(form.qp)(&qp), moxStsOk);
       EXPECT_EQ(to.copy(), expected.copy()) << form.block.name << " at " << x << ", " << y << ", field " << field;
     }
   }
@@ -276,9 +241,9 @@ TEST_P(VC1Interpolation, BlocksInPlace) {
 
 TEST_P(VC1Interpolation, Arguments) {
   const Plane<Mox8u> from(64, 32, 64), to(32, 16, 32);
-  const QpParams qp = {from.at(8, 8), 64, to.at(0, 0), 32, 1, 1, {8, 8}, 0};
-  const BlockParams block = {from.at(0, 0), 64, to.at(0, 0), 32, nullptr, nullptr, {32, 32}, {8, 8},
-                             {8, 8},        1,  1,           0,  0,       0,       0};
+  auto qp = record<QpParams>(from.at(8, 8), 64, to);
+  auto block = record<BlockParams>(from.at(0, 0), 64, to);
+  qp.roiSize = block.blockSize = {8, 8}, block.frameSize = {32, 32};
   const auto expect = [&]<class Record>(Symbol<MoxStatus(const Record*)> symbol, const Record& good) {
     Call(lib(symbol), std::tuple{&good})
         .keeps(to.at(0, 0), to.memory().size())
