@@ -172,10 +172,16 @@ TEST_P(VC1Interpolation, BlocksEqualPaddedPlane) {
       a.isInterlacedRef = random(0, 1) * 5, a.isFieldPicture = random(0, 1) * 5, a.isBottomField = random(0, 1);
       a.dx = random(0, 3), a.dy = random(0, 3), a.roundControl = random(0, 1);
       // A kernel larger than its block goes through the window only.
-      if (random.chance(0.6) || size.asked.width < size.written.width) a.pLUTTop = top.data();
-      if (random.chance(0.6)) a.pLUTBottom = bottom.data();
+      const int tables = random(0, 3);
+      if (tables & 1 || size.asked.width < size.written.width) a.pLUTTop = top.data();
+      if (tables & 2) a.pLUTBottom = bottom.data();
       const int rows = a.isFieldPicture ? a.frameSize.height / 2 : a.frameSize.height;
-      a.blockPos = {form.channels * random(-25, a.frameSize.width + 6), random(-25, rows + 6)};
+      // Often where the surroundings of the block just lie in the plane, or just do not.
+      const auto place = [&](int length, int block) {
+        const int places[] = {random(-25, length + 6), random(0, 1), length - block - random(1, 2)};
+        return places[random(0, 2)];
+      };
+      a.blockPos = {form.channels * place(a.frameSize.width, size.asked.width), place(rows, size.asked.height)};
       if (random.chance(0.03)) a.blockPos.x = random.chance(0.5) ? kFar - 1 : -kFar - 1;
       if (random.chance(0.03)) a.blockPos.y = random.chance(0.5) ? kFar : -kFar - 1;
       // A frame whose record names the bottom field starts at its second line.
