@@ -24,7 +24,7 @@ class Rows {
   static_assert(W == 16 || W == 8 || W == 4);
 
   /// height: rows of the block, a multiple of kRows.
-  Rows(const Mox8u* block, Mox32s step, int height)
+  Rows(const Mox8u* block, std::ptrdiff_t step, int height)
       : p_(block), step_(step), strip_(step_ * (height / kRows)), strips_(simd::strips<B>(strip_ * (16 / W))) {}
   /// The samples dx bytes to the right.
   simd::u8<B> at(int dx) const {
