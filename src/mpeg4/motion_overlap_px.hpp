@@ -104,8 +104,7 @@ inline MoxStatus ownvc_OBMC8x8QP_8u_C1R(const Mox8u* src, Mox32s srcStep, Mox8u*
 /// Four blocks of one vector v; n holds two vectors of each side.
 inline MoxStatus ownvc_OBMC16x16HP_8u_C1R(const Mox8u* src, Mox32s srcStep, Mox8u* dst, Mox32s dstStep,
                                           MoxiMotionVector v, const MoxiMotionVector* n, Mox32s rounding) {
-  const Neighbours neighbours[4] = {
-      {n[0], n[2], v, v}, {n[1], v, n[4], v}, {v, n[3], v, n[6]}, {v, v, n[5], n[7]}};
+  const Neighbours neighbours[4] = {{n[0], n[2], v, v}, {n[1], v, n[4], v}, {v, n[3], v, n[6]}, {v, v, n[5], n[7]}};
   for (int i = 0; i < 4; ++i) {
     const std::ptrdiff_t x = 8 * (i & 1), y = 8 * (i >> 1);
     overlap_block<half_pel_block>(src + x + y * srcStep, srcStep, dst + x + y * dstStep, dstStep, v, neighbours[i],
