@@ -50,7 +50,8 @@
  * may be read. A reference with a margin serves any vector: one that leads a block wholly out of the picture gives the
  *  same samples from nearer by. W x H samples are written. Any alignment. Source and destination must not overlap.
  *
- *  Steps count bytes, may be negative and are not tested. A field of a frame has twice the frame's step.
+ *  Steps count bytes, may be negative and are not tested; the result is not defined where rows of the destination
+ *  overlap. A field of a frame has twice the frame's step.
  *
  *  Status. moxStsNullPointer if a pointer is null, in the order of the arguments, then moxStsOutOfRange for `acc`;
  *  nothing is written then. Vectors are not tested.
