@@ -59,8 +59,8 @@ TEST_P(Mpeg4Motion, CopiesEqualOracle) {
       fill(src.memory(), kPatterns[round / 32 % 7], random);
       const auto dst = plane_of(copy.width, copy.height, random);
       const Plane<Mox8u> expected(dst.width(), dst.height(), dst.step());
-      const auto block = oracle::quarter_block([&](int x, int y) { return src(x, y); }, copy.width, copy.height, dx, dy,
-                                               rc);
+      const auto block =
+          oracle::quarter_block([&](int x, int y) { return src(x, y); }, copy.width, copy.height, dx, dy, rc);
       for (int y = 0; y < copy.height; ++y) std::copy(block[y].begin(), block[y].end(), expected.at(0, y));
       ASSERT_EQ(copy.call(src.at(0, 0), src.step(), dst.at(0, 0), dst.step(), dx | dy << 2, rc - 2), moxStsOk);
       ASSERT_EQ(dst.copy(), expected.copy()) << copy.name << ", " << dx << ", " << dy << ", rc " << rc;
@@ -81,9 +81,9 @@ TEST_P(Mpeg4Motion, LiteralLines) {
       {{0, 0, 0, 0, 255, 0, 0, 0, 0}, 1, 1, {0, 12, 0, 79, 207, 0, 12, 0}},
       {{0, 0, 0, 0, 255, 0, 0, 0, 0}, 3, 0, {0, 12, 0, 207, 80, 0, 12, 0}},
       {{0, 0, 0, 0, 255, 0, 0, 0, 0}, 3, 1, {0, 12, 0, 207, 79, 0, 12, 0}},
-      {{255, 0, 0, 0, 0, 0, 0, 0, 0}, 2, 0, {112, 0, 16, 0, 0, 0, 0, 0}},     // 160 - 48, 24 - 48, 24 - 8
-      {{0, 255, 0, 0, 0, 0, 0, 0, 0}, 2, 1, {183, 151, 0, 24, 0, 0, 0, 0}},   // 160 + 24, 160 - 8
-      {{0, 0, 0, 1, 0, 1, 1, 1, 0}, 2, 0, {0, 0, 1, 1, 0, 1, 1, 1}},          // the fourth is 128 / 256
+      {{255, 0, 0, 0, 0, 0, 0, 0, 0}, 2, 0, {112, 0, 16, 0, 0, 0, 0, 0}},    // 160 - 48, 24 - 48, 24 - 8
+      {{0, 255, 0, 0, 0, 0, 0, 0, 0}, 2, 1, {183, 151, 0, 24, 0, 0, 0, 0}},  // 160 + 24, 160 - 8
+      {{0, 0, 0, 1, 0, 1, 1, 1, 0}, 2, 0, {0, 0, 1, 1, 0, 1, 1, 1}},         // the fourth is 128 / 256
       {{0, 0, 0, 1, 0, 1, 1, 1, 0}, 2, 1, {0, 0, 1, 0, 0, 1, 1, 1}},
       {{255, 255, 255, 255, 0, 0, 0, 0, 0}, 2, 0, {255, 239, 255, 128, 0, 16, 0, 0}},  // 264, 240, 288, 128, -32, 16
       {{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 255},
@@ -103,8 +103,8 @@ TEST_P(Mpeg4Motion, LiteralLines) {
         copy.call(src.at(0, 0), 20, dst.at(0, 0), 16, down ? c.d << 2 : c.d, c.rc);
         for (int y = 0; y < copy.height; ++y) {
           for (int x = 0; x < copy.width; ++x) {
-            ASSERT_EQ(dst(x, y), of_line(c.predicted, x, y)) << copy.name << ", case " << &c - cases << ", " << x << ", "
-                                                             << y;
+            ASSERT_EQ(dst(x, y), of_line(c.predicted, x, y))
+                << copy.name << ", case " << &c - cases << ", " << x << ", " << y;
           }
         }
       }
@@ -147,7 +147,8 @@ struct Scene {
       };
       if (fraction == 2) return oracle::quarter_block(sample, 8, 8, part(v.x), part(v.y), rc);
       oracle::SampleRows rows(8, std::vector<int>(8));
-      for (int i = 0; i < 64; ++i) rows[i / 8][i % 8] = oracle::half_pel(sample, i % 8, i / 8, part(v.x), part(v.y), rc);
+      for (int i = 0; i < 64; ++i)
+        rows[i / 8][i % 8] = oracle::half_pel(sample, i % 8, i / 8, part(v.x), part(v.y), rc);
       return rows;
     };
     return {block(0, 0), block(0, -1), block(-1, 0), block(1, 0), block(0, 1)};
@@ -186,7 +187,8 @@ TEST_P(Mpeg4Motion, OverlapEqualsOracle) {
   }
 }
 
-/// By hand. Vectors lead to flat squares of 16 x 16 beside each other, the own one to zeros and neighbour i to values[i].
+/// By hand. Vectors lead to flat squares of 16 x 16 beside each other, the own one to zeros and neighbour i to
+/// values[i].
 TEST_P(Mpeg4Motion, LiteralOverlap) {
   const auto overlapped = [](const Overlap& overlap, const std::vector<int>& values) {
     const Plane<Mox8u> src(16 * 9, 16, 16 * 9), dst(overlap.size, overlap.size, overlap.size);
@@ -215,7 +217,8 @@ TEST_P(Mpeg4Motion, LiteralOverlap) {
     const auto dst = overlapped(overlap, {8, 16, 24, 32, 40, 48, 56, 64});
     const auto at = [&](int x, int y) { return int{dst[static_cast<std::size_t>(16 * y + x)]}; };
     using Samples = std::vector<int>;
-    EXPECT_EQ((Samples{at(0, 0), at(7, 0), at(8, 0), at(15, 0)}), (Samples{8, 2, 4, 14}));  // 2 of 8 and 2 of 24: 64 / 8
+    EXPECT_EQ((Samples{at(0, 0), at(7, 0), at(8, 0), at(15, 0)}),
+              (Samples{8, 2, 4, 14}));  // 2 of 8 and 2 of 24: 64 / 8
     EXPECT_EQ((Samples{at(0, 7), at(0, 8), at(15, 7), at(15, 8), at(7, 7)}), (Samples{6, 8, 10, 12, 0}));
     EXPECT_EQ((Samples{at(0, 15), at(7, 15), at(8, 15), at(15, 15)}), (Samples{22, 14, 16, 28}));
   }

@@ -60,7 +60,9 @@ struct Overlapped {
   SampleRows own, above, left, right, below;
 
   int operator()(int x, int y) const {
-    const auto at = [&](const SampleRows& rows) { return rows[static_cast<std::size_t>(y)][static_cast<std::size_t>(x)]; };
+    const auto at = [&](const SampleRows& rows) {
+      return rows[static_cast<std::size_t>(y)][static_cast<std::size_t>(x)];
+    };
     const int vertical = overlap_weight(x, y, {"2222", "1122", "1111", "1111"});
     const int horizontal = overlap_weight(x, y, {"2111", "2211", "2211", "2211"});
     const int sum = (8 - vertical - horizontal) * at(own) + vertical * at(y < 4 ? above : below) +
