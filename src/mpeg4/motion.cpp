@@ -3,6 +3,7 @@
 #include "moxvc/mpeg4_motion.h"
 #include "mpeg4/motion_overlap_px.hpp"
 #include "mpeg4/motion_px.hpp"
+#include "mpeg4/motion_vec.hpp"
 
 using namespace mox;
 

@@ -36,7 +36,8 @@ struct Edge {
     return across;
   }
   void write(int position, const PostAcross& across) const {
-    for (int tap = 0; tap < 10; ++tap) sample(position, tap) = static_cast<Mox8u>(across[static_cast<std::size_t>(tap)]);
+    for (int tap = 0; tap < 10; ++tap)
+      sample(position, tap) = static_cast<Mox8u>(across[static_cast<std::size_t>(tap)]);
   }
 };
 
