@@ -2,6 +2,7 @@
 #include "frame/generation.hpp"
 #include "moxvc/mpeg4_motion.h"
 #include "mpeg4/motion_overlap_px.hpp"
+#include "mpeg4/motion_overlap_vec.hpp"
 #include "mpeg4/motion_px.hpp"
 #include "mpeg4/motion_vec.hpp"
 

@@ -15,6 +15,22 @@ struct Neighbours {
   MoxiMotionVector above, left, right, below;
 };
 
+/// The samples that a vector with so many bits of fraction leads to, by one of the copies of its fraction. Both
+/// kinds of tables have the rounding in bit 0 of their index, then the fractions of x and y.
+template <const auto& kCopies, int kFractionBits>
+void copy_by_vector(const Mox8u* place, Mox32s step, MoxiMotionVector v, Mox32s rounding, Mox8u* dst, Mox32s dstStep) {
+  constexpr int kMask = (1 << kFractionBits) - 1;
+  const auto copy = kCopies[quarter_index((v.x & kMask) | (v.y & kMask) << kFractionBits, rounding)];
+  const std::ptrdiff_t rows = v.y >> kFractionBits;
+  copy(place + (v.x >> kFractionBits) + rows * step, step, dst, dstStep);
+}
+static_assert(quarter_index(3, 1) == acc_index(3, 1));
+
+/// The four blocks of a macroblock with one vector, given two vectors of each side.
+inline std::array<Neighbours, 4> around_macroblock(MoxiMotionVector own, const MoxiMotionVector* n) {
+  return {{{n[0], n[2], own, own}, {n[1], own, n[4], own}, {own, n[3], own, n[6]}, {own, own, n[5], n[7]}}};
+}
+
 }  // namespace mox
 
 namespace mox::px {
@@ -55,38 +71,26 @@ constexpr bool weights_make_8() {
 }
 static_assert(weights_make_8());
 
-/// An 8x8 block with rows of 8.
-using Block8x8 = std::array<Mox8u, 64>;
-
-/// The 8x8 block that a vector in half samples leads to.
-inline Block8x8 half_pel_block(const Mox8u* src, std::ptrdiff_t step, MoxiMotionVector v, Mox32s rounding) {
-  Block8x8 block;
-  const auto copy = ownvc_Copy8x8HP_8u_C1R[acc_index((v.x & 1) | (v.y & 1) << 1, rounding)];
-  copy(src + (v.x >> 1) + (v.y >> 1) * step, static_cast<Mox32s>(step), block.data(), 8);
-  return block;
-}
-/// The 8x8 block that a vector in quarter samples leads to.
-inline Block8x8 quarter_block(const Mox8u* src, std::ptrdiff_t step, MoxiMotionVector v, Mox32s rounding) {
-  Block8x8 block;
-  const auto copy = ownvc_Copy8x8QP_8u_C1R[quarter_index((v.x & 3) | (v.y & 3) << 2, rounding)];
-  copy(src + (v.x >> 2) + (v.y >> 2) * step, static_cast<Mox32s>(step), block.data(), 8);
-  return block;
-}
-
-template <auto kPredict>
+/// Pointers are at the block's own place.
+template <const auto& kCopies, int kFractionBits>
 MoxStatus overlap_block(const Mox8u* src, Mox32s srcStep, Mox8u* dst, Mox32s dstStep, MoxiMotionVector vector,
                         const Neighbours& neighbours, Mox32s rounding) {
-  const auto predict = [=](MoxiMotionVector v) { return kPredict(src, srcStep, v, rounding); };
-  const Block8x8 own = predict(vector), above = predict(neighbours.above), below = predict(neighbours.below),
-                 left = predict(neighbours.left), right = predict(neighbours.right);
+  using Block = std::array<Mox8u, 64>;
+  const auto predict = [=](MoxiMotionVector v) {
+    Block block;
+    copy_by_vector<kCopies, kFractionBits>(src, srcStep, v, rounding, block.data(), 8);
+    return block;
+  };
+  const Block own = predict(vector), above = predict(neighbours.above), below = predict(neighbours.below),
+              left = predict(neighbours.left), right = predict(neighbours.right);
   for (std::size_t y = 0; y < 8; ++y, dst += dstStep) {
-    const Block8x8& vertical = y < 4 ? above : below;
+    const Block& vertical = y < 4 ? above : below;
     for (std::size_t x = 0; x < 8; ++x) {
-      const Block8x8& horizontal = x < 4 ? left : right;
+      const Block& horizontal = x < 4 ? left : right;
       const std::size_t i = 8 * y + x;
-      dst[x] = static_cast<Mox8u>((kOwnWeights[y][x] * own[i] + kVerticalWeights[y][x] * vertical[i] +
-                                   kHorizontalWeights[y][x] * horizontal[i] + 4) >>
-                                  3);
+      const Mox32s sum =
+          kOwnWeights[y][x] * own[i] + kVerticalWeights[y][x] * vertical[i] + kHorizontalWeights[y][x] * horizontal[i];
+      dst[x] = static_cast<Mox8u>((sum + 4) >> 3);
     }
   }
   return moxStsOk;
@@ -94,21 +98,21 @@ MoxStatus overlap_block(const Mox8u* src, Mox32s srcStep, Mox8u* dst, Mox32s dst
 
 inline MoxStatus ownvc_OBMC8x8HP_8u_C1R(const Mox8u* src, Mox32s srcStep, Mox8u* dst, Mox32s dstStep,
                                         MoxiMotionVector vector, const MoxiMotionVector* n, Mox32s rounding) {
-  return overlap_block<half_pel_block>(src, srcStep, dst, dstStep, vector, {n[0], n[1], n[2], n[3]}, rounding);
+  return overlap_block<ownvc_Copy8x8HP_8u_C1R, 1>(src, srcStep, dst, dstStep, vector, {n[0], n[1], n[2], n[3]},
+                                                  rounding);
 }
 inline MoxStatus ownvc_OBMC8x8QP_8u_C1R(const Mox8u* src, Mox32s srcStep, Mox8u* dst, Mox32s dstStep,
                                         MoxiMotionVector vector, const MoxiMotionVector* n, Mox32s rounding) {
-  return overlap_block<quarter_block>(src, srcStep, dst, dstStep, vector, {n[0], n[1], n[2], n[3]}, rounding);
+  return overlap_block<ownvc_Copy8x8QP_8u_C1R, 2>(src, srcStep, dst, dstStep, vector, {n[0], n[1], n[2], n[3]},
+                                                  rounding);
 }
-
-/// Four blocks of one vector v; n holds two vectors of each side.
 inline MoxStatus ownvc_OBMC16x16HP_8u_C1R(const Mox8u* src, Mox32s srcStep, Mox8u* dst, Mox32s dstStep,
-                                          MoxiMotionVector v, const MoxiMotionVector* n, Mox32s rounding) {
-  const Neighbours neighbours[4] = {{n[0], n[2], v, v}, {n[1], v, n[4], v}, {v, n[3], v, n[6]}, {v, v, n[5], n[7]}};
-  for (int i = 0; i < 4; ++i) {
+                                          MoxiMotionVector vector, const MoxiMotionVector* n, Mox32s rounding) {
+  const auto neighbours = around_macroblock(vector, n);
+  for (std::size_t i = 0; i < 4; ++i) {
     const std::ptrdiff_t x = 8 * (i & 1), y = 8 * (i >> 1);
-    overlap_block<half_pel_block>(src + x + y * srcStep, srcStep, dst + x + y * dstStep, dstStep, v, neighbours[i],
-                                  rounding);
+    overlap_block<ownvc_Copy8x8HP_8u_C1R, 1>(src + x + y * srcStep, srcStep, dst + x + y * dstStep, dstStep, vector,
+                                             neighbours[i], rounding);
   }
   return moxStsOk;
 }
