@@ -2,7 +2,9 @@
 #include "frame/generation.hpp"
 #include "moxvc/mpeg4_filter.h"
 #include "mpeg4/filter_deringing_px.hpp"
+#include "mpeg4/filter_deringing_vec.hpp"
 #include "mpeg4/filter_px.hpp"
+#include "mpeg4/filter_vec.hpp"
 
 using namespace mox;
 
