@@ -105,7 +105,7 @@ MOX_INLINE void dering_rows(const RingingColumns<Columns>& from, int y, int heig
   }
 }
 
-MOX_INLINE RingingPlane moved(const RingingPlane& plane, int x) {
+MOX_INLINE RingingPlane at_column(const RingingPlane& plane, int x) {
   return {plane.src + x, plane.srcStep, plane.dst + x, plane.dstStep};
 }
 
@@ -116,12 +116,13 @@ inline MoxStatus ownFilterDeringingThreshold_MPEG4(const RingingPicture& picture
     for (int x = 0; x < picture.macroblocksAcross; ++x) {
       const bool isFirst = x == 0, isLast = x == picture.macroblocksAcross - 1;
       const auto limit = simd::splat<simd::u8, 1>(picture.qp[y * picture.qpStep + x] >> 1);
-      const RingingColumns<RingingLuma> luma{{moved(planes[0], 16 * x)}, isFirst, isLast};
+      const RingingColumns<RingingLuma> luma{{at_column(planes[0], 16 * x)}, isFirst, isLast};
       const auto upper = levels_of_two(luma.columns, 16 * y), lower = levels_of_two(luma.columns, 16 * y + 8);
       const auto thresholds = luma_thresholds({upper[0], upper[1], lower[0], lower[1]});
       dering_rows(luma, 16 * y, 2 * height, thresholds[0], thresholds[1], limit);
       dering_rows(luma, 16 * y + 8, 2 * height, thresholds[2], thresholds[3], limit);
-      const RingingColumns<RingingChroma> chroma{{moved(planes[1], 8 * x), moved(planes[2], 8 * x)}, isFirst, isLast};
+      const RingingColumns<RingingChroma> chroma{
+          {at_column(planes[1], 8 * x), at_column(planes[2], 8 * x)}, isFirst, isLast};
       const auto levels = levels_of_two(chroma.columns, 8 * y);
       dering_rows(chroma, 8 * y, height, levels[0].threshold, levels[1].threshold, limit);
     }

@@ -15,7 +15,7 @@ namespace mox::px {
 using PostSamples = std::array<Mox32s, 10>;
 
 /// A quotient of 8 rounded to the nearest, halves away from zero.
-inline Mox32s eighth(Mox32s value) { return sign_of(value) * ((std::abs(value) + 4) >> 3); }
+inline Mox32s rounded_eighth(Mox32s value) { return sign_of(value) * ((std::abs(value) + 4) >> 3); }
 
 /// Steps of up to kFlatStep are no structure; kFlatSteps of them make a position flat.
 inline constexpr Mox32s kFlatStep = 2, kFlatSteps = 6;
@@ -46,13 +46,16 @@ inline PostSamples smoothed_flat(const PostSamples& v, Mox32s qp) {
 
 /// Takes from the step at the edge what the steps on both sides of it do not have too.
 inline PostSamples smoothed_step(const PostSamples& v, Mox32s qp) {
-  const auto component = [&](std::size_t n) { return eighth(2 * (v[n] - v[n + 3]) + 5 * (v[n + 2] - v[n + 1])); };
+  const auto component = [&](std::size_t n) {
+    return rounded_eighth(2 * (v[n] - v[n + 3]) + 5 * (v[n + 2] - v[n + 1]));
+  };
   const Mox32s middle = component(3), size = std::abs(middle);
   PostSamples out = v;
   if (size >= qp) return out;
   const Mox32s least = std::min({size, std::abs(component(1)), std::abs(component(5))});
   const Mox32s limit = (v[4] - v[5]) / 2;
-  const Mox32s change = clip(eighth(5 * sign_of(middle) * (least - size)), std::min(0, limit), std::max(0, limit));
+  const Mox32s change =
+      clip(rounded_eighth(5 * sign_of(middle) * (least - size)), std::min(0, limit), std::max(0, limit));
   out[4] -= change;
   out[5] += change;
   return out;

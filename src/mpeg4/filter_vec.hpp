@@ -56,7 +56,8 @@ MOX_INLINE void smooth_calm(PostWords& v, simd::s16<1> calm, Mox32s qp) {
   const auto behind = post_select(greater(limit, abs(v[8] - v[9])), v[9], v[8]);
   const PostWords old = v;
   const auto sample = [&](int m) { return m < 1 ? before : m > 8 ? behind : old[static_cast<std::size_t>(m)]; };
-  auto nine = shl<2>(before) + before + old[1] + old[2] + old[3] + old[4] + post_word(8);  // about place 0, rounding too
+  auto nine =
+      shl<2>(before) + before + old[1] + old[2] + old[3] + old[4] + post_word(8);  // about place 0, rounding too
   auto five = shl<1>(before) + before + old[1] + old[2];
   for (int n = 1; n <= 8; ++n) {
     nine = nine + sample(n + 4) - sample(n - 5);

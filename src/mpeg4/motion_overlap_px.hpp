@@ -11,7 +11,7 @@
 namespace mox {
 
 /// Vectors of the blocks around a block.
-struct Neighbours {
+struct AroundBlock {
   MoxiMotionVector above, left, right, below;
 };
 
@@ -27,7 +27,7 @@ void copy_by_vector(const Mox8u* place, Mox32s step, MoxiMotionVector v, Mox32s 
 static_assert(quarter_index(3, 1) == acc_index(3, 1));
 
 /// The four blocks of a macroblock with one vector, given two vectors of each side.
-inline std::array<Neighbours, 4> around_macroblock(MoxiMotionVector own, const MoxiMotionVector* n) {
+inline std::array<AroundBlock, 4> around_macroblock(MoxiMotionVector own, const MoxiMotionVector* n) {
   return {{{n[0], n[2], own, own}, {n[1], own, n[4], own}, {own, n[3], own, n[6]}, {own, own, n[5], n[7]}}};
 }
 
@@ -74,7 +74,7 @@ static_assert(weights_make_8());
 /// Pointers are at the block's own place.
 template <const auto& kCopies, int kFractionBits>
 MoxStatus overlap_block(const Mox8u* src, Mox32s srcStep, Mox8u* dst, Mox32s dstStep, MoxiMotionVector vector,
-                        const Neighbours& neighbours, Mox32s rounding) {
+                        const AroundBlock& neighbours, Mox32s rounding) {
   using Block = std::array<Mox8u, 64>;
   const auto predict = [=](MoxiMotionVector v) {
     Block block;

@@ -37,7 +37,7 @@ struct PredictedBlocks {
   PredictedBlock own, above, left, right, below;
 };
 
-MOX_INLINE void weigh(const PredictedBlocks& from, Mox8u* dst, std::ptrdiff_t dstStep) {
+MOX_INLINE void weigh_overlap(const PredictedBlocks& from, Mox8u* dst, std::ptrdiff_t dstStep) {
   using simd::as, simd::s16, simd::u8;
   constexpr int B = simd::kBlocks;
   const auto ones = simd::splat<u8, B>(1);
@@ -60,16 +60,16 @@ MOX_INLINE void weigh(const PredictedBlocks& from, Mox8u* dst, std::ptrdiff_t ds
 /// `own` is the prediction with the block's own vector; src and dst are at the block's own place.
 template <const auto& kCopies, int kFractionBits>
 MOX_INLINE void overlap_block(PredictedBlock own, const Mox8u* src, Mox32s srcStep, Mox8u* dst, Mox32s dstStep,
-                              MoxiMotionVector vector, const Neighbours& around, Mox32s rounding) {
+                              MoxiMotionVector vector, const AroundBlock& around, Mox32s rounding) {
   alignas(16) Mox8u blocks[4][64];
   const auto predict = [&](MoxiMotionVector v, Mox8u* block) -> PredictedBlock {
     if (v.x == vector.x && v.y == vector.y) return own;
     copy_by_vector<kCopies, kFractionBits>(src, srcStep, v, rounding, block, 8);
     return {block, 8};
   };
-  weigh({own, predict(around.above, blocks[0]), predict(around.left, blocks[1]), predict(around.right, blocks[2]),
-         predict(around.below, blocks[3])},
-        dst, dstStep);
+  weigh_overlap({own, predict(around.above, blocks[0]), predict(around.left, blocks[1]),
+                 predict(around.right, blocks[2]), predict(around.below, blocks[3])},
+                dst, dstStep);
 }
 
 template <const auto& kCopies, int kFractionBits>

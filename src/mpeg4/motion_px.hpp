@@ -23,8 +23,8 @@ constexpr int quarters_in_y(std::size_t index) { return static_cast<int>(index >
 constexpr int quarter_rounding(std::size_t index) { return index & 1; }
 
 /// Place in a line of samples 0 to N whose ends are mirrored, the last samples being repeated.
-constexpr int mirrored(int i, int N) { return i < 0 ? -1 - i : i > N ? 2 * N + 1 - i : i; }
-static_assert(mirrored(-3, 8) == 2 && mirrored(8, 8) == 8 && mirrored(11, 8) == 6);
+constexpr int mirrored_place(int i, int N) { return i < 0 ? -1 - i : i > N ? 2 * N + 1 - i : i; }
+static_assert(mirrored_place(-3, 8) == 2 && mirrored_place(8, 8) == 8 && mirrored_place(11, 8) == 6);
 
 }  // namespace mox
 
@@ -39,7 +39,7 @@ Mox32s quarter_sample(const Mox8u* s, std::ptrdiff_t distance, int i) {
   if constexpr (Q == 0) return s[i * distance];
   Mox32s sum = 128 - kRc;
   for (int tap = 0; tap < 8; ++tap) {
-    sum += kHalfSampleTaps[static_cast<std::size_t>(tap)] * s[mirrored(i - 3 + tap, N) * distance];
+    sum += kHalfSampleTaps[static_cast<std::size_t>(tap)] * s[mirrored_place(i - 3 + tap, N) * distance];
   }
   const Mox32s half = clip8(sum >> 8);
   if constexpr (Q == 2) return half;

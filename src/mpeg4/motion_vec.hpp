@@ -36,7 +36,7 @@ struct RowPairs {
   constexpr RowPairs() {
     for (int pair = 0; pair < 4; ++pair) {
       for (int i = 0; i < 2 * W; ++i) {
-        const int sample = mirrored(i / 2 - 3 + 2 * pair + i % 2, W);
+        const int sample = mirrored_place(i / 2 - 3 + 2 * pair + i % 2, W);
         const int byte = W == 8 ? (sample == 8 ? 15 : sample) : sample - i / 16;
         at[pair][i / 16][i % 16] = static_cast<Mox8u>(byte);
       }
@@ -114,7 +114,7 @@ template <int B, int H, int D, int kRc>
 MOX_INLINE void quarter_columns_group(const Mox8u* src, std::ptrdiff_t srcStep, Mox8u* dst, std::ptrdiff_t dstStep) {
   RowWindow<B> window{};
   const auto add = [&](int y) {
-    window.add(simd::load8<simd::u8, B>(src + mirrored(y, H) * srcStep, simd::strips<B>(8)));
+    window.add(simd::load8<simd::u8, B>(src + mirrored_place(y, H) * srcStep, simd::strips<B>(8)));
   };
   for (int y = -3; y < 4; ++y) add(y);
 #pragma GCC unroll 16
