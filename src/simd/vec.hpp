@@ -500,6 +500,25 @@ MOX_INLINE Mox32s total(s32<1> v) {
 }
 MOX_WIDE(MOX_INLINE Mox32s total(s32<2> v) { return total(part<0>(v) + part<1>(v)); })
 
+/// Doublewords shifted right by a number that is no constant; more than 31 leave the sign alone.
+MOX_INLINE s32<1> shr(s32<1> v, int n) { return {_mm_sra_epi32(v.r, _mm_cvtsi32_si128(n))}; }
+/// 8 pairs of bytes, each at its own offset from p.
+MOX_INLINE u8<1> load_pairs(const Mox8u* p, const Mox32s* offsets) {
+  const auto pair = [=](int i) {
+    Mox16u bytes;
+    std::memcpy(&bytes, p + offsets[i], 2);
+    return bytes;
+  };
+  __m128i v = _mm_cvtsi32_si128(pair(0));
+  v = _mm_insert_epi16(v, pair(1), 1);
+  v = _mm_insert_epi16(v, pair(2), 2);
+  v = _mm_insert_epi16(v, pair(3), 3);
+  v = _mm_insert_epi16(v, pair(4), 4);
+  v = _mm_insert_epi16(v, pair(5), 5);
+  v = _mm_insert_epi16(v, pair(6), 6);
+  return {_mm_insert_epi16(v, pair(7), 7)};
+}
+
 /// 4 floats a block, in a register of the others' type.
 template <int Blocks>
 struct f32 {
