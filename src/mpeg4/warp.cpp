@@ -5,6 +5,7 @@
 #include "frame/state_record.hpp"
 #include "mpeg4/warp_px.hpp"
 #include "mpeg4/warp_setup.hpp"
+#include "mpeg4/warp_vec.hpp"
 
 using namespace mox;
 

@@ -170,19 +170,23 @@ inline Mox8u interpolate(const Mox8u* src, std::ptrdiff_t step, const Neighbours
   return static_cast<Mox8u>((16 * top + roundConst + y.weight * (bottom - top)) >> 8);
 }
 
-/// A block of planes that share their positions.
+/// A sample of planes that share their positions.
+template <std::size_t kPlanes, class Map>
+void warp_sample(const std::array<WarpedPlane, kPlanes>& planes, const MoxiRect& sprite, Mox32s roundConst,
+                 const Map& map, Mox32s column, Mox32s row) {
+  const MoxiPoint position = map(column, row);
+  const Neighbours x(position.x, sprite.width), y(position.y, sprite.height);
+  for (const WarpedPlane& plane : planes) {
+    plane.dst[static_cast<std::ptrdiff_t>(row) * plane.dstStep + column] =
+        interpolate(plane.src, plane.srcStep, x, y, roundConst);
+  }
+}
+
 template <std::size_t kPlanes, class Map>
 MoxStatus warp(const std::array<WarpedPlane, kPlanes>& planes, const MoxiRect& sprite, const MoxiRect& block,
                Mox32s roundConst, const Map& map) {
   for (Mox32s row = 0; row < block.height; ++row) {
-    for (Mox32s column = 0; column < block.width; ++column) {
-      const MoxiPoint position = map(column, row);
-      const Neighbours x(position.x, sprite.width), y(position.y, sprite.height);
-      for (const WarpedPlane& plane : planes) {
-        plane.dst[static_cast<std::ptrdiff_t>(row) * plane.dstStep + column] =
-            interpolate(plane.src, plane.srcStep, x, y, roundConst);
-      }
-    }
+    for (Mox32s column = 0; column < block.width; ++column) warp_sample(planes, sprite, roundConst, map, column, row);
   }
   return moxStsOk;
 }

@@ -506,6 +506,24 @@ MOX_WIDE(MOX_INLINE s16<2> shr(s16<2> v, int n) { return {_mm256_sra_epi16(v.r, 
 /// Bit i is the top bit of byte i.
 MOX_INLINE Mox32u top_bits(u8<1> v) { return static_cast<Mox32u>(_mm_movemask_epi8(v.r)); }
 MOX_WIDE(MOX_INLINE Mox32u top_bits(u8<2> v) { return static_cast<Mox32u>(_mm256_movemask_epi8(v.r)); })
+/// Doublewords shifted right by a number that is no constant; more than 31 leave the sign alone.
+MOX_INLINE s32<1> shr(s32<1> v, int n) { return {_mm_sra_epi32(v.r, _mm_cvtsi32_si128(n))}; }
+/// 8 pairs of bytes, each at its own offset from p.
+MOX_INLINE u8<1> load_pairs(const Mox8u* p, const Mox32s* offsets) {
+  const auto pair = [=](int i) {
+    Mox16u bytes;
+    std::memcpy(&bytes, p + offsets[i], 2);
+    return bytes;
+  };
+  __m128i v = _mm_cvtsi32_si128(pair(0));
+  v = _mm_insert_epi16(v, pair(1), 1);
+  v = _mm_insert_epi16(v, pair(2), 2);
+  v = _mm_insert_epi16(v, pair(3), 3);
+  v = _mm_insert_epi16(v, pair(4), 4);
+  v = _mm_insert_epi16(v, pair(5), 5);
+  v = _mm_insert_epi16(v, pair(6), 6);
+  return {_mm_insert_epi16(v, pair(7), 7)};
+}
 
 /// 4 floats a block, in a register of the others' type.
 template <int Blocks>
