@@ -136,7 +136,8 @@ void Mpeg4Decoder::decode_picture() {
   finish_picture();
 }
 
-/// A picture that is not coded is like the one before it. One that comes no later than its reference only fills a place.
+/// A picture that is not coded is like the one before it. One that comes no later than its reference only fills a
+/// place.
 void Mpeg4Decoder::show_again(const PictureHeader& header, std::int64_t time) {
   if (!latest_) return;
   if (header.type == PictureType::kB) {
@@ -203,9 +204,12 @@ int probe(Bytes data) {
   for (int sure = 0; units.next(unit);) {
     if (sure == 0 && unit.position > 8) return 0;
     if (between(unit.code, kFirstLayer, kLastLayer)) return sure;
-    if (unit.code == kSequenceStart || unit.code == kObjectStart) sure = 85;
-    else if (between(unit.code, kFirstObject, kLastObject)) sure = std::max(sure, 80);
-    else if (unit.code != kUserData) return 0;
+    if (unit.code == kSequenceStart || unit.code == kObjectStart)
+      sure = 85;
+    else if (between(unit.code, kFirstObject, kLastObject))
+      sure = std::max(sure, 80);
+    else if (unit.code != kUserData)
+      return 0;
   }
   return 0;
 }

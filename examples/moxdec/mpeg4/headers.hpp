@@ -34,8 +34,8 @@ struct Layer {
 
   int width = 0;
   int height = 0;
-  int time_resolution = 1;   // ticks of a second
-  int fixed_time_step = 0;   // ticks from picture to picture; 0: not told
+  int time_resolution = 1;  // ticks of a second
+  int fixed_time_step = 0;  // ticks from picture to picture; 0: not told
   bool interlaced = false;
   bool quarter_sample = false;
   bool resync_markers = false;
@@ -54,7 +54,9 @@ struct Layer {
 
  private:
   /// What numbers below this one take, at least 1.
-  static int bits_below(int end) { return std::max(1, static_cast<int>(std::bit_width(static_cast<unsigned>(end - 1)))); }
+  static int bits_below(int end) {
+    return std::max(1, static_cast<int>(std::bit_width(static_cast<unsigned>(end - 1))));
+  }
 };
 
 /// Displacements of warping points in half samples.

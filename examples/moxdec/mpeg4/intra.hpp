@@ -11,17 +11,17 @@ namespace moxdec::mpeg4 {
 
 /// What an intra block leaves for its neighbours.
 struct IntraBlock {
-  Mox16s dc = 0;                    // coefficient
-  std::array<Mox16s, 8> row{};      // levels; the first one counts for nothing
+  Mox16s dc = 0;                // coefficient
+  std::array<Mox16s, 8> row{};  // levels; the first one counts for nothing
   std::array<Mox16s, 8> column{};
 };
 
 /// From which side a block is predicted.
 struct IntraSource {
   bool from_above = false;
-  int dc = 0;                        // coefficient
+  int dc = 0;                         // coefficient
   const IntraBlock* block = nullptr;  // null if there is no intra block at that side
-  int quantiser = 0;                 // of that block
+  int quantiser = 0;                  // of that block
 };
 
 /// Factor of the DC: of luma blocks 0 to 3 and chroma blocks 4 and 5.

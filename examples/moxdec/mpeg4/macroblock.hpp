@@ -32,8 +32,8 @@ class MacroblockReader {
   const Picture& picture_;
   const GlobalMotion& warp_;
   int quantiser_ = 0;
-  bool first_coded_ = true;                           // no macroblock of the packet has been coded so far
-  std::array<std::array<Vector, 2>, 2> latest_{};     // of a row of a B picture: [direction][field]
+  bool first_coded_ = true;                        // no macroblock of the packet has been coded so far
+  std::array<std::array<Vector, 2>, 2> latest_{};  // of a row of a B picture: [direction][field]
 };
 
 }  // namespace moxdec::mpeg4

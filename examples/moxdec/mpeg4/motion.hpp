@@ -21,8 +21,8 @@ enum class MotionKind : std::uint8_t { kFrame, kBlocks, kFields, kGlobal };
 
 /// Of one direction.
 struct Vectors {
-  std::array<Vector, 4> of{};     // by block (all the same with kFrame and kGlobal), or by field
-  std::array<int, 2> parity{};    // by field, of the field pointed to: 0 top, 1 bottom
+  std::array<Vector, 4> of{};   // by block (all the same with kFrame and kGlobal), or by field
+  std::array<int, 2> parity{};  // by field, of the field pointed to: 0 top, 1 bottom
 };
 
 struct Motion {

@@ -12,8 +12,8 @@ namespace moxdec::mpeg4 {
 
 /// Distances of a B picture from the references before and behind it.
 struct Distances {
-  std::int64_t from_past = 0;     // in ticks
-  std::int64_t between = 0;       // of the references
+  std::int64_t from_past = 0;         // in ticks
+  std::int64_t between = 0;           // of the references
   std::int64_t fields_from_past = 0;  // in fields
   std::int64_t fields_between = 0;
 };

@@ -9,13 +9,15 @@ namespace {
 
 using Copy = decltype(&moxiCopy16x16HP_8u_C1R);
 
-/// Samples of one plane of a frame, or of one of its fields.
+/// Samples of one plane of a frame, and which of its rows count: all, or those of a field.
 struct Plane {
-  Mox8u* samples;
+  const Mox8u* samples;
   int step;
-  int width, height;
+  int width, height;  // of the frame
+  int first = 0, gap = 1;
 
-  Plane field(int parity) const { return {samples + parity * step, 2 * step, width, height / 2}; }
+  Plane field(int parity) const { return {samples, step, width, height, parity, 2}; }
+  int frame_row(int y) const { return first + gap * y; }
 };
 
 Plane plane_of(const Frame& frame, int i) {
@@ -29,19 +31,21 @@ struct Target {
 };
 
 /// The samples at a place of a plane: there, or in a copy if some of them lie outside, where the nearest ones inside
-/// stand for them.
+/// stand for them. Those are the nearest of the frame, for a field too.
 class Patch {
  public:
   static constexpr int kLargest = 17;
 
   Patch(const Plane& plane, int x, int y, int columns, int rows) {
-    if (x >= 0 && y >= 0 && x + columns <= plane.width && y + rows <= plane.height) {
-      samples_ = plane.samples + std::ptrdiff_t{y} * plane.step + x;
-      step_ = plane.step;
+    const int top = plane.frame_row(y), bottom = plane.frame_row(y + rows - 1);
+    if (x >= 0 && top >= 0 && x + columns <= plane.width && bottom < plane.height) {
+      samples_ = plane.samples + std::ptrdiff_t{top} * plane.step + x;
+      step_ = plane.gap * plane.step;
       return;
     }
     for (int row = 0; row < rows; ++row) {
-      const Mox8u* const line = plane.samples + std::ptrdiff_t{std::clamp(y + row, 0, plane.height - 1)} * plane.step;
+      const int inside = std::clamp(plane.frame_row(y + row), 0, plane.height - 1);
+      const Mox8u* const line = plane.samples + std::ptrdiff_t{inside} * plane.step;
       for (int i = 0; i < columns; ++i) copy_[row][i] = line[std::clamp(x + i, 0, plane.width - 1)];
     }
     samples_ = copy_[0].data();
@@ -99,11 +103,15 @@ class MacroblockPredictor {
     for (int i = 1; i < 3; ++i) copy_chroma(8, plane_of(reference, i), chroma, target.samples[i], target.step[i]);
   }
 
+  /// Quarters in fields are those of 8x8 blocks.
   void predict_fields(const Frame& reference, const Vectors& vectors, const Target& target) const {
+    const int width = quarter_ ? 8 : 16;
     for (int field = 0; field < 2; ++field) {
       const int parity = vectors.parity[field];
-      copy_luma({16, 8}, plane_of(reference, 0).field(parity), 16 * place_.x, 8 * place_.y, vectors.of[field],
-                target.samples[0] + field * target.step[0], 2 * target.step[0]);
+      for (int x = 0; x < 16; x += width) {
+        copy_luma({width, 8}, plane_of(reference, 0).field(parity), 16 * place_.x + x, 8 * place_.y, vectors.of[field],
+                  target.samples[0] + field * target.step[0] + x, 2 * target.step[0]);
+      }
       const Vector chroma = chroma_vector(vectors, field, 1);
       for (int i = 1; i < 3; ++i) {
         copy_chroma(4, plane_of(reference, i).field(parity), chroma, target.samples[i] + field * target.step[i],
@@ -117,8 +125,8 @@ class MacroblockPredictor {
     moxiWarpLuma_MPEG4_8u_C1R(reference.samples<Mox8u>(0), reference.step(0), target.samples[0], target.step[0], &luma,
                               warp_.record());
     moxiWarpChroma_MPEG4_8u_P2R(reference.samples<Mox8u>(1), reference.step(1), reference.samples<Mox8u>(2),
-                                reference.step(2), target.samples[1], target.step[1], target.samples[2],
-                                target.step[2], &chroma, warp_.record());
+                                reference.step(2), target.samples[1], target.step[1], target.samples[2], target.step[2],
+                                &chroma, warp_.record());
   }
 
   void copy_luma(MoxiSize size, const Plane& plane, int x, int y, Vector vector, Mox8u* target, int step) const {
@@ -126,12 +134,9 @@ class MacroblockPredictor {
     const int dx = vector.x & mask, dy = vector.y & mask;
     const Patch patch(plane, x + (vector.x >> shift), y + (vector.y >> shift), size.width + (dx != 0),
                       size.height + (dy != 0));
-    const auto pick = [&](Copy of_16x16, Copy of_16x8, Copy of_8x8) {
-      return size.width == 8 ? of_8x8 : size.height == 8 ? of_16x8 : of_16x16;
-    };
-    const Copy copy =
-        quarter_ ? pick(moxiCopy16x16QP_MPEG4_8u_C1R, moxiCopy16x8QP_MPEG4_8u_C1R, moxiCopy8x8QP_MPEG4_8u_C1R)
-                 : pick(moxiCopy16x16HP_8u_C1R, moxiCopy16x8HP_8u_C1R, moxiCopy8x8HP_8u_C1R);
+    Copy copy = quarter_ ? moxiCopy16x16QP_MPEG4_8u_C1R : moxiCopy16x16HP_8u_C1R;
+    if (size.width == 8) copy = quarter_ ? moxiCopy8x8QP_MPEG4_8u_C1R : moxiCopy8x8HP_8u_C1R;
+    if (size.width > size.height) copy = moxiCopy16x8HP_8u_C1R;
     copy(patch.samples(), patch.step(), target, step, dx | dy << shift, picture_.header.rounding);
   }
 
@@ -144,13 +149,14 @@ class MacroblockPredictor {
     copy(patch.samples(), patch.step(), target, step, half_x | half_y << 1, picture_.header.rounding);
   }
 
-  /// From `count` luma vectors, whose quarters are first cut to halves.
+  /// From `count` luma vectors, whose quarters are first cut to halves: rows of fields downwards, all else to zero.
   Vector chroma_vector(const Vectors& vectors, int first, int count) const {
     const int unit = quarter_ ? 2 : 1;
+    const bool fields = motion_.kind == MotionKind::kFields;
     Vector sum;
     for (int i = first; i < first + count; ++i) {
       sum.x += vectors.of[i].x / unit;
-      sum.y += vectors.of[i].y / unit;
+      sum.y += fields ? vectors.of[i].y >> (unit - 1) : vectors.of[i].y / unit;
     }
     return {chroma_component(sum.x, count), chroma_component(sum.y, count)};
   }
@@ -183,9 +189,9 @@ void GlobalMotion::begin_picture(const Picture& picture) {
   const PictureHeader& header = picture.header;
   const MoxiRect reference{0, 0, 16 * layer.mb_width(), 16 * layer.mb_height()}, shown{0, 0, layer.width, layer.height};
   require(moxiWarpInit_MPEG4(reinterpret_cast<MoxiWarpSpec*>(memory_.data()), header.trajectory.du.data(),
-                             header.trajectory.dv.data(), layer.warping_points, kNoStaticSprite,
-                             layer.warping_accuracy, header.rounding, layer.quarter_sample,
-                             header.f_code[kForward], &reference, &shown) == moxStsOk,
+                             header.trajectory.dv.data(), layer.warping_points, kNoStaticSprite, layer.warping_accuracy,
+                             header.rounding, layer.quarter_sample, header.f_code[kForward], &reference,
+                             &shown) == moxStsOk,
           "a warp cannot be set up");
 }
 
