@@ -96,8 +96,8 @@ TEST(Corrupt, EndsInAnErrorOrInPictures) {
       }
       decode_damaged(damaged, count);
     }
-    std::printf("%s: %d damaged copies, %d with an error, %d frames, the slowest took %.3f s\n",
-                vector.file.c_str(), count.copies, count.errors, count.frames, count.longest);
+    std::printf("%s: %d damaged copies, %d with an error, %d frames, the slowest took %.3f s\n", vector.file.c_str(),
+                count.copies, count.errors, count.frames, count.longest);
     EXPECT_GT(count.errors, copies / 4);
     EXPECT_GT(count.frames, 0);
     EXPECT_LT(count.longest, 10);
