@@ -216,6 +216,21 @@ TEST(Mpeg4Packets, HaveALongerMarkerInBPictures) {
   EXPECT_EQ(decoded.shades(), (std::vector<int>{100, 125, 150}));
 }
 
+TEST(Mpeg4Packets, MayBeginAmongMacroblocksWithoutBits) {
+  // The P picture leaves out the second and the third macroblock. Those of the B picture are direct.
+  BitWriter p;
+  for (int i = 0; i < 4; ++i) i % 3 ? p.u(1, 1) : p.u(6, 0x1F);
+  for (const auto& [address, error] : {std::pair{1, ""}, std::pair{2, ""}, std::pair{3, ""}, std::pair{0, "missing"}}) {
+    BitWriter w;
+    fill(w.u(1, 1), 25).u(18, 1).u(2, address).u(5, 8).u(1, 0).u(1, 1);
+    const Mpeg4 m = Mpeg4().layer({.resync = true}).flat(100, 0).picture({.type = kP, .time = 2}, p);
+    const Decoded decoded = decode_all(Mpeg4(m).picture({.type = kB, .time = 1}, w).stream());
+    EXPECT_EQ(decoded.error.empty(), *error == 0) << decoded.error;
+    EXPECT_NE(decoded.error.find(error), std::string::npos) << decoded.error;
+    EXPECT_EQ(decoded.frames.size(), *error ? 2u : 3u);
+  }
+}
+
 TEST(Mpeg4Bidirectional, TypesOfMacroblocks) {
   // Direct without and with vectors, interpolated, backward, forward; references of shades 100 and 150.
   const Mpeg4 ready = Mpeg4().layer().flat(100, 0).flat(150, 3);
@@ -296,7 +311,7 @@ TEST(Mpeg4Errors, AreNamed) {
   const auto b = [&](int time, const BitWriter& w) { return Mpeg4(two).picture({.type = kB, .time = time}, w); };
   const auto bits = [](int count, std::uint32_t value) { return BitWriter().u(count, value); };
   BitWriter gap, long_run;
-  fill(intra(gap, 0), 19).u(17, 1).u(2, 2).u(10, 0);
+  fill(intra(gap, 0), 19).u(17, 1).u(2, 2).u(5, 8).u(1, 0);
   dc(code(long_run.u(2, 2), example::kCbpyCodes, 8), 0);
   for (int n = 0; n < 2; ++n) long_run.u(9, 15).u(1, 0).u(6, 40).u(1, 1).u(12, 5).u(1, 1);
   const std::vector<Refused> cases = {

@@ -21,6 +21,11 @@ class PictureDecoder {
   void decode();
 
  private:
+  struct PacketHeader {
+    int address = 0;  // of the first macroblock
+    int quantiser = 0;
+  };
+
   /// The macroblocks of a packet, up to the next one or to the end of the picture.
   void decode_packet(int quantiser);
   void decode_macroblock();
@@ -28,8 +33,8 @@ class PictureDecoder {
   void rebuild(const Macroblock& mb);
   void begin_macroblock(int address);
   bool at_packet_end() const;
-  /// Returns the quantiser.
-  int read_packet_header();
+  PacketHeader read_packet_header();
+  void skip_to(int address);
   int marker_length() const;
 
   const Picture& picture_;
