@@ -3,35 +3,34 @@
 namespace mox::bench {
 namespace {
 
-/// A QCIF picture: what a larger or smaller picture is made of.
-constexpr MoxiSize kOld = {176, 144}, kDouble = {352, 288};
-constexpr Mox32s kOldSteps[3] = {176, 88, 88}, kDoubleSteps[3] = {352, 176, 176};
-const Mox8u* const kSource[3] = {buffer<Mox8u>(176 * 144, 0, 255), buffer<Mox8u>(88 * 72, 0, 255),
-                                 buffer<Mox8u>(88 * 72, 0, 255)};
-Mox8u* const kLarge[3] = {buffer<Mox8u>(352 * 288, 0, 0), buffer<Mox8u>(176 * 144, 0, 0),
-                          buffer<Mox8u>(176 * 144, 0, 0)};
+/// A small picture, which stays in the first-level cache with the larger one that is made of it.
+constexpr MoxiSize kOld = {64, 32}, kDouble = {128, 64};
+constexpr Mox32s kOldSteps[3] = {64, 32, 32}, kDoubleSteps[3] = {128, 64, 64};
+const Mox8u* const kSource[3] = {buffer<Mox8u>(64 * 32, 0, 255), buffer<Mox8u>(32 * 16, 0, 255),
+                                 buffer<Mox8u>(32 * 16, 0, 255)};
+Mox8u* const kLarge[3] = {buffer<Mox8u>(128 * 64, 0, 0), buffer<Mox8u>(64 * 32, 0, 0), buffer<Mox8u>(64 * 32, 0, 0)};
 /// Corners on each other, and turned and shrunk a little.
-constexpr MoxiPoint kDoubled[4] = {{0, 0}, {-352, 0}, {0, -288}, {-352, -288}};
-constexpr MoxiPoint kTurned[4] = {{20, 3}, {-350, 21}, {2, -300}, {-371, -284}};
+constexpr MoxiPoint kDoubled[4] = {{0, 0}, {-128, 0}, {0, -64}, {-128, -64}};
+constexpr MoxiPoint kTurned[4] = {{6, 2}, {-127, 5}, {1, -68}, {-133, -62}};
 
 template <class Function, class... Arguments>
 Row by_two(Symbol<Function> symbol, const char* variant, MoxiSize size, Arguments... arguments) {
-  return call(symbol, variant, kSource[0], 176, kLarge[0], 352, size, arguments...);
+  return call(symbol, variant, kSource[0], 64, kLarge[0], 128, size, arguments...);
 }
 Row resample(const char* variant, const MoxiPoint* corner, Mox32s fillMode) {
-  return call(MOX_FN(moxiResample_H263_8u_P3R), variant, kSource, kOldSteps, kLarge, kDoubleSteps, kOld, kDouble, corner,
-              2, fillMode, nullptr, 0);
+  return call(MOX_FN(moxiResample_H263_8u_P3R), variant, kSource, kOldSteps, kLarge, kDoubleSteps, kOld, kDouble,
+              corner, 2, fillMode, nullptr, 0);
 }
 
 const Row kRows[] = {
-    by_two(MOX_FN(moxiUpsampleFour_H263_8u_C1R), "QCIF luma", kOld, 0),
-    by_two(MOX_FN(moxiUpsampleFour_H263_8u_C1R), "QCIF chroma", MoxiSize{88, 72}, 0),
-    by_two(MOX_FN(moxiDownsampleFour_H263_8u_C1R), "QCIF luma", kOld, 0),
-    by_two(MOX_FN(moxiSpatialInterpolation_H263_8u_C1R), "QCIF luma, rows", kOld, 1),
-    by_two(MOX_FN(moxiSpatialInterpolation_H263_8u_C1R), "QCIF luma, columns", kOld, 2),
-    by_two(MOX_FN(moxiSpatialInterpolation_H263_8u_C1R), "QCIF luma, both", kOld, 3),
-    resample("QCIF to CIF", kDoubled, 3),
-    resample("QCIF to CIF, turned", kTurned, 1),
+    by_two(MOX_FN(moxiUpsampleFour_H263_8u_C1R), "64x32", kOld, 0),
+    by_two(MOX_FN(moxiUpsampleFour_H263_8u_C1R), "32x16", MoxiSize{32, 16}, 0),
+    by_two(MOX_FN(moxiDownsampleFour_H263_8u_C1R), "64x32", kOld, 0),
+    by_two(MOX_FN(moxiSpatialInterpolation_H263_8u_C1R), "64x32, rows", kOld, 1),
+    by_two(MOX_FN(moxiSpatialInterpolation_H263_8u_C1R), "64x32, columns", kOld, 2),
+    by_two(MOX_FN(moxiSpatialInterpolation_H263_8u_C1R), "64x32, both", kOld, 3),
+    resample("64x32 to 128x64", kDoubled, 3),
+    resample("64x32 to 128x64, turned", kTurned, 1),
 };
 const Family kResampling("h263_resampling", kRows);
 

@@ -43,7 +43,8 @@ MoxStatus add_backward_rows(const Mox8u* forward, std::ptrdiff_t forwardStep, co
       continue;
     }
     const Mox8u* const above = macroblock + y * macroblockStep;
-    const PbNeighbours upper(load_row(above), left, right), lower(load_row(above + block.halfY * macroblockStep), left, right);
+    const PbNeighbours upper(load_row(above), left, right),
+        lower(load_row(above + block.halfY * macroblockStep), left, right);
     // Too much by one where a half went up twice.
     const auto excess = (upper.half | lower.half) & (upper.mean ^ lower.mean) & splat<u8, 1>(1);
     const auto backward = avg(upper.mean, lower.mean) - excess;

@@ -57,8 +57,8 @@ MoxStatus moxiResample_H263_8u_P3R(const Mox8u* const ppSrc[3], const Mox32s pSr
   for (int i = 0; i < 3; ++i) {
     const int subsampled = i > 0;
     active::h263_resample({ppSrc[i], pSrcStep[i], plane_size(srcSize, subsampled), ppDst[i], pDstStep[i],
-                      plane_size(dstSize, subsampled), fill_of(fillMode, pFillColour, i), subsampled},
-                     map, 127 + rcrpr);
+                           plane_size(dstSize, subsampled), fill_of(fillMode, pFillColour, i), subsampled},
+                          map, 127 + rcrpr);
   }
   return moxStsOk;
 }

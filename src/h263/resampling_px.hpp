@@ -77,22 +77,23 @@ inline Mox8u h263_doubled(const Mox8u* near, const Mox8u* far, DoublingTaps x, M
 /// formula serves all: (12 A + 4 B + 8) >> 4 is (3 A + B + 2) >> 2.
 template <int kX, int kY>
 MoxStatus h263_enlarge(const Mox8u* src, std::ptrdiff_t srcStep, Mox8u* dst, std::ptrdiff_t dstStep, MoxiSize srcSize,
-                  Mox32s rounding) {
+                       Mox32s rounding) {
   for (Mox32s row = 0; row < kY * srcSize.height; ++row, dst += dstStep) {
     const auto y = DoublingTaps::at<kY>(row, srcSize.height);
     for (Mox32s column = 0; column < kX * srcSize.width; ++column) {
       dst[column] = h263_doubled(src + y.near * srcStep, src + y.far * srcStep,
-                            DoublingTaps::at<kX>(column, srcSize.width), rounding);
+                                 DoublingTaps::at<kX>(column, srcSize.width), rounding);
     }
   }
   return moxStsOk;
 }
 
 /// [directions - 1]: 1 rows, 2 columns, 3 both.
-inline constexpr std::array<DoublingKernel, 3> kH263Enlarge = {h263_enlarge<2, 1>, h263_enlarge<1, 2>, h263_enlarge<2, 2>};
+inline constexpr std::array<DoublingKernel, 3> kH263Enlarge = {h263_enlarge<2, 1>, h263_enlarge<1, 2>,
+                                                               h263_enlarge<2, 2>};
 
-inline MoxStatus h263_halve(const Mox8u* src, std::ptrdiff_t srcStep, Mox8u* dst, std::ptrdiff_t dstStep, MoxiSize srcSize,
-                       Mox32s rounding) {
+inline MoxStatus h263_halve(const Mox8u* src, std::ptrdiff_t srcStep, Mox8u* dst, std::ptrdiff_t dstStep,
+                            MoxiSize srcSize, Mox32s rounding) {
   for (Mox32s row = 0; row < srcSize.height / 2; ++row, src += 2 * srcStep, dst += dstStep) {
     for (Mox32s column = 0; column < srcSize.width / 2; ++column) {
       const Mox8u *const above = src + 2 * column, *const below = above + srcStep;

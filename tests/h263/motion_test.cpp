@@ -37,8 +37,8 @@ TEST_P(H263Motion, EqualsOracle) {
     for (int row = 0; row < 8; ++row) {
       for (int column = 0; column < 8; ++column) {
         const bool inside = row >= rows[0] && row <= rows[1] && column >= columns[0] && column <= columns[1];
-        const int backward = oracle::interpolated(macroblock, -1, 2 * (x + column) + vector.x,
-                                                  2 * (y + row) + vector.y, 2, 2);
+        const int backward =
+            oracle::interpolated(macroblock, -1, 2 * (x + column) + vector.x, 2 * (y + row) + vector.y, 2, 2);
         const int f = forward(column, row);
         expected(column, row) = static_cast<Mox8u>(inside ? (f + backward) / 2 : f);
       }

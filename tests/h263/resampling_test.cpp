@@ -35,9 +35,10 @@ struct ByTwo {
 /// Three planes of a 4:2:0 picture, and what the functions want to know of them.
 struct Picture {
   explicit Picture(MoxiSize luma, int extra = 0, Placement placement = {})
-      : size(luma), planes{{size.width, size.height, size.width + extra, placement},
-                           {size.width / 2, size.height / 2, size.width / 2 + extra, placement},
-                           {size.width / 2, size.height / 2, size.width / 2 + 2 * extra, placement}} {}
+      : size(luma),
+        planes{{size.width, size.height, size.width + extra, placement},
+               {size.width / 2, size.height / 2, size.width / 2 + extra, placement},
+               {size.width / 2, size.height / 2, size.width / 2 + 2 * extra, placement}} {}
   MoxiSize size;
   Plane<Mox8u> planes[3];
   Mox8u* const data[3] = {planes[0].at(0, 0), planes[1].at(0, 0), planes[2].at(0, 0)};
@@ -133,7 +134,8 @@ TEST_P(H263Resampling, GeneralFormEqualsByTwo) {
       for (int p = 0; p < 3; ++p) {
         const MoxiSize plane = {old.planes[p].width(), old.planes[p].height()};
         form.call(old.source[p], old.steps[p], expected.data[p], expected.steps[p], plane);
-        ASSERT_EQ(out.planes[p].copy(), expected.planes[p].copy()) << form.name << ", " << size.width << ", plane " << p;
+        ASSERT_EQ(out.planes[p].copy(), expected.planes[p].copy())
+            << form.name << ", " << size.width << ", plane " << p;
       }
     }
   }

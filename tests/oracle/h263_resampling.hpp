@@ -11,8 +11,8 @@
 
 namespace mox::test::oracle {
 
-/// The sample at (x, y) in 1/unit of a sample, before the division by unit * unit `round` more. The plane goes on beyond
-/// its edges with the nearest sample, or with a fill of 0 or more.
+/// The sample at (x, y) in 1/unit of a sample, before the division by unit * unit `round` more. The plane goes on
+/// beyond its edges with the nearest sample, or with a fill of 0 or more.
 inline int interpolated(const Plane<Mox8u>& old, int fill, int x, int y, int unit, int round) {
   int sum = round;
   for (int row = y / unit - 2; row <= y / unit + 2; ++row) {
