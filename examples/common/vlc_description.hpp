@@ -18,9 +18,9 @@ struct VlcCode {
   int length;
 };
 
-/// The codes of a text such as "1 011 010", in its order. At most 64 codes of at most 16 bits.
+/// The codes of a text such as "1 011 010", in its order. At most 72 codes of at most 16 bits.
 struct VlcCodes {
-  std::array<VlcCode, 64> codes{};
+  std::array<VlcCode, 72> codes{};
   int count = 0;
 
   constexpr explicit VlcCodes(std::string_view text) {

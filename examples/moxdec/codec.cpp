@@ -7,11 +7,12 @@
 #include "moxdec/error.hpp"
 #include "moxdec/h264/decoder.hpp"
 #include "moxdec/mpeg12/decoder.hpp"
+#include "moxdec/mpeg4/decoder.hpp"
 
 namespace moxdec {
 namespace {
 
-constexpr const Codec* kCodecs[] = {&h264::kCodec, &mpeg12::kCodec};
+constexpr const Codec* kCodecs[] = {&h264::kCodec, &mpeg12::kCodec, &mpeg4::kCodec};
 
 bool has_extension(const Codec& codec, std::string_view file_name) {
   const auto point = file_name.rfind('.');

@@ -4,8 +4,8 @@
 #include <array>
 #include <memory>
 
-#include "moxdec/mpeg12/bit_reader.hpp"
 #include "moxdec/mpeg12/headers.hpp"
+#include "moxdec/word_reader.hpp"
 
 namespace moxdec::mpeg12 {
 
@@ -17,7 +17,7 @@ class CodeTable {
   explicit CodeTable(const MoxVlcSpec* spec, Build build = moxiHuffmanTableInitAlloc_32s);
   const MoxVlcTable* get() const { return table_.get(); }
   /// The value of the next code; `message` says what is wrong if there is none.
-  int read(BitReader& bits, const char* message) const {
+  int read(WordReader& bits, const char* message) const {
     Mox32s value = 0;
     require(moxiDecodeHuffmanOne_1u32s(bits.word(), bits.offset(), &value, table_.get()) == moxStsOk, message);
     bits.expect_inside();

@@ -8,6 +8,7 @@
 
 #include "moxdec/error.hpp"
 #include "moxdec/mpeg12/slice_decoder.hpp"
+#include "moxdec/start_codes.hpp"
 
 namespace moxdec::mpeg12 {
 namespace {
@@ -36,8 +37,8 @@ class Mpeg12Decoder : public Decoder {
   void advance();
   void decode_unit(const Unit& unit);
   void decode_header(const Unit& unit);
-  void decode_group(BitReader& bits);
-  void decode_extension(BitReader& bits);
+  void decode_group(WordReader& bits);
+  void decode_extension(WordReader& bits);
   void decode_slice(const Unit& unit);
   void begin_picture();
   void begin_frame();
@@ -97,7 +98,7 @@ void Mpeg12Decoder::decode_header(const Unit& unit) {
   if (unit.code != kSequenceHeader && unit.code != kPictureStart && unit.code != kExtension && unit.code != kGroupStart)
     return;
   payload_.assign(unit.payload);
-  BitReader bits = payload_.reader();
+  WordReader bits = payload_.reader();
   if (unit.code == kSequenceHeader) {
     read_sequence_header(bits, sequence_, weights_);
   } else if (unit.code == kExtension) {
@@ -112,7 +113,7 @@ void Mpeg12Decoder::decode_header(const Unit& unit) {
 }
 
 /// A broken link says that the group before is not the one that its B pictures were predicted from.
-void Mpeg12Decoder::decode_group(BitReader& bits) {
+void Mpeg12Decoder::decode_group(WordReader& bits) {
   bits.skip(25);
   open_group_ = !bits.flag();
   if (!bits.flag()) return;
@@ -120,7 +121,7 @@ void Mpeg12Decoder::decode_group(BitReader& bits) {
   older_ = newer_ = nullptr;
 }
 
-void Mpeg12Decoder::decode_extension(BitReader& bits) {
+void Mpeg12Decoder::decode_extension(WordReader& bits) {
   const int id = bits.number(4);
   require(id != kSequenceScalableExtension, "scalable streams are not supported");
   require(sequence_.width > 0, "an extension in front of the first sequence header");

@@ -10,7 +10,7 @@ namespace {
 constexpr int kMostMacroblocks = 1 << 16;
 
 /// Weights are sent in zigzag order whatever the scan of the coefficients is.
-void read_matrix(BitReader& bits, Weights::Matrix& matrix) {
+void read_matrix(WordReader& bits, Weights::Matrix& matrix) {
   for (const int raster : example::kZigzag8x8) {
     const int weight = bits.number(8);
     require(weight != 0, "a weight of the quantiser is 0");
@@ -20,7 +20,7 @@ void read_matrix(BitReader& bits, Weights::Matrix& matrix) {
 
 }  // namespace
 
-void read_sequence_header(BitReader& bits, Sequence& sequence, Weights& weights) {
+void read_sequence_header(WordReader& bits, Sequence& sequence, Weights& weights) {
   sequence = {};
   sequence.width = bits.number(12);
   sequence.height = bits.number(12);
@@ -46,7 +46,7 @@ void read_sequence_header(BitReader& bits, Sequence& sequence, Weights& weights)
   require(sequence.width > 0 && sequence.height > 0, "a picture has no size");
 }
 
-void read_sequence_extension(BitReader& bits, Sequence& sequence) {
+void read_sequence_extension(WordReader& bits, Sequence& sequence) {
   sequence.mpeg2 = true;
   bits.skip(8);  // profile and level
   sequence.progressive = bits.flag();
@@ -63,7 +63,7 @@ void read_sequence_extension(BitReader& bits, Sequence& sequence) {
   require(sequence.mb_width() * sequence.mb_height() <= kMostMacroblocks, "pictures are too large");
 }
 
-void read_quant_matrix_extension(BitReader& bits, Weights& weights) {
+void read_quant_matrix_extension(WordReader& bits, Weights& weights) {
   for (int chroma = 0; chroma < 2; ++chroma) {
     for (int not_intra = 0; not_intra < 2; ++not_intra) {
       if (!bits.flag()) continue;
@@ -73,7 +73,7 @@ void read_quant_matrix_extension(BitReader& bits, Weights& weights) {
   }
 }
 
-void read_picture_header(BitReader& bits, PictureHeader& picture) {
+void read_picture_header(WordReader& bits, PictureHeader& picture) {
   picture = {};
   bits.skip(10);  // temporal reference: the order follows from the types
   const int type = bits.number(3);
@@ -88,7 +88,7 @@ void read_picture_header(BitReader& bits, PictureHeader& picture) {
   skip_extra_information(bits);
 }
 
-void read_picture_coding_extension(BitReader& bits, PictureHeader& picture) {
+void read_picture_coding_extension(WordReader& bits, PictureHeader& picture) {
   picture.has_extension = true;
   picture.full_pel = {};
   for (auto& codes : picture.f_code) {
@@ -106,7 +106,7 @@ void read_picture_coding_extension(BitReader& bits, PictureHeader& picture) {
   picture.alternate_scan = bits.flag();
 }
 
-void skip_extra_information(BitReader& bits) {
+void skip_extra_information(WordReader& bits) {
   while (bits.flag()) bits.skip(8);
 }
 

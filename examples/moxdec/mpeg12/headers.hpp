@@ -5,7 +5,7 @@
 
 #include "moxdec/codec.hpp"
 #include "moxdec/frame.hpp"
-#include "moxdec/mpeg12/bit_reader.hpp"
+#include "moxdec/word_reader.hpp"
 
 namespace moxdec::mpeg12 {
 
@@ -79,12 +79,12 @@ struct PictureHeader {
 };
 
 /// These read behind the start code and, of extensions, behind the identification. They throw DecodeError.
-void read_sequence_header(BitReader& bits, Sequence& sequence, Weights& weights);
-void read_sequence_extension(BitReader& bits, Sequence& sequence);
-void read_quant_matrix_extension(BitReader& bits, Weights& weights);
-void read_picture_header(BitReader& bits, PictureHeader& picture);
-void read_picture_coding_extension(BitReader& bits, PictureHeader& picture);
+void read_sequence_header(WordReader& bits, Sequence& sequence, Weights& weights);
+void read_sequence_extension(WordReader& bits, Sequence& sequence);
+void read_quant_matrix_extension(WordReader& bits, Weights& weights);
+void read_picture_header(WordReader& bits, PictureHeader& picture);
+void read_picture_coding_extension(WordReader& bits, PictureHeader& picture);
 /// The information that may stand at the end of a picture or slice header, and its end.
-void skip_extra_information(BitReader& bits);
+void skip_extra_information(WordReader& bits);
 
 }  // namespace moxdec::mpeg12

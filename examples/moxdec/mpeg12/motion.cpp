@@ -4,7 +4,7 @@
 
 namespace moxdec::mpeg12 {
 
-void MotionReader::read(BitReader& bits, Direction s, Motion& motion) {
+void MotionReader::read(WordReader& bits, Direction s, Motion& motion) {
   motion.used[s] = true;
   const bool dual = motion.kind == MotionKind::kDualPrime;
   const bool two = motion.kind == MotionKind::k16x8 || (motion.kind == MotionKind::kField && picture_.is_frame());
@@ -18,7 +18,7 @@ void MotionReader::read(BitReader& bits, Direction s, Motion& motion) {
   if (dual) derive_opposite(motion, difference);
 }
 
-Vector MotionReader::read_vector(BitReader& bits, int r, Direction s, bool field_of_frame, Vector* dual) {
+Vector MotionReader::read_vector(WordReader& bits, int r, Direction s, bool field_of_frame, Vector* dual) {
   Vector& predicted = predicted_[r][s];
   predicted.x = read_component(bits, picture_.f_code[s][0], predicted.x);
   if (dual) dual->x = tables_.dmvector.read(bits, "broken vector");
@@ -30,7 +30,7 @@ Vector MotionReader::read_vector(BitReader& bits, int r, Direction s, bool field
 }
 
 /// A difference is coded in steps of 2^(f_code - 1); the sum wraps within 32 steps.
-int MotionReader::read_component(BitReader& bits, int f_code, int predicted) {
+int MotionReader::read_component(WordReader& bits, int f_code, int predicted) {
   require(f_code >= 1 && f_code <= 9, "a range of vectors is none");
   const int code = tables_.motion_code.read(bits, "broken vector"), size = f_code - 1;
   int difference = code;

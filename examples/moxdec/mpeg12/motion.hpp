@@ -39,13 +39,13 @@ class MotionReader {
   /// Starts the differences from zero.
   void reset() { predicted_ = {}; }
   /// The vectors of one direction; `motion.kind` is known.
-  void read(BitReader& bits, Direction s, Motion& motion);
+  void read(WordReader& bits, Direction s, Motion& motion);
   /// Motion of a macroblock that tells none: by the vectors before it, which a reset makes zero.
   void repeat(Motion& motion) const;
 
  private:
-  Vector read_vector(BitReader& bits, int r, Direction s, bool field_of_frame, Vector* dual);
-  int read_component(BitReader& bits, int f_code, int predicted);
+  Vector read_vector(WordReader& bits, int r, Direction s, bool field_of_frame, Vector* dual);
+  int read_component(WordReader& bits, int f_code, int predicted);
   void derive_opposite(Motion& motion, Vector difference) const;
 
   const PictureHeader& picture_;

@@ -22,7 +22,7 @@ Place place_of(int i, bool field_transform, bool one_chroma_block) {
 
 }  // namespace
 
-SliceDecoder::SliceDecoder(Picture& picture, const Weights& weights, const CodeTables& tables, BitReader bits)
+SliceDecoder::SliceDecoder(Picture& picture, const Weights& weights, const CodeTables& tables, WordReader bits)
     : picture_(picture),
       header_(picture.header),
       weights_(weights),

@@ -12,7 +12,7 @@ namespace moxdec::mpeg12 {
 
 class SliceDecoder {
  public:
-  SliceDecoder(Picture& picture, const Weights& weights, const CodeTables& tables, BitReader bits);
+  SliceDecoder(Picture& picture, const Weights& weights, const CodeTables& tables, WordReader bits);
 
   /// Decodes the slice of a start code. Its macroblocks must follow those that the picture has. Throws DecodeError.
   void decode(int start_code);
@@ -46,7 +46,7 @@ class SliceDecoder {
   const PictureHeader& header_;
   const Weights& weights_;
   const CodeTables& tables_;
-  BitReader bits_;
+  WordReader bits_;
   MotionReader motion_reader_;
   Motion motion_;  // of the last macroblock, none if it was intra
   std::array<Mox16s, 3> dc_{};

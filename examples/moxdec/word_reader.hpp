@@ -1,4 +1,4 @@
-/// Reading of elements on the library's word cursor.
+/// Reading of elements on the library's word cursor, for MPEG-1/2 and AVS.
 #pragma once
 
 #include <cstddef>
@@ -9,16 +9,16 @@
 #include "moxdec/error.hpp"
 #include "moxvc.h"
 
-namespace moxdec::mpeg12 {
+namespace moxdec {
 
 /// The library reads without knowing the end of the data: the words lie before `kPaddingWords` words of zeros, where no
 /// code begins, and each read is tested afterwards.
-class BitReader {
+class WordReader {
  public:
   /// More than one block can take: 64 coefficients of at most 28 bits, and the DC.
   static constexpr std::size_t kPaddingWords = 64;
 
-  BitReader(const Mox32u* words, std::size_t bits) : first_(words), word_(words), bits_(bits) {}
+  WordReader(const Mox32u* words, std::size_t bits) : first_(words), word_(words), bits_(bits) {}
 
   /// The next `count` bits, 1 to 32, of which the cursor stays in front.
   Mox32u peek(int count) const {
@@ -57,34 +57,15 @@ class BitReader {
   Mox32s offset_ = 31;
 };
 
-/// The bytes between two start codes, and their place in the stream.
-struct Unit {
-  int code;
-  std::size_t position;  // of the first byte behind the start code
-  Bytes payload;
-};
-
-/// The units of a stream, one after the other. What precedes the first start code is passed over.
-class UnitReader {
- public:
-  explicit UnitReader(Bytes data);
-  /// False behind the last unit.
-  bool next(Unit& unit);
-
- private:
-  Bytes data_;
-  std::size_t position_;
-};
-
 /// A payload in words whose first bit is bit 31.
 class Payload {
  public:
   void assign(Bytes payload);
-  BitReader reader() const { return {words_.data(), bits_}; }
+  WordReader reader() const { return {words_.data(), bits_}; }
 
  private:
   std::vector<Mox32u> words_;
   std::size_t bits_ = 0;
 };
 
-}  // namespace moxdec::mpeg12
+}  // namespace moxdec

@@ -1,9 +1,8 @@
-#include "moxdec/mpeg12/bit_reader.hpp"
+#include "moxdec/start_codes.hpp"
 
-#include <algorithm>
 #include <cstring>
 
-namespace moxdec::mpeg12 {
+namespace moxdec {
 namespace {
 
 /// The first place from `from` on where a start code lies whole, or the size of the data.
@@ -29,12 +28,4 @@ bool UnitReader::next(Unit& unit) {
   return true;
 }
 
-void Payload::assign(Bytes payload) {
-  const std::size_t words = (payload.size() + 3) / 4;
-  words_.assign(words + BitReader::kPaddingWords, 0);
-  std::memcpy(words_.data(), payload.data(), payload.size());
-  for (std::size_t i = 0; i < words; ++i) words_[i] = __builtin_bswap32(words_[i]);
-  bits_ = 8 * payload.size();
-}
-
-}  // namespace moxdec::mpeg12
+}  // namespace moxdec

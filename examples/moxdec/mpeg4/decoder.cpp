@@ -1,0 +1,225 @@
+#include "moxdec/mpeg4/decoder.hpp"
+
+#include <algorithm>
+#include <deque>
+#include <exception>
+#include <new>
+
+#include "moxdec/error.hpp"
+#include "moxdec/mpeg4/clock.hpp"
+#include "moxdec/mpeg4/picture_decoder.hpp"
+#include "moxdec/start_codes.hpp"
+
+namespace moxdec::mpeg4 {
+namespace {
+
+bool between(int code, int first, int last) { return code >= first && code <= last; }
+
+/// Pictures of H.263 have a start code of 22 bits.
+bool has_short_header(Bytes data) {
+  return data.size() > 2 && data[0] == 0 && data[1] == 0 && data[2] >> 2 == 0x80 >> 2;
+}
+
+class Mpeg4Decoder : public Decoder {
+ public:
+  explicit Mpeg4Decoder(Bytes data) : units_(data), short_header_(has_short_header(data)) {}
+
+  std::shared_ptr<const Frame> next() override {
+    for (;;) {
+      if (!ready_.empty()) {
+        const auto frame = std::move(ready_.front());
+        ready_.pop_front();
+        return frame;
+      }
+      if (error_) std::rethrow_exception(error_);
+      if (at_end_) return nullptr;
+      advance();
+    }
+  }
+  FrameRate frame_rate() const override {
+    if (layer_.fixed_time_step == 0) return {};
+    return {static_cast<std::uint32_t>(layer_.time_resolution), static_cast<std::uint32_t>(layer_.fixed_time_step)};
+  }
+
+ private:
+  void advance();
+  void decode_unit(const Unit& unit);
+  void decode_header(const Unit& unit);
+  void begin_layer(const Layer& layer);
+  void decode_picture();
+  void show_again(const PictureHeader& header, std::int64_t time);
+  void begin_picture(const PictureHeader& header, std::int64_t time);
+  void finish_picture();
+  void forget_references();
+  void flush();
+  void finish_stream();
+
+  UnitReader units_;
+  bool short_header_;
+  PaddedBytes payload_;
+  int version_ = 1;
+  Layer layer_;  // the latest header's; without a width before the first one
+  Workshop workshop_;
+  Clock clock_;
+  Picture picture_;
+  std::vector<MbState> states_;
+  FramePool pool_;
+  std::shared_ptr<const Frame> older_, newer_;  // references in display order
+  std::shared_ptr<const Frame> held_;           // a reference that has not been shown: the newer one
+  std::shared_ptr<const Frame> latest_;         // of the pictures in the order of the stream
+  std::deque<std::shared_ptr<const Frame>> ready_;
+  std::exception_ptr error_;
+  bool any_picture_ = false;
+  bool at_end_ = false;
+};
+
+/// One step through the stream. After an error the whole pictures before it are still shown.
+void Mpeg4Decoder::advance() {
+  try {
+    Unit unit;
+    if (units_.next(unit)) {
+      decode_unit(unit);
+    } else {
+      finish_stream();
+    }
+  } catch (const DecodeError&) {
+    error_ = std::current_exception();
+    flush();
+  }
+}
+
+void Mpeg4Decoder::decode_unit(const Unit& unit) {
+  payload_.assign(unit.payload);
+  if (unit.code == kPictureStart) return located("picture", unit.position, [&] { decode_picture(); });
+  if (unit.code == kSequenceEnd) return forget_references();
+  located("header", unit.position, [&] { decode_header(unit); });
+}
+
+void Mpeg4Decoder::decode_header(const Unit& unit) {
+  ByteReader bits(payload_);
+  if (between(unit.code, kFirstLayer, kLastLayer)) {
+    begin_layer(read_layer_header(bits, version_));
+  } else if (unit.code == kObjectStart) {
+    version_ = read_object_header(bits);
+  } else if (unit.code == kGroupStart) {
+    const GroupHeader group = read_group_header(bits);
+    clock_.synchronise(group.seconds);
+    if (group.broken_link) forget_references();
+  }
+}
+
+void Mpeg4Decoder::begin_layer(const Layer& layer) {
+  const bool same = layer.width == layer_.width && layer.height == layer_.height;
+  layer_ = layer;
+  workshop_.quantisers = Quantisers(layer);
+  if (same) return;
+  forget_references();
+  try {
+    states_.assign(static_cast<std::size_t>(layer.macroblocks()), {});
+    workshop_.intra.begin_layer(layer.macroblocks());
+    pool_.configure({layer.width, layer.height, Chroma::k420, 8},
+                    {16 * layer.mb_width(), 16 * layer.mb_height(), 0, 0, 0});
+  } catch (const std::bad_alloc&) {
+    throw DecodeError("not enough memory for pictures of this size");
+  }
+}
+
+void Mpeg4Decoder::decode_picture() {
+  require(layer_.width > 0, "a picture in front of the first header of a layer");
+  ByteReader bits(payload_);
+  const PictureHeader header = read_picture_header(bits, layer_);
+  const std::int64_t time = clock_.time_of(header, layer_);
+  if (!header.coded) return show_again(header, time);
+  if (header.type == PictureType::kB && !older_) return;  // it has lost a reference
+  begin_picture(header, time);
+  PictureDecoder(picture_, workshop_, bits).decode();
+  finish_picture();
+}
+
+/// A picture that is not coded is like the one before it. One that comes no later than its reference only fills a
+/// place.
+void Mpeg4Decoder::show_again(const PictureHeader& header, std::int64_t time) {
+  if (!latest_) return;
+  if (header.type == PictureType::kB) {
+    ready_.push_back(latest_);
+  } else if (clock_.is_later(time)) {
+    flush();
+    held_ = newer_;
+  }
+}
+
+void Mpeg4Decoder::begin_picture(const PictureHeader& header, std::int64_t time) {
+  picture_.layer = layer_;
+  picture_.header = header;
+  picture_.states = &states_;
+  const bool bidirectional = header.type == PictureType::kB;
+  picture_.reference = {bidirectional ? older_ : newer_, bidirectional ? newer_ : nullptr};
+  try {
+    picture_.frame = pool_.take();
+  } catch (const std::bad_alloc&) {
+    throw DecodeError("not enough memory for a picture");
+  }
+  if (bidirectional) {
+    picture_.distances = clock_.distances(time);
+  } else {
+    clock_.begin_reference(time);
+  }
+  if (header.type == PictureType::kS) workshop_.warp.begin_picture(picture_);
+}
+
+/// B pictures are shown at once, others when the next one that is no B picture is whole.
+void Mpeg4Decoder::finish_picture() {
+  any_picture_ = true;
+  latest_ = picture_.frame;
+  if (picture_.header.type == PictureType::kB) {
+    ready_.push_back(std::move(picture_.frame));
+    return;
+  }
+  flush();
+  older_ = std::move(newer_);
+  newer_ = held_ = std::move(picture_.frame);
+}
+
+void Mpeg4Decoder::forget_references() {
+  flush();
+  older_ = newer_ = latest_ = nullptr;
+}
+
+void Mpeg4Decoder::flush() {
+  if (held_) ready_.push_back(std::move(held_));
+  held_ = nullptr;
+}
+
+void Mpeg4Decoder::finish_stream() {
+  require(any_picture_ || !short_header_, "pictures with short headers are to be decoded as H.263");
+  require(any_picture_, "no picture found");
+  flush();
+  at_end_ = true;
+}
+
+/// The start of a sequence, an object or a layer at once; of the last two a layer must follow.
+int probe(Bytes data) {
+  Unit unit;
+  UnitReader units(data.first(std::min<std::size_t>(data.size(), 256)));
+  for (int sure = 0; units.next(unit);) {
+    if (sure == 0 && unit.position > 8) return 0;
+    if (between(unit.code, kFirstLayer, kLastLayer)) return sure;
+    if (unit.code == kSequenceStart || unit.code == kObjectStart)
+      sure = 85;
+    else if (between(unit.code, kFirstObject, kLastObject))
+      sure = std::max(sure, 80);
+    else if (unit.code != kUserData)
+      return 0;
+  }
+  return 0;
+}
+
+constexpr std::string_view kExtensions[] = {"m4v", "mpeg4", "cmp"};
+
+}  // namespace
+
+constinit const Codec kCodec = {"MPEG-4", kExtensions, probe, [](Bytes data) -> std::unique_ptr<Decoder> {
+                                  return std::make_unique<Mpeg4Decoder>(data);
+                                }};
+
+}  // namespace moxdec::mpeg4

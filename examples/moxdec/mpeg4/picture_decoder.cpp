@@ -1,0 +1,77 @@
+#include "moxdec/mpeg4/picture_decoder.hpp"
+
+#include <algorithm>
+
+namespace moxdec::mpeg4 {
+
+PictureDecoder::PictureDecoder(const Picture& picture, Workshop& workshop, ByteReader bits)
+    : picture_(picture),
+      workshop_(workshop),
+      bits_(bits),
+      reader_(picture, workshop.warp),
+      texture_(picture, workshop.quantisers, workshop.intra) {}
+
+void PictureDecoder::decode() {
+  decode_packet(picture_.header.quantiser);
+  while (next_ < picture_.layer.macroblocks()) decode_packet(read_packet_header());
+}
+
+void PictureDecoder::decode_packet(int quantiser) {
+  reader_.begin_packet(quantiser);
+  place_.first = next_;
+  do {
+    decode_macroblock();
+  } while (next_ < picture_.layer.macroblocks() && !at_packet_end());
+}
+
+void PictureDecoder::decode_macroblock() {
+  begin_macroblock(next_);
+  rebuild(reader_.read(bits_, place_));
+  ++next_;
+}
+
+void PictureDecoder::begin_macroblock(int address) {
+  place_.address = address;
+  place_.x = address % picture_.mb_width();
+  place_.y = address / picture_.mb_width();
+}
+
+void PictureDecoder::rebuild(const Macroblock& mb) {
+  if (mb.intra) return texture_.decode_intra(bits_, place_, mb);
+  predict_macroblock(picture_, place_, mb.motion, workshop_.warp);
+  texture_.add_residual(bits_, place_, mb);
+}
+
+/// Zeros, as many as no macroblock has in a row, and a one.
+int PictureDecoder::marker_length() const {
+  const auto& f_code = picture_.header.f_code;
+  switch (picture_.header.type) {
+    case PictureType::kI: return 17;
+    case PictureType::kB: return 16 + std::max({f_code[kForward], f_code[kBackward], 2});
+    default: return 16 + f_code[kForward];
+  }
+}
+
+/// A zero, ones up to the next byte, at least none, and a marker.
+bool PictureDecoder::at_packet_end() const {
+  if (!picture_.layer.resync_markers) return false;
+  const int filling = 8 - static_cast<int>(bits_.position() % 8);
+  if (bits_.left() < static_cast<std::size_t>(filling + marker_length())) return false;
+  if (bits_.peek(filling) != (1u << (filling - 1)) - 1) return false;
+  ByteReader behind = bits_;
+  behind.skip(filling);
+  return behind.peek(marker_length()) == 1;
+}
+
+int PictureDecoder::read_packet_header() {
+  bits_.skip(1);
+  bits_.align();
+  bits_.skip(marker_length());
+  require(bits_.number(picture_.layer.address_bits()) == next_, "macroblocks are missing, or come twice");
+  const int quantiser = bits_.number(5);
+  require(quantiser > 0, "a quantiser is 0");
+  if (bits_.flag()) skip_header_extension(bits_, picture_.layer);
+  return quantiser;
+}
+
+}  // namespace moxdec::mpeg4

@@ -1,0 +1,44 @@
+/// One picture: its packets, and their macroblocks from bits to samples.
+#pragma once
+
+#include "moxdec/mpeg4/macroblock.hpp"
+#include "moxdec/mpeg4/texture.hpp"
+
+namespace moxdec::mpeg4 {
+
+/// What a layer's pictures need besides their references.
+struct Workshop {
+  Quantisers quantisers;
+  IntraPredictor intra;
+  GlobalMotion warp;
+};
+
+class PictureDecoder {
+ public:
+  PictureDecoder(const Picture& picture, Workshop& workshop, ByteReader bits);
+
+  /// All packets behind the picture's header. Throws DecodeError.
+  void decode();
+
+ private:
+  /// The macroblocks of a packet, up to the next one or to the end of the picture.
+  void decode_packet(int quantiser);
+  void decode_macroblock();
+  /// Ends a macroblock whose header is known: prediction, and its blocks from the stream.
+  void rebuild(const Macroblock& mb);
+  void begin_macroblock(int address);
+  bool at_packet_end() const;
+  /// Returns the quantiser.
+  int read_packet_header();
+  int marker_length() const;
+
+  const Picture& picture_;
+  Workshop& workshop_;
+  ByteReader bits_;
+  MacroblockReader reader_;
+  Texture texture_;
+  Place place_;
+  int next_ = 0;  // address of the first macroblock that is not decoded yet
+};
+
+}  // namespace moxdec::mpeg4
