@@ -2,6 +2,7 @@
 #pragma once
 
 #include "moxdec/mpeg4/macroblock.hpp"
+#include "moxdec/mpeg4/packet_texture.hpp"
 #include "moxdec/mpeg4/texture.hpp"
 
 namespace moxdec::mpeg4 {
@@ -19,6 +20,8 @@ class PictureDecoder {
 
   /// All packets behind the picture's header. Throws DecodeError.
   void decode();
+  /// Whether macroblocks of partitioned packets are shown without their texture, which is damaged.
+  bool damaged() const { return damaged_; }
 
  private:
   /// The macroblocks of a packet, up to the next one or to the end of the picture.
@@ -28,6 +31,12 @@ class PictureDecoder {
   void rebuild(const Macroblock& mb);
   void begin_macroblock(int address);
   bool at_packet_end() const;
+  /// Partitions, see partitioned_packet.cpp.
+  void decode_partitioned_packet();
+  bool at_partition_end() const;
+  std::size_t packet_end() const;
+  bool read_second_parts(std::vector<PartitionedMacroblock>& macroblocks);
+  void rebuild(const PartitionedMacroblock& macroblock, const MacroblockLevels* levels);
   /// Returns the quantiser.
   int read_packet_header();
   int marker_length() const;
@@ -39,6 +48,7 @@ class PictureDecoder {
   Texture texture_;
   Place place_;
   int next_ = 0;  // address of the first macroblock that is not decoded yet
+  bool damaged_ = false;
 };
 
 }  // namespace moxdec::mpeg4
