@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <filesystem>
-#include <set>
 
 #include "moxdec/decoding.hpp"
 #include "support/random.hpp"
@@ -13,13 +11,13 @@ namespace mox::test {
 namespace {
 
 /// The units that lie in the first 48,000 bytes, which leaves whole pictures of the longer streams. MPEG pictures have
-/// a start code of their own, 0; an H.264 unit may be one of several slices of a picture.
-void shorten(Stream& stream, bool is_h264) {
+/// a start code of their own, 0 or in MPEG-4 182; an H.264 unit may be one of several slices of a picture.
+void shorten(Stream& stream, const Vector& vector) {
   constexpr std::size_t kLongest = 48000;
   if (stream.size() <= kLongest) return;
-  const std::uint8_t start[] = {0, 0, 1, 0};
+  const std::uint8_t start[] = {0, 0, 1, static_cast<std::uint8_t>(vector.is_mpeg4() ? 0xB6 : 0)};
   const auto end = stream.begin() + kLongest;
-  stream.erase(std::find_end(stream.begin(), end, start, start + (is_h264 ? 3 : 4)), stream.end());
+  stream.erase(std::find_end(stream.begin(), end, start, start + (vector.is_h264() ? 3 : 4)), stream.end());
 }
 
 /// One way to do damage.
@@ -87,12 +85,9 @@ TEST(Corrupt, EndsInAnErrorOrInPictures) {
   const int copies = wanted ? std::atoi(wanted) : 300;
   ASSERT_GT(copies, 0);
   Random random;
-  std::set<std::filesystem::path> paths;
-  for (const auto& entry : std::filesystem::directory_iterator(MOXVC_VECTORS)) paths.insert(entry.path());
-  for (const auto& path : paths) {
-    if (path.extension() != ".264" && path.extension() != ".m1v" && path.extension() != ".m2v") continue;
-    Stream stream = read_file(path);
-    shorten(stream, path.extension() == ".264");
+  for (const Vector& vector : manifest()) {
+    Stream stream = read_file(vector_path(vector.file));
+    shorten(stream, vector);
     Count count;
     for (int i = 0; i < copies; ++i) {
       Stream damaged = stream;
@@ -102,7 +97,7 @@ TEST(Corrupt, EndsInAnErrorOrInPictures) {
       decode_damaged(damaged, count);
     }
     std::printf("%s: %d damaged copies, %d with an error, %d frames, the slowest took %.3f s\n",
-                path.filename().c_str(), count.copies, count.errors, count.frames, count.longest);
+                vector.file.c_str(), count.copies, count.errors, count.frames, count.longest);
     EXPECT_GT(count.errors, copies / 4);
     EXPECT_GT(count.frames, 0);
     EXPECT_LT(count.longest, 10);
@@ -111,7 +106,7 @@ TEST(Corrupt, EndsInAnErrorOrInPictures) {
 
 /// Short streams cut everywhere.
 TEST(Corrupt, TruncatedAtEachByte) {
-  for (const char* name : {"h264_tiny_i.264", "mpeg2_mix_pictures.m2v"}) {
+  for (const char* name : {"h264_tiny_i.264", "mpeg2_mix_pictures.m2v", "mpeg4_gmc_qpel_b.m4v"}) {
     const Stream stream = read_file(vector_path(name));
     Count count;
     for (std::size_t size = 0; size < stream.size(); ++size) {

@@ -75,6 +75,8 @@ struct Vector {
   std::string file, md5;
   int frames, width, height;
   bool is_h264() const { return file.ends_with(".264"); }
+  bool is_mpeg4() const { return file.ends_with(".m4v"); }
+  const char* codec() const { return is_h264() ? "H.264" : is_mpeg4() ? "MPEG-4" : "MPEG-1/2"; }
 };
 inline std::vector<Vector> manifest() {
   std::ifstream file(vector_path("manifest.csv"));

@@ -26,6 +26,7 @@ class BitWriter {
     return *this;
   }
   BitWriter& align() { return u((8 - static_cast<int>(bits_.size() % 8)) % 8, 0); }
+  std::size_t bit_count() const { return bits_.size(); }
   /// The bytes with a stop bit behind the last bit.
   Stream payload() const {
     BitWriter ended = *this;

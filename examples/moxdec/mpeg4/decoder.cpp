@@ -201,19 +201,16 @@ void Mpeg4Decoder::finish_stream() {
   require(!damaged_, "the texture of macroblocks is damaged; they are shown without");
 }
 
-/// The start of a sequence, an object or a layer at once; of the last two a layer must follow.
+/// A layer at once, or behind headers that belong to it.
 int probe(Bytes data) {
   Unit unit;
   UnitReader units(data.first(std::min<std::size_t>(data.size(), 256)));
-  for (int sure = 0; units.next(unit);) {
+  for (int sure = 0; units.next(unit); sure = 80) {
     if (sure == 0 && unit.position > 8) return 0;
-    if (between(unit.code, kFirstLayer, kLastLayer)) return sure;
-    if (unit.code == kSequenceStart || unit.code == kObjectStart)
-      sure = 85;
-    else if (between(unit.code, kFirstObject, kLastObject))
-      sure = std::max(sure, 80);
-    else if (unit.code != kUserData)
-      return 0;
+    if (between(unit.code, kFirstLayer, kLastLayer)) return std::max(sure, 50);
+    const bool header = unit.code == kSequenceStart || unit.code == kObjectStart || unit.code == kUserData ||
+                        between(unit.code, kFirstObject, kLastObject);
+    if (!header) return 0;
   }
   return 0;
 }
