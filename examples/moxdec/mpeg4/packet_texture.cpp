@@ -56,10 +56,10 @@ std::size_t PacketTexture::Run::trusted() const {
 bool PacketTexture::read_block(ByteReader& bits, const Macroblock& mb, int block, Levels& levels) const {
   if (!mb.is_coded(block)) return true;
   Mox32s last = 0;
-  const MoxStatus status = mb.intra ? moxiDecodeCoeffsIntra_MPEG4_1u16s(bits.byte(), bits.offset(), levels.data(), &last,
-                                                                        reversible_, mb.dc_codes, kByIndex)
-                                    : moxiDecodeCoeffsInter_MPEG4_1u16s(bits.byte(), bits.offset(), levels.data(), &last,
-                                                                        reversible_, kByIndex);
+  const MoxStatus status = mb.intra ? moxiDecodeCoeffsIntra_MPEG4_1u16s(bits.byte(), bits.offset(), levels.data(),
+                                                                        &last, reversible_, mb.dc_codes, kByIndex)
+                                    : moxiDecodeCoeffsInter_MPEG4_1u16s(bits.byte(), bits.offset(), levels.data(),
+                                                                        &last, reversible_, kByIndex);
   return status == moxStsOk;
 }
 

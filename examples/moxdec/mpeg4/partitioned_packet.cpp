@@ -70,18 +70,18 @@ bool PictureDecoder::at_partition_end() const {
 
 /// Where the coefficients end: in front of a zero and ones that fill the last byte before the next packet's marker or
 /// before the end of the data.
-std::size_t PictureDecoder::packet_end() const {
-  ByteReader next = bits_;
-  next.align();
+ByteReader PictureDecoder::packet_end() const {
+  ByteReader next = bits_, last = bits_;  // the latter: where the last byte that is not 0 begins
+  int length = (8 - static_cast<int>(bits_.position() % 8)) % 8;  // of what belongs to the packet in that byte
   const auto at_marker = [&] { return picture_.layer.resync_markers && next.peek(marker_length()) == 1; };
-  while (next.left() > 0 && !at_marker()) next.skip(8);
-  for (std::size_t end = next.position(); end >= bits_.position() + 8; end -= 8) {
-    ByteReader last_byte = bits_;
-    last_byte.skip(static_cast<int>(end - 8 - bits_.position()));
-    const Mox32u filling = last_byte.peek(8);
-    if (filling != 0) return end - 1 - static_cast<std::size_t>(std::min(std::countr_one(filling), 7));
+  for (next.align(); next.left() > 0 && !at_marker(); next.skip(8)) {
+    if (next.peek(8) == 0) continue;
+    last = next;
+    length = 8;
   }
-  return bits_.position();
+  const int ones = std::countr_one(last.peek(length));
+  if (ones < length) last.skip(length - 1 - ones);
+  return last;
 }
 
 void PictureDecoder::decode_partitioned_packet() {
@@ -94,18 +94,16 @@ void PictureDecoder::decode_partitioned_packet() {
   } while (!at_partition_end());
   bits_.skip(marker_of(picture_.header.type).length);
 
-  const ByteReader behind_marker = bits_;
-  const std::size_t end = packet_end();
+  const ByteReader end = packet_end();
   PacketTexture texture(picture_.layer.reversible_codes);
   const bool modes_known = read_second_parts(macroblocks);
   for (const PartitionedMacroblock& m : macroblocks) texture.expect(m.mb);
-  if (modes_known) texture.read(bits_, end);
+  if (modes_known) texture.read(bits_, end.position());
   for (std::size_t i = 0; i < macroblocks.size(); ++i) {
     begin_macroblock(first + static_cast<int>(i));
     rebuild(macroblocks[i], modes_known ? texture.levels(i) : nullptr);
   }
-  bits_ = behind_marker;
-  bits_.skip(static_cast<int>(end - behind_marker.position()));
+  bits_ = end;
 }
 
 /// False if they are damaged: then nothing is known of the texture.

@@ -34,7 +34,7 @@ class PictureDecoder {
   /// Partitions, see partitioned_packet.cpp.
   void decode_partitioned_packet();
   bool at_partition_end() const;
-  std::size_t packet_end() const;
+  ByteReader packet_end() const;
   bool read_second_parts(std::vector<PartitionedMacroblock>& macroblocks);
   void rebuild(const PartitionedMacroblock& macroblock, const MacroblockLevels* levels);
   /// Returns the quantiser.
