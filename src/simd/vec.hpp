@@ -355,7 +355,12 @@ MOX_INLINE s16<B> load8_wide(const void* p, const Strips<B>& s) {
   return gather<s16, B>(p, s, [](const Mox8u* q) { return _mm_cvtepu8_epi16(raw8(q)); });
 }
 
-/// The four quadwords of two blocks in the order 0, 2, 1, 3: lower halves of both blocks, then upper halves.
+/// The four quadwords of two blocks in the order 0, 2, 1, 3: lower halves of both blocks, then upper halves. One block
+/// stays as it is: after packing this is the order of rows that run on.
+template <template <int> class V>
+MOX_INLINE V<1> regroup(V<1> v) {
+  return v;
+}
 MOX_WIDE(template <template <int> class V> MOX_INLINE V<2> regroup(V<2> v) {
   return {_mm256_permute4x64_epi64(v.r, 0xD8)};
 })
@@ -397,6 +402,13 @@ MOX_INLINE u8<1> load_rows(const void* p, std::ptrdiff_t step) {
   } else {
     return {raw2(p)};
   }
+}
+
+/// Word i is word(i): samples that lie anywhere.
+template <class Word>
+MOX_INLINE u16<1> collect_words(Word word) {
+  const auto at = [&](int i) { return static_cast<short>(word(i)); };
+  return {_mm_setr_epi16(at(0), at(1), at(2), at(3), at(4), at(5), at(6), at(7))};
 }
 
 // Stores of the same shapes.

@@ -69,6 +69,7 @@ class Mpeg4Decoder : public Decoder {
   std::shared_ptr<const Frame> latest_;         // of the pictures in the order of the stream
   std::deque<std::shared_ptr<const Frame>> ready_;
   std::exception_ptr error_;
+  bool damaged_ = false;  // macroblocks are shown without their texture
   bool any_picture_ = false;
   bool at_end_ = false;
 };
@@ -123,7 +124,9 @@ void Mpeg4Decoder::decode_picture() {
   if (!header.coded) return show_again(header, time);
   if (header.type == PictureType::kB && !older_) return;  // it has lost a reference
   begin_picture(header, time);
-  PictureDecoder(picture_, workshop_, bits).decode();
+  PictureDecoder decoder(picture_, workshop_, bits);
+  decoder.decode();
+  damaged_ |= decoder.damaged();
   finish_picture();
 }
 
@@ -190,6 +193,7 @@ void Mpeg4Decoder::finish_stream() {
   require(any_picture_, "no picture found");
   flush();
   at_end_ = true;
+  require(!damaged_, "the texture of macroblocks is damaged; they are shown without");
 }
 
 /// A layer at once, or behind headers that belong to it.

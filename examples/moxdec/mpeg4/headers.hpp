@@ -39,6 +39,8 @@ struct Layer {
   bool interlaced = false;
   bool quarter_sample = false;
   bool resync_markers = false;
+  bool partitioned = false;       // packets of I and P pictures come in parts
+  bool reversible_codes = false;  // of their coefficients
   bool global_motion = false;
   int warping_points = 0;
   int warping_accuracy = 0;

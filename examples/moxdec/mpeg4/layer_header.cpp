@@ -104,7 +104,10 @@ void read_tools(ByteReader& bits, Layer& layer, int version) {
   if (version != 1) layer.quarter_sample = bits.flag();
   if (!bits.flag()) read_complexity_header(bits, layer);
   layer.resync_markers = !bits.flag();
-  require(!bits.flag(), "data partitioning is not supported");
+  layer.partitioned = bits.flag();
+  if (layer.partitioned) layer.reversible_codes = bits.flag();
+  require(!layer.partitioned || !(layer.interlaced || layer.global_motion),
+          "partitions of interlaced or globally warped pictures are not supported");
   if (version != 1) {
     require(!bits.flag(), "selection of new references is not supported");
     require(!bits.flag(), "reduced resolution is not supported");

@@ -51,18 +51,29 @@ Macroblock MacroblockReader::read(ByteReader& bits, const Place& place) {
 }
 
 Macroblock MacroblockReader::read_reference(ByteReader& bits, const Place& place, MbState& state) {
-  const bool intra_picture = picture_.header.type == PictureType::kI;
-  int code = 0;
-  do {
-    if (!intra_picture && bits.flag()) return read_left_out(place, state);
-    constexpr auto kBroken = "broken type of a macroblock";
-    code = intra_picture ? bits.read(example::kMcbpcIntra, kBroken) : bits.read(example::kMcbpcInter, kBroken);
-    require(code < 4 * example::kInter4VQ, kBroken);
-  } while (code == example::kMcbpcStuffing);
+  const std::optional<int> code = read_type(bits);
+  if (!code) return read_left_out(place, state);
+  const int type = *code / 4;
   Macroblock mb;
-  read_modes(bits, code, mb);
+  set_type(bits, type, mb);
+  read_pattern(bits, *code, mb);
+  read_quantiser(bits, type, mb);
+  if (picture_.layer.interlaced) read_interlaced(bits, mb, !mb.intra && mb.motion.kind == MotionKind::kFrame);
   read_vectors(bits, place, mb, state);
   return mb;
+}
+
+/// With the chroma blocks that are coded; none if the macroblock is left out.
+std::optional<int> MacroblockReader::read_type(ByteReader& bits) const {
+  const bool intra_picture = picture_.header.type == PictureType::kI;
+  for (;;) {
+    if (!intra_picture && bits.flag()) return std::nullopt;
+    constexpr auto kBroken = "broken type of a macroblock";
+    const int code =
+        intra_picture ? bits.read(example::kMcbpcIntra, kBroken) : bits.read(example::kMcbpcInter, kBroken);
+    require(code < 4 * example::kInter4VQ, kBroken);
+    if (code != example::kMcbpcStuffing) return code;
+  }
 }
 
 /// As it was in the reference, or warped from it.
@@ -83,22 +94,27 @@ void MacroblockReader::set_global(const Place& place, Motion& motion, MbState& s
   state.set_vector(warp_.vector(place));
 }
 
-void MacroblockReader::read_modes(ByteReader& bits, int code, Macroblock& mb) {
-  const int type = code / 4, before = quantiser_;
+void MacroblockReader::set_type(ByteReader& bits, int type, Macroblock& mb) const {
   mb.intra = type == example::kIntra || type == example::kIntraQ;
   const bool one_vector = type == example::kInter || type == example::kInterQ;
   if (type == example::kInter4V) mb.motion.kind = MotionKind::kBlocks;
   if (one_vector && picture_.header.type == PictureType::kS && bits.flag()) mb.motion.kind = MotionKind::kGlobal;
+  mb.motion.used[kForward] = !mb.intra;
+}
+
+void MacroblockReader::read_pattern(ByteReader& bits, int code, Macroblock& mb) const {
   if (mb.intra) mb.ac_prediction = bits.flag();
   const int luma = bits.read(example::kCbpy, "broken pattern of blocks");
   mb.pattern = (mb.intra ? luma : 15 - luma) << 2 | code % 4;
+}
+
+void MacroblockReader::read_quantiser(ByteReader& bits, int type, Macroblock& mb) {
+  const int before = quantiser_;
   constexpr std::array kChanges = {-1, -2, 1, 2};
   if (type == example::kInterQ || type == example::kIntraQ) change_quantiser(kChanges[bits.bits(2)]);
   mb.quantiser = quantiser_;
   mb.dc_codes = (first_coded_ ? quantiser_ : before) < picture_.header.intra_dc_threshold;
   first_coded_ = false;
-  mb.motion.used[kForward] = !mb.intra;
-  if (picture_.layer.interlaced) read_interlaced(bits, mb, one_vector && mb.motion.kind == MotionKind::kFrame);
 }
 
 void MacroblockReader::read_interlaced(ByteReader& bits, Macroblock& mb, bool may_predict_fields) const {

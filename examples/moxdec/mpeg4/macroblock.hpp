@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <optional>
 
 #include "moxdec/mpeg4/picture.hpp"
 #include "moxdec/mpeg4/prediction.hpp"
@@ -16,10 +17,18 @@ class MacroblockReader {
   /// Everything in front of the blocks; keeps the macroblock's state for those that follow. Throws DecodeError.
   Macroblock read(ByteReader& bits, const Place& place);
 
+  /// A partitioned packet tells of its macroblocks in two parts: their types with the DC of an I picture or the vectors
+  /// of a P picture, and what else stands in front of the blocks. Both throw DecodeError.
+  PartitionedMacroblock read_first_part(ByteReader& bits, const Place& place);
+  void read_second_part(ByteReader& bits, PartitionedMacroblock& macroblock);
+
  private:
   Macroblock read_reference(ByteReader& bits, const Place& place, MbState& state);
   Macroblock read_left_out(const Place& place, MbState& state) const;
-  void read_modes(ByteReader& bits, int code, Macroblock& mb);
+  std::optional<int> read_type(ByteReader& bits) const;
+  void set_type(ByteReader& bits, int type, Macroblock& mb) const;
+  void read_pattern(ByteReader& bits, int code, Macroblock& mb) const;
+  void read_quantiser(ByteReader& bits, int type, Macroblock& mb);
   void read_interlaced(ByteReader& bits, Macroblock& mb, bool may_predict_fields) const;
   void read_vectors(ByteReader& bits, const Place& place, Macroblock& mb, MbState& state) const;
   Vector predicted_vector(const Place& place, int block) const;

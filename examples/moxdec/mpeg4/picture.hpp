@@ -58,4 +58,12 @@ struct Macroblock {
   bool is_coded(int block) const { return pattern >> (5 - block) & 1; }
 };
 
+/// Of a packet whose macroblocks' elements are sorted into partitions.
+struct PartitionedMacroblock {
+  Macroblock mb;
+  int code = 0;  // type and chroma pattern
+  bool left_out = false;
+  std::array<Mox16s, 6> dc{};  // levels, if they have codes of their own
+};
+
 }  // namespace moxdec::mpeg4

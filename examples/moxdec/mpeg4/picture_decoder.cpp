@@ -34,6 +34,7 @@ void PictureDecoder::skip_to(int address) {
 void PictureDecoder::decode_packet(int quantiser) {
   reader_.begin_packet(quantiser);
   place_.first = next_;
+  if (picture_.layer.partitioned && picture_.header.type != PictureType::kB) return decode_partitioned_packet();
   do {
     decode_macroblock();
   } while (next_ < picture_.layer.macroblocks() && !at_packet_end());

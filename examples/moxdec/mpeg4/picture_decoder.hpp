@@ -2,6 +2,7 @@
 #pragma once
 
 #include "moxdec/mpeg4/macroblock.hpp"
+#include "moxdec/mpeg4/packet_texture.hpp"
 #include "moxdec/mpeg4/texture.hpp"
 
 namespace moxdec::mpeg4 {
@@ -19,6 +20,8 @@ class PictureDecoder {
 
   /// All packets behind the picture's header. Throws DecodeError.
   void decode();
+  /// Whether macroblocks of partitioned packets are shown without their texture, which is damaged.
+  bool damaged() const { return damaged_; }
 
  private:
   struct PacketHeader {
@@ -35,6 +38,12 @@ class PictureDecoder {
   bool at_packet_end() const;
   PacketHeader read_packet_header();
   void skip_to(int address);
+  /// Partitions, see partitioned_packet.cpp.
+  void decode_partitioned_packet();
+  bool at_partition_end() const;
+  ByteReader packet_end() const;
+  bool read_second_parts(std::vector<PartitionedMacroblock>& macroblocks);
+  void rebuild(const PartitionedMacroblock& macroblock, const MacroblockLevels* levels);
   int marker_length() const;
 
   const Picture& picture_;
@@ -44,6 +53,7 @@ class PictureDecoder {
   Texture texture_;
   Place place_;
   int next_ = 0;  // address of the first macroblock that is not decoded yet
+  bool damaged_ = false;
 };
 
 }  // namespace moxdec::mpeg4

@@ -48,10 +48,11 @@ void Texture::decode_intra(ByteReader& bits, const Place& place, const Macrobloc
 }
 
 int Texture::scan(const IntraSource& source, const Macroblock& mb) const {
-  if (picture_.header.alternate_scan) return kAlternateVertical;
-  if (!mb.ac_prediction) return kZigzag;
+  if (!mb.ac_prediction || picture_.header.alternate_scan) return scan();
   return source.from_above ? kAlternateHorizontal : kAlternateVertical;
 }
+
+int Texture::scan() const { return picture_.header.alternate_scan ? kAlternateVertical : kZigzag; }
 
 void Texture::decode_intra_block(ByteReader& bits, const Place& place, const Macroblock& mb, int block, Mox16s dc) {
   const IntraSource source = intra_.source(picture_, place, block);
@@ -63,12 +64,24 @@ void Texture::decode_intra_block(ByteReader& bits, const Place& place, const Mac
             "broken coefficients");
     bits.expect_inside();
   }
+  finish_intra_block(place, mb, block, source, dc, last == 0);
+}
+
+void Texture::set_intra_block(const Place& place, const Macroblock& mb, int block, Mox16s dc, const Levels& levels) {
+  const IntraSource source = intra_.source(picture_, place, block);
+  moxiScanInv_16s_C1(levels.data(), block_.data(), 63, scan(source, mb));
+  finish_intra_block(place, mb, block, source, dc, false);
+}
+
+/// From the levels of a block in raster order.
+void Texture::finish_intra_block(const Place& place, const Macroblock& mb, int block, const IntraSource& source,
+                                 Mox16s dc, bool ac_is_zero) {
   if (mb.dc_codes) block_[0] = dc;
   IntraPredictor::add(source, mb, block, block_.data());
   intra_.keep_levels(place, block, block_.data());
   moxiQuantInvIntra_MPEG4_16s_C1I(block_.data(), 63, quantisers_.intra(), mb.quantiser, block >= 4);
   intra_.keep_dc(place, block, block_[0]);
-  const bool dc_alone = last == 0 && !mb.ac_prediction && block_[63] == 0;
+  const bool dc_alone = ac_is_zero && !mb.ac_prediction && block_[63] == 0;
   const auto [samples, step] = target(place, mb, block);
   moxiDCT8x8InvOrSet_16s8u_C1R(block_.data(), samples, step, dc_alone);
 }
@@ -78,14 +91,23 @@ void Texture::add_residual(ByteReader& bits, const Place& place, const Macrobloc
     if (!mb.is_coded(block)) continue;
     Mox32s last = 0;
     require(moxiReconstructCoeffsInter_MPEG4_1u16s(bits.byte(), bits.offset(), block_.data(), &last, kPlainCodes,
-                                                   picture_.header.alternate_scan ? kAlternateVertical : kZigzag,
-                                                   quantisers_.inter(), mb.quantiser) == moxStsOk,
+                                                   scan(), quantisers_.inter(), mb.quantiser) == moxStsOk,
             "broken coefficients");
     bits.expect_inside();
-    moxiDCT8x8Inv_16s_C1I(block_.data());
-    const auto [samples, step] = target(place, mb, block);
-    moxiAdd8x8_16s8u_C1IRS(block_.data(), 16, samples, step);
+    add_residual_block(place, mb, block);
   }
+}
+
+void Texture::add_block(const Place& place, const Macroblock& mb, int block, const Levels& levels) {
+  moxiScanInv_16s_C1(levels.data(), block_.data(), 63, scan());
+  moxiQuantInvInter_MPEG4_16s_C1I(block_.data(), 63, quantisers_.inter(), mb.quantiser);
+  add_residual_block(place, mb, block);
+}
+
+void Texture::add_residual_block(const Place& place, const Macroblock& mb, int block) {
+  moxiDCT8x8Inv_16s_C1I(block_.data());
+  const auto [samples, step] = target(place, mb, block);
+  moxiAdd8x8_16s8u_C1IRS(block_.data(), 16, samples, step);
 }
 
 }  // namespace moxdec::mpeg4

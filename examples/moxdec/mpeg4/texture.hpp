@@ -22,6 +22,9 @@ class Quantisers {
   std::array<std::vector<Mox8u>, 2> memory_;
 };
 
+/// Of a block, by scan index.
+using Levels = std::array<Mox16s, 64>;
+
 class Texture {
  public:
   Texture(const Picture& picture, const Quantisers& quantisers, IntraPredictor& intra)
@@ -35,6 +38,9 @@ class Texture {
   static Mox16s read_dc(ByteReader& bits, int block);
   /// `dc` is its level if that has codes of its own, else 0.
   void decode_intra_block(ByteReader& bits, const Place& place, const Macroblock& mb, int block, Mox16s dc);
+  /// The same of levels that have been read.
+  void set_intra_block(const Place& place, const Macroblock& mb, int block, Mox16s dc, const Levels& levels);
+  void add_block(const Place& place, const Macroblock& mb, int block, const Levels& levels);
 
  private:
   struct Target {
@@ -43,6 +49,10 @@ class Texture {
   };
   Target target(const Place& place, const Macroblock& mb, int block) const;
   int scan(const IntraSource& source, const Macroblock& mb) const;
+  int scan() const;
+  void finish_intra_block(const Place& place, const Macroblock& mb, int block, const IntraSource& source, Mox16s dc,
+                          bool ac_is_zero);
+  void add_residual_block(const Place& place, const Macroblock& mb, int block);
 
   const Picture& picture_;
   const Quantisers& quantisers_;
