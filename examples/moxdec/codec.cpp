@@ -5,13 +5,14 @@
 #include <string>
 
 #include "moxdec/error.hpp"
+#include "moxdec/h261/decoder.hpp"
 #include "moxdec/h264/decoder.hpp"
 #include "moxdec/mpeg12/decoder.hpp"
 
 namespace moxdec {
 namespace {
 
-constexpr const Codec* kCodecs[] = {&h264::kCodec, &mpeg12::kCodec};
+constexpr const Codec* kCodecs[] = {&h264::kCodec, &mpeg12::kCodec, &h261::kCodec};
 
 bool has_extension(const Codec& codec, std::string_view file_name) {
   const auto point = file_name.rfind('.');
