@@ -88,12 +88,6 @@ MOX_BEGIN_DECLS
 /** Record of a warp; its fields are the library's own. */
 typedef struct MoxiWarpSpec MoxiWarpSpec;
 
-/** A motion vector in half or quarter samples. */
-typedef struct MoxiMotionVector {
-  Mox16s x; /**< to the right */
-  Mox16s y; /**< downwards */
-} MoxiMotionVector;
-
 /** Bytes of memory for the record of a warp.
  *  @param[out] pSize 384
  *  @retval moxStsNullPointer pSize is null */

@@ -60,6 +60,12 @@ typedef struct MoxiRect {
   Mox32s height; /**< rows */
 } MoxiRect;
 
+/** A motion vector in half or quarter samples. */
+typedef struct MoxiMotionVector {
+  Mox16s x; /**< to the right */
+  Mox16s y; /**< downwards */
+} MoxiMotionVector;
+
 /** Result of a function: 0 success, negative an error, positive a warning (the work was done). */
 typedef enum MoxStatus {
   moxStsEdgeSubstituted = 11,   /**< warning: an intra block used mid-grey in place of an edge that the flags deny */
