@@ -20,8 +20,7 @@ inline constexpr PrefixTable<11> kH261Address(kH261AddressCodes, [](int i) { ret
 
 /// MTYPE: what a macroblock has. A macroblock that is not intra is predicted.
 enum H261MacroblockFlag { kH261Intra = 1, kH261Quant = 2, kH261Vector = 4, kH261Pattern = 8, kH261Filter = 16 };
-inline constexpr std::string_view kH261TypeCodes =
-    "0001 0000001 1 00001 000000001 00000001 0000000001 001 01 000001";
+inline constexpr std::string_view kH261TypeCodes = "0001 0000001 1 00001 000000001 00000001 0000000001 001 01 000001";
 inline constexpr std::array<std::uint8_t, 10> kH261Types = {
     kH261Intra,
     kH261Intra | kH261Quant,

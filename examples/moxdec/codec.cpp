@@ -6,13 +6,14 @@
 
 #include "moxdec/error.hpp"
 #include "moxdec/h261/decoder.hpp"
+#include "moxdec/h263/decoder.hpp"
 #include "moxdec/h264/decoder.hpp"
 #include "moxdec/mpeg12/decoder.hpp"
 
 namespace moxdec {
 namespace {
 
-constexpr const Codec* kCodecs[] = {&h264::kCodec, &mpeg12::kCodec, &h261::kCodec};
+constexpr const Codec* kCodecs[] = {&h264::kCodec, &mpeg12::kCodec, &h261::kCodec, &h263::kCodec};
 
 bool has_extension(const Codec& codec, std::string_view file_name) {
   const auto point = file_name.rfind('.');

@@ -104,18 +104,18 @@ void GroupDecoder::predict(int plane, int x, int y, const Modes& modes, Mox8u* t
 
 void GroupDecoder::decode_intra_block(Mox8u* target, int step) {
   Mox32s last = 0;
-  require(moxiReconstructCoeffsIntra_H261_1u16s(bits_.byte(), bits_.offset(), block_.data(), &last, quantiser_) ==
-              moxStsOk,
-          "broken coefficients");
+  require(
+      moxiReconstructCoeffsIntra_H261_1u16s(bits_.byte(), bits_.offset(), block_.data(), &last, quantiser_) == moxStsOk,
+      "broken coefficients");
   bits_.expect_inside();
   moxiDCT8x8InvOrSet_16s8u_C1R(block_.data(), target, step, last == 0);
 }
 
 void GroupDecoder::decode_residual_block(Mox8u* target, int step) {
   Mox32s last = 0;
-  require(moxiReconstructCoeffsInter_H261_1u16s(bits_.byte(), bits_.offset(), block_.data(), &last, quantiser_) ==
-              moxStsOk,
-          "broken coefficients");
+  require(
+      moxiReconstructCoeffsInter_H261_1u16s(bits_.byte(), bits_.offset(), block_.data(), &last, quantiser_) == moxStsOk,
+      "broken coefficients");
   bits_.expect_inside();
   moxiDCT8x8Inv_16s_C1I(block_.data());
   moxiAdd8x8_16s8u_C1IRS(block_.data(), 16, target, step);
