@@ -16,8 +16,7 @@ inline constexpr std::uint8_t kH263QuantiserStep[31][2] = {
     {20, 26}, {21, 27}, {22, 28}, {23, 29}, {24, 30}, {25, 31}, {26, 31}, {27, 31}, {28, 26}};
 
 /// With modified quantisation: [quantiser - 1], the quantiser of chroma.
-inline constexpr std::array<std::uint8_t, 31> kH263ChromaQuantiser = {1,  2,  3,  4,  5,  6,  6,  7,  8,  9,  9,
-                                                                      10, 10, 11, 11, 12, 12, 12, 13, 13, 13, 14,
-                                                                      14, 14, 14, 14, 15, 15, 15, 15, 15};
+inline constexpr std::array<std::uint8_t, 31> kH263ChromaQuantiser = {
+    1, 2, 3, 4, 5, 6, 6, 7, 8, 9, 9, 10, 10, 11, 11, 12, 12, 12, 13, 13, 13, 14, 14, 14, 14, 14, 15, 15, 15, 15, 15};
 
 }  // namespace example

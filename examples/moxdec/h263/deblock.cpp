@@ -16,8 +16,9 @@ void filter_edges(const Picture& picture, int plane, bool vertical) {
       const Macroblock& behind = picture.at(x >> shift, y >> shift);
       const Macroblock& front = picture.at((x - vertical) >> shift, (y - !vertical) >> shift);
       if (!behind.coded && !front.coded) continue;
+      const int quantiser = behind.coded ? behind.quantiser : front.quantiser;
       filter(picture.frame->samples<Mox8u>(plane) + 8 * y * step + 8 * x, static_cast<Mox32u>(step),
-             behind.coded ? behind.quantiser : front.quantiser);
+             plane == 0 ? quantiser : picture.header.options.chroma_quantiser(quantiser));
     }
   }
 }

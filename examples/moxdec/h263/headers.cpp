@@ -6,9 +6,7 @@ namespace {
 constexpr const char* kBroken = "a broken picture type";
 
 /// Sizes of pictures, 1 to 5; 6 in an extended header is one of the picture's own, 7 tells that there is such a header.
-constexpr struct {
-  int width, height;
-} kSizes[] = {{128, 96}, {176, 144}, {352, 288}, {704, 576}, {1408, 1152}};
+constexpr struct { int width, height; } kSizes[] = {{128, 96}, {176, 144}, {352, 288}, {704, 576}, {1408, 1152}};
 constexpr int kOwnSize = 6, kExtendedHeader = 7;
 
 void set_size(Options& options, int format) {

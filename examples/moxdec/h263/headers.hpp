@@ -1,6 +1,7 @@
 /// Headers of pictures.
 #pragma once
 
+#include "common/h263_quantiser_tables.hpp"
 #include "moxdec/byte_reader.hpp"
 #include "moxdec/codec.hpp"
 
@@ -21,17 +22,20 @@ struct Options {
   FrameRate rate = {30000, 1001};
   bool custom_clock = false;
   VectorCode vector_code = VectorCode::kPlain;
-  bool advanced_prediction = false;   // annex F: overlapped blocks
-  bool advanced_intra = false;        // annex I
-  bool deblocking = false;            // annex J
-  bool slices = false;                // annex K
-  bool rectangular_slices = false;    //
-  bool alternative_inter = false;     // annex S
-  bool modified_quantiser = false;    // annex T
+  bool advanced_prediction = false;  // annex F: overlapped blocks
+  bool advanced_intra = false;       // annex I
+  bool deblocking = false;           // annex J
+  bool slices = false;               // annex K
+  bool rectangular_slices = false;   //
+  bool alternative_inter = false;    // annex S
+  bool modified_quantiser = false;   // annex T
 
   int mb_width() const { return (width + 15) / 16; }
   int mb_height() const { return (height + 15) / 16; }
   int macroblocks() const { return mb_width() * mb_height(); }
+  int chroma_quantiser(int quantiser) const {
+    return modified_quantiser ? example::kH263ChromaQuantiser[quantiser - 1] : quantiser;
+  }
   /// Rows of macroblocks in a group of blocks.
   int group_rows() const { return height <= 400 ? 1 : height <= 800 ? 2 : 4; }
 };

@@ -59,10 +59,12 @@ class MacroblockPredictor {
                                picture_.header.rounding);
   }
 
-  /// The vector of a block of another macroblock. One that has none counts as having that of the own block i.
+  /// The vector of a block of another macroblock. One that has none, or belongs to another slice, counts as having that
+  /// of the own block i. Groups of blocks are no such border.
   MoxiMotionVector neighbour(int mb_x, int mb_y, int other, int i) const {
-    if (!picture_.has(mb_x, mb_y) || picture_.at(mb_x, mb_y).intra) return macroblock_.vectors[i];
-    return picture_.at(mb_x, mb_y).vectors[other];
+    const bool beside = picture_.has(mb_x, mb_y) && !picture_.at(mb_x, mb_y).intra;
+    const bool known = !picture_.header.options.slices || picture_.in_segment(mb_x, mb_y, macroblock_.segment);
+    return beside && known ? picture_.at(mb_x, mb_y).vectors[other] : macroblock_.vectors[i];
   }
 
   void add_residuals() const {

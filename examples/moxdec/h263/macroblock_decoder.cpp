@@ -47,8 +47,6 @@ void MacroblockDecoder::decode_coded(int type_and_chroma) {
   Macroblock& macroblock = picture_.at(mb_x_, mb_y_);
   macroblock.intra = type == kIntra || type == kIntraQ;
   macroblock.four_vectors = type == kInter4V || type == kInter4VQ;
-  require(!macroblock.four_vectors || options_.advanced_prediction || options_.deblocking,
-          "four vectors in a picture without that option");
   const IntraMode mode = macroblock.intra && options_.advanced_intra ? read_intra_mode() : IntraMode::kDc;
   const int luma = bits_.read(kCbpy, "broken pattern of blocks");
   // The codes are those of intra macroblocks for an inter one that has much coded, too.
@@ -83,7 +81,7 @@ void MacroblockDecoder::read_quantiser_change() {
 }
 
 int MacroblockDecoder::block_quantiser(int i) const {
-  return i >= 4 && options_.modified_quantiser ? example::kH263ChromaQuantiser[quantiser_ - 1] : quantiser_;
+  return i < 4 ? quantiser_ : options_.chroma_quantiser(quantiser_);
 }
 
 /// `coded`: there is more than the DC, or with advanced intra coding there is anything.
@@ -108,11 +106,11 @@ void MacroblockDecoder::decode_intra_block(int i, bool coded, IntraMode mode) {
 void MacroblockDecoder::decode_residual_block(int i) {
   Mox32s last = 0;
   const int quantiser = block_quantiser(i), modified = options_.modified_quantiser;
-  MoxStatus status = moxiReconstructCoeffsInter_H263_1u16s(bits_.byte(), bits_.offset(), block_.data(), &last,
-                                                           quantiser, modified);
+  MoxStatus status =
+      moxiReconstructCoeffsInter_H263_1u16s(bits_.byte(), bits_.offset(), block_.data(), &last, quantiser, modified);
   if (status == moxStsBadCode && options_.alternative_inter) {
-    status = moxiDecodeCoeffsIntra_H263_1u16s(bits_.byte(), bits_.offset(), block_.data(), &last, 1, modified,
-                                              kZigzagScan);
+    status =
+        moxiDecodeCoeffsIntra_H263_1u16s(bits_.byte(), bits_.offset(), block_.data(), &last, 1, modified, kZigzagScan);
     moxiQuantInvInter_H263_16s_C1I(block_.data(), 63, quantiser, modified);
   }
   require(status == moxStsOk, "broken coefficients");
