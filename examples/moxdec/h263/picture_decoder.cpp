@@ -85,14 +85,14 @@ void SegmentDecoder::decode_slices() {
   }
 }
 
-/// The first one has no start code and takes the picture's quantiser.
+/// The first one has no start code, no second marker, and takes the picture's quantiser.
 SegmentDecoder::Slice SegmentDecoder::begin_slice(bool first) {
   Slice slice{0, 0};
   if (!first) skip_start_code(bits_);
   bits_.marker();
   const int address_bits = field_width(kAddressWidths, options_.macroblocks());
   slice.address = bits_.number(address_bits);
-  if (address_bits > 11) bits_.marker();
+  if (!first && address_bits > 11) bits_.marker();
   const int quantiser = first ? header_.quantiser : read_quantiser(bits_);
   if (options_.rectangular_slices) slice.width = bits_.number(field_width(kSliceWidths, options_.mb_width())) + 1;
   bits_.marker();
