@@ -10,6 +10,8 @@ constexpr int kGreyDc = 1024;
 
 constexpr bool is_luma(int i) { return i < 4; }
 
+Mox16s limited(int coefficient) { return static_cast<Mox16s>(std::clamp(coefficient, -2048, 2047)); }
+
 }  // namespace
 
 void IntraPredictor::begin(const Picture& picture) {
@@ -42,10 +44,10 @@ void IntraPredictor::complete(int mb_x, int mb_y, int i, IntraMode mode, Block& 
     dc = block[0] + (a ? a->row[0] : b->column[0]);
   }
   for (int k = 1; k < 8; ++k) {
-    if (a && mode == IntraMode::kVertical) block[k] = static_cast<Mox16s>(block[k] + a->row[k]);
-    if (b && mode == IntraMode::kHorizontal) block[8 * k] = static_cast<Mox16s>(block[8 * k] + b->column[k]);
+    if (a && mode == IntraMode::kVertical) block[k] = limited(block[k] + a->row[k]);
+    if (b && mode == IntraMode::kHorizontal) block[8 * k] = limited(block[8 * k] + b->column[k]);
   }
-  for (Mox16s& value : block) value = std::clamp<Mox16s>(value, -2048, 2047);
+  for (Mox16s& value : block) value = limited(value);
   block[0] = static_cast<Mox16s>(std::clamp(dc | 1, 1, 2047));  // odd, so that no mean of two needs rounding
   Edges& own = edges_[index(mb_x, mb_y, i)];
   for (int k = 0; k < 8; ++k) own.row[k] = block[k], own.column[k] = block[8 * k];

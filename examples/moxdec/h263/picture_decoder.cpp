@@ -107,7 +107,7 @@ void PictureDecoder::decode(Picture& picture, ByteReader& bits) {
   const Options& options = picture.header.options;
   picture.macroblocks.assign(static_cast<std::size_t>(options.macroblocks()), {});
   picture.residuals.clear();
-  intra_predictor_.begin(picture);
+  if (options.advanced_intra) intra_predictor_.begin(picture);
   MacroblockDecoder macroblocks(picture, intra_predictor_, bits);
   SegmentDecoder segments(picture, macroblocks, bits);
   options.slices ? segments.decode_slices() : segments.decode_groups();
