@@ -75,6 +75,9 @@ struct Vector {
   std::string file, md5;
   int frames, width, height;
   bool is_h264() const { return file.ends_with(".264"); }
+  const char* codec() const {
+    return is_h264() ? "H.264" : file.ends_with(".263") ? "H.263" : file.ends_with(".261") ? "H.261" : "MPEG-1/2";
+  }
 };
 inline std::vector<Vector> manifest() {
   std::ifstream file(vector_path("manifest.csv"));
