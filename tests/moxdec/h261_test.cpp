@@ -86,12 +86,12 @@ TEST(H261Prediction, MovesAndFilters) {
   BitWriter second;
   code(intra(second, 50), example::kH261AddressCodes, 33);
   moved(moved(second, -5, 0, true), 5, 0);
-  const Decoded decoded =
-      decode_all(H261().with_first(flat(100, 200), flat(100)).with_first(second).stream());
+  const Decoded decoded = decode_all(H261().with_first(flat(100, 200), flat(100)).with_first(second).stream());
   EXPECT_EQ(decoded.error, "");
   ASSERT_EQ(decoded.frames.size(), 2u);
   const moxdec::Frame& frame = *decoded.frames[1];
-  // From column 11 on: 4 of 8 columns in the first block are dark, none of the second; the edge of blocks stays as it is.
+  // From column 11 on: 4 of 8 columns in the first block are dark, none of the second; the edge of blocks stays as it
+  // is.
   for (const int y : {0, 7, 15}) {
     EXPECT_EQ(samples_at(frame, 0, y, {0, 16, 19, 20, 21, 22, 24, 32}),
               (std::vector<int>{50, 100, 100, 125, 175, 200, 200, 200}));
@@ -148,7 +148,8 @@ TEST(H261Errors, AreNamed) {
     return all;
   }();
   const std::vector<Refused> cases = {
-      {"still image", H261().picture(kQcif, 0).group(1, {}).stream(), "still images of high resolution are not supported"},
+      {"still image", H261().picture(kQcif, 0).group(1, {}).stream(),
+       "still images of high resolution are not supported"},
       {"order", H261().picture().group(3, {}).stream(), "groups of blocks are missing"},
       {"twice", twice, "groups of blocks are missing", 1},
       {"end", H261(ready).picture().group(1, {}).stream(), "groups of blocks are missing", 1},
