@@ -18,6 +18,7 @@ enum Option {
   kIndependent = 4,
   kSelection = 8,
   kSlices = 16,
+  kDeblocking = 32,
   kAdvancedPrediction = 128,
   kArithmetic = 256,
   kUnrestricted = 512,
@@ -163,13 +164,14 @@ TEST(H263Prediction, ByReversibleVectors) {
   BitWriter w;
   inter(w).u(6, 0).u(1, 1);
   inter(w).u(9, 0b011011100).u(3, 0b010);
-  reversible(reversible(inter(w), -300), 0);
-  const Decoded decoded = decode_all(
-      H263()
-          .picture(Extended{.options = kUnrestricted, .width = 48}, shades({100, 121, 200}))
-          .picture(Extended{.type = kP, .options = kUnrestricted, .width = 48}, w)
-          .stream());
+  reversible(reversible(inter(w), -300), -300);
+  const Decoded decoded =
+      decode_all(H263()
+                     .picture(Extended{.options = kUnrestricted, .width = 48}, shades({100, 121, 200}))
+                     .picture(Extended{.type = kP, .options = kUnrestricted, .width = 48}, w)
+                     .stream());
   EXPECT_EQ(last_row(decoded, 2, 5, {14, 15, 24, 25, 32, 47}), (Row{100, 111, 121, 200, 100, 100}));
+  EXPECT_EQ(last_row(decoded, 2, 0, {16, 23}, 1), (Row{100, 100}));
 }
 
 TEST(H263Prediction, OverlapsBlocks) {
@@ -182,14 +184,15 @@ TEST(H263Prediction, OverlapsBlocks) {
     moved(w, 0, 0);
     if (c == kSliceCase) w.u(17, 1).u(1, 1).u(6, 1).u(5, 8).u(1, 1).u(2, 0);
     c == kIntraCase ? intra(w, 180, kP) : moved(w, 16, 0);
-    const Decoded decoded =
-        decode_all(H263()
-                       .picture(Extended{.options = options}, first.append(shades({100, 180})))
-                       .picture(Extended{.type = kP, .options = options}, w)
-                       .stream());
+    const Decoded decoded = decode_all(H263()
+                                           .picture(Extended{.options = options}, first.append(shades({100, 180})))
+                                           .picture(Extended{.type = kP, .options = options}, w)
+                                           .stream());
     const bool plain = c == kPlainCase;
-    EXPECT_EQ(last_row(decoded, 2, 0, {11, 12, 14, 15, 16}), (plain ? Row{100, 110, 110, 120, 180} : Row{100, 100, 100, 100, 180}));
-    EXPECT_EQ(last_row(decoded, 2, 3, {11, 12, 14, 15, 16}), (plain ? Row{100, 110, 120, 120, 180} : Row{100, 100, 100, 100, 180}));
+    EXPECT_EQ(last_row(decoded, 2, 0, {11, 12, 14, 15, 16}),
+              (plain ? Row{100, 110, 110, 120, 180} : Row{100, 100, 100, 100, 180}));
+    EXPECT_EQ(last_row(decoded, 2, 3, {11, 12, 14, 15, 16}),
+              (plain ? Row{100, 110, 120, 120, 180} : Row{100, 100, 100, 100, 180}));
   }
 }
 
@@ -223,13 +226,18 @@ BitWriter slice(bool first, int address, int width = 0) {
 
 TEST(H263Segments, SlicesComeInAnyOrder) {
   BitWriter rows = slice(true, 2), columns = slice(true, 1, 1);
-  rows.append(shades({30, 40})).append(slice(false, 0)).append(shades({10})).append(slice(false, 1)).append(shades({20}));
+  rows.append(shades({30, 40}))
+      .append(slice(false, 0))
+      .append(shades({10}))
+      .append(slice(false, 1))
+      .append(shades({20}));
   columns.append(shades({20, 40})).append(slice(false, 0, 1)).append(shades({10, 30}));
   for (const int rectangular : {0, 1}) {
-    const Decoded decoded = decode_all(
-        H263()
-            .picture(Extended{.options = kSlices, .height = 32, .rectangular = rectangular}, rectangular ? columns : rows)
-            .stream());
+    const Decoded decoded =
+        decode_all(H263()
+                       .picture(Extended{.options = kSlices, .height = 32, .rectangular = rectangular},
+                                rectangular ? columns : rows)
+                       .stream());
     EXPECT_EQ(last_row(decoded, 1, 15, {15, 16}), (Row{10, 20}));
     EXPECT_EQ(last_row(decoded, 1, 16, {15, 16}), (Row{30, 40}));
   }
@@ -243,17 +251,52 @@ TEST(H263Quantiser, Changes) {
     int sample;
   };
   constexpr int kModified = kModifiedQuantiser;
-  for (const Change& c : {Change{0, 20, 2, 0, 116}, {0, 20, 2, 1, 115}, {0, 20, 2, 2, 118}, {0, 20, 2, 3, 119},
-                          {0, 31, 2, 3, 127}, {0, 1, 2, 1, 101}, {kModified, 20, 2, 2, 115}, {kModified, 20, 2, 3, 119},
+  for (const Change& c : {Change{0, 20, 2, 0, 116},
+                          {0, 20, 2, 1, 115},
+                          {0, 20, 2, 2, 118},
+                          {0, 20, 2, 3, 119},
+                          {0, 31, 2, 3, 127},
+                          {0, 1, 2, 1, 101},
+                          {kModified, 20, 2, 2, 115},
+                          {kModified, 20, 2, 3, 119},
                           {kModified, 20, 6, 31, 127}}) {
     BitWriter w;
     code(code(w, example::kMcbpcIntraCodes, 4), example::kCbpyCodes, 8).u(c.count, c.value);
     w.u(8, 100).u(10, 0b0000110010);
     for (int i = 1; i < 6; ++i) w.u(8, 100);
-    const Decoded decoded = decode_all(
-        H263().picture(Extended{.options = c.options, .width = 16, .quantiser = c.before}, w).stream());
+    const Decoded decoded =
+        decode_all(H263().picture(Extended{.options = c.options, .width = 16, .quantiser = c.before}, w).stream());
     EXPECT_EQ(last_row(decoded, 1, 0, {0, 8}), (Row{c.sample, 100})) << c.before << ' ' << c.value;
   }
+}
+
+TEST(H263Segments, AddressesAndWidthsHaveTheBitsOfTheSize) {
+  struct Size {
+    int macroblocks, address_bits, width_bits;
+  };
+  for (const Size& size : {Size{12, 6, 5}, {22, 6, 5}, {23, 6, 6}, {48, 6, 7}, {49, 7, 7}, {99, 7, 7}, {100, 9, 7}}) {
+    BitWriter w;
+    w.u(1, 1).u(size.address_bits, 1).u(size.width_bits, size.macroblocks - 2).u(1, 1);
+    for (int i = 1; i < size.macroblocks; ++i) intra(w, 200);
+    w.u(17, 1).u(1, 1).u(size.address_bits, 0).u(5, 8).u(size.width_bits, 0).u(1, 1).u(2, 0);
+    const Extended f{.options = kSlices, .width = 16 * size.macroblocks, .rectangular = 1};
+    EXPECT_EQ(last_row(decode_all(H263().picture(f, intra(w, 100)).stream()), 1, 0, {15, 16}), (Row{100, 200}));
+  }
+}
+
+TEST(H263Deblocking, TakesTheStrengthOfTheMacroblockBehindTheEdge) {
+  // d = 60 / 8, 12 / 8 in the third picture. A quantiser of 5 would leave the edge as it is.
+  const Extended f{.options = kDeblocking | kModifiedQuantiser, .quantiser = 5};
+  const Extended p{.type = kP, .options = f.options, .quantiser = 31, .full = 0};
+  BitWriter w, coded;
+  code(code(intra(w, 100), example::kMcbpcIntraCodes, 4), example::kCbpyCodes, 0).u(6, 31);
+  for (int i = 0; i < 6; ++i) w.u(8, 120);
+  moved(coded, 0, 0).u(1, 1);
+  H263 h;
+  EXPECT_EQ(last_row(decode_all(h.picture(f, w).stream()), 1, 9, {13, 14, 15, 16, 17, 18}),
+            (Row{100, 103, 107, 113, 117, 120}));
+  EXPECT_EQ(last_row(decode_all(h.picture(p, bits(2, 3)).stream()), 2, 9, {14, 15, 16, 17}), (Row{103, 107, 113, 117}));
+  EXPECT_EQ(last_row(decode_all(h.picture(p, coded).stream()), 3, 9, {14, 15, 16, 17}), (Row{103, 108, 112, 117}));
 }
 
 struct Refused {
@@ -308,7 +351,8 @@ TEST(H263Errors, AreNamed) {
       {"marker", p(inter(zeros).u(8, 0), kUnrestricted), "a marker bit is 0", 1},
       {"DC 0", H263().picture(Extended{}, bits(13, 0b1001100000000)).stream(), "broken coefficients"},
       {"cut", cut, "the data end too early", 1},
-      {"group", H263().picture(Extended{.height = 32}, shades({1, 1}).u(17, 1).u(5, 2)).stream(), "a group of blocks is missing"},
+      {"group", H263().picture(Extended{.height = 32}, shades({1, 1}).u(17, 1).u(5, 2)).stream(),
+       "a group of blocks is missing"},
       {"twice", sliced(twice), "a macroblock comes twice"},
       {"below", sliced(below), "more macroblocks than the picture has"},
       {"wide", sliced(slice(true, 1, 2), 1), "a slice is wider than the picture"},

@@ -35,14 +35,11 @@ MoxiMotionVector predicted(const Picture& picture, int x, int y, int i) {
   return {median(left.x, above.x, corner.x), median(left.y, above.y, corner.y)};
 }
 
-/// Plain: the sum comes back within -32 to 31. Extended: only where the prediction is near the end of the range does
-/// the sum come back, into -63 to 63.
+/// A sum that is too long comes back: plain within -32 to 31, extended within -63 to 63.
 int read_component(ByteReader& bits, VectorCode code, int predicted) {
   const int sum = predicted + bits.read(example::kVectorDifference, kBroken);
   if (code == VectorCode::kPlain) return ((sum + 32) & 63) - 32;
-  if (predicted < -31 && sum < -63) return sum + 64;
-  if (predicted > 32 && sum > 63) return sum - 64;
-  return sum;
+  return sum < -63 ? sum + 64 : sum > 63 ? sum - 64 : sum;
 }
 
 /// A 1 for 0. Else a 0, then the magnitude behind its first 1, from there each bit in front of a 1, the sign, a 0.
