@@ -5,6 +5,8 @@
 #include <string>
 
 #include "moxdec/error.hpp"
+#include "moxdec/h261/decoder.hpp"
+#include "moxdec/h263/decoder.hpp"
 #include "moxdec/h264/decoder.hpp"
 #include "moxdec/mpeg12/decoder.hpp"
 #include "moxdec/mpeg4/decoder.hpp"
@@ -12,7 +14,7 @@
 namespace moxdec {
 namespace {
 
-constexpr const Codec* kCodecs[] = {&h264::kCodec, &mpeg12::kCodec, &mpeg4::kCodec};
+constexpr const Codec* kCodecs[] = {&h261::kCodec, &h263::kCodec, &h264::kCodec, &mpeg12::kCodec, &mpeg4::kCodec};
 
 bool has_extension(const Codec& codec, std::string_view file_name) {
   const auto point = file_name.rfind('.');

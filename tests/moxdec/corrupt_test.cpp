@@ -10,14 +10,19 @@
 namespace mox::test {
 namespace {
 
-/// The units that lie in the first 48,000 bytes, which leaves whole pictures of the longer streams. MPEG pictures have
-/// a start code of their own, 0 or in MPEG-4 182; an H.264 unit may be one of several slices of a picture.
-void shorten(Stream& stream, const Vector& vector) {
+/// What pictures begin with, if a search finds it; an H.264 unit may be one of several slices of a picture.
+Stream picture_start(const Vector& vector) {
+  if (vector.codec() == "H.264") return {0, 0, 1};
+  if (vector.codec() == "MPEG-1/2") return {0, 0, 1, 0};
+  if (vector.codec() == "MPEG-4" || vector.codec() == "AVS") return {0, 0, 1, 0xB6};
+  return {};
+}
+
+/// The units that lie in the first 48,000 bytes, which leaves whole pictures of the longer streams.
+void shorten(Stream& stream, const Stream& start) {
   constexpr std::size_t kLongest = 48000;
-  if (stream.size() <= kLongest) return;
-  const std::uint8_t start[] = {0, 0, 1, static_cast<std::uint8_t>(vector.is_mpeg4() ? 0xB6 : 0)};
-  const auto end = stream.begin() + kLongest;
-  stream.erase(std::find_end(stream.begin(), end, start, start + (vector.is_h264() ? 3 : 4)), stream.end());
+  if (stream.size() <= kLongest || start.empty()) return;
+  stream.erase(std::find_end(stream.begin(), stream.begin() + kLongest, start.begin(), start.end()), stream.end());
 }
 
 /// One way to do damage.
@@ -87,7 +92,7 @@ TEST(Corrupt, EndsInAnErrorOrInPictures) {
   Random random;
   for (const Vector& vector : manifest()) {
     Stream stream = read_file(vector_path(vector.file));
-    shorten(stream, vector);
+    shorten(stream, picture_start(vector));
     Count count;
     for (int i = 0; i < copies; ++i) {
       Stream damaged = stream;

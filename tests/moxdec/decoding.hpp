@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -75,8 +76,13 @@ struct Vector {
   std::string file, md5;
   int frames, width, height;
   bool is_h264() const { return file.ends_with(".264"); }
-  bool is_mpeg4() const { return file.ends_with(".m4v"); }
-  const char* codec() const { return is_h264() ? "H.264" : is_mpeg4() ? "MPEG-4" : "MPEG-1/2"; }
+  /// As the program calls it.
+  std::string codec() const {
+    static const std::map<std::string, std::string> kCodecs = {
+        {".261", "H.261"}, {".263", "H.263"},    {".264", "H.264"},    {".avs", "AVS"},
+        {".dv", "DV"},     {".m1v", "MPEG-1/2"}, {".m2v", "MPEG-1/2"}, {".m4v", "MPEG-4"}};
+    return kCodecs.at(file.substr(file.find('.')));
+  }
 };
 inline std::vector<Vector> manifest() {
   std::ifstream file(vector_path("manifest.csv"));

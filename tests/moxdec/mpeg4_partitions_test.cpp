@@ -161,7 +161,8 @@ void unit(Stream& stream, int code, BitWriter bits) {
 /// 32x32: shade 172 at the left, 84 at the right; then a P picture of which the macroblocks are left out, moved from
 /// the left, intra of shade 108, and left out.
 constexpr std::string_view kIntraFirst =
-    "1 0001 10110 011 011 011 11 11  1 00001 010011 011 011 011 11 11  1 011 011 011 011 11 11  1 011 011 011 011 11 11 "
+    "1 0001 10110 011 011 011 11 11  1 00001 010011 011 011 011 11 11  1 011 011 011 011 11 11  1 011 011 011 011 11 "
+    "11 "
     "1101011000000000001";
 constexpr std::string_view kIntraSecond = "0 0011  0 0011  0 0011  0 0011";
 constexpr std::string_view kMovedFirst = "1  0 1 0000000000101 1  0 00011  1  11111000000000001";
@@ -186,17 +187,19 @@ TEST(Mpeg4Partitions, MotionAndDcSurvive) {
   };
   const std::string zeros(40, '0'), intra(kIntraSecond), first(kMovedFirst), second(kMovedSecond);
   std::vector<Case> cases = {{intra, first, second, "", {still, moved}},
-                        {zeros, first, second, kDamaged, {still, moved}},
-                        {intra, first, zeros, kDamaged, {still, motion_alone}},
-                        {intra, first, "11" + zeros, kDamaged, {still, motion_alone}},
-                        {intra, "1 1 1 1", "1 1", "the marker behind a partition is missing", {still}},
-                        {intra, "0 00000000000000", "", "broken type of a macroblock", {still}}};
+                             {zeros, first, second, kDamaged, {still, moved}},
+                             {intra, first, zeros, kDamaged, {still, motion_alone}},
+                             {intra, first, "11" + zeros, kDamaged, {still, motion_alone}},
+                             {intra, "1 1 1 1", "1 1", "the marker behind a partition is missing", {still}},
+                             {intra, "0 00000000000000", "", "broken type of a macroblock", {still}}};
   // Packets that end in the byte of the marker, or just behind, as stuffing moves them.
   for (std::string stuffing; stuffing.size() < 80; stuffing += "0 000000001 ") {
-    cases.push_back({intra, stuffing + "1  0 1 0000000000101 1  1  1  11111000000000001", "11", "", {still, motion_alone}});
+    cases.push_back(
+        {intra, stuffing + "1  0 1 0000000000101 1  1  1  11111000000000001", "11", "", {still, motion_alone}});
   }
   for (const Case& c : cases) {
-    const Decoded decoded = decode_pictures(false, std::string(kIntraFirst) + c.intra_second, c.moved_first + c.moved_second);
+    const Decoded decoded =
+        decode_pictures(false, std::string(kIntraFirst) + c.intra_second, c.moved_first + c.moved_second);
     EXPECT_EQ(decoded.error.empty(), c.error.empty());
     EXPECT_NE(decoded.error.find(c.error), std::string::npos) << decoded.error;
     std::vector<std::vector<int>> shades;
