@@ -39,12 +39,37 @@ struct AvsFamily {
   }
 };
 
-inline constexpr AvsFamily kAvsLumaIntra = {1, 11, VLC_IntraMaxRun, 7,
-    {{&VLC0_Intra, 0, 2}, {&VLC1_Intra, 1, 2}, {&VLC2_Intra, 2, 2}, {&VLC3_Intra, 4, 2}, {&VLC4_Intra, 7, 2}, {&VLC5_Intra, 10, 2}, {&VLC6_Intra, kAvsNoThreshold, 2}}};
-inline constexpr AvsFamily kAvsLumaInter = {0, 10, VLC_InterMaxRun, 7,
-    {{&VLC0_Inter, 0, 3}, {&VLC1_Inter, 1, 2}, {&VLC2_Inter, 2, 2}, {&VLC3_Inter, 3, 2}, {&VLC4_Inter, 6, 2}, {&VLC5_Inter, 9, 2}, {&VLC6_Inter, kAvsNoThreshold, 2}}};
-inline constexpr AvsFamily kAvsChroma = {0, 5, VLC_ChromaMaxRun, 5,
-    {{&VLC0_Chroma, 0, 2}, {&VLC1_Chroma, 1, 0}, {&VLC2_Chroma, 2, 1}, {&VLC3_Chroma, 4, 1}, {&VLC4_Chroma, kAvsNoThreshold, 0}}};
+inline constexpr AvsFamily kAvsLumaIntra = {1,
+                                            11,
+                                            VLC_IntraMaxRun,
+                                            7,
+                                            {{&VLC0_Intra, 0, 2},
+                                             {&VLC1_Intra, 1, 2},
+                                             {&VLC2_Intra, 2, 2},
+                                             {&VLC3_Intra, 4, 2},
+                                             {&VLC4_Intra, 7, 2},
+                                             {&VLC5_Intra, 10, 2},
+                                             {&VLC6_Intra, kAvsNoThreshold, 2}}};
+inline constexpr AvsFamily kAvsLumaInter = {0,
+                                            10,
+                                            VLC_InterMaxRun,
+                                            7,
+                                            {{&VLC0_Inter, 0, 3},
+                                             {&VLC1_Inter, 1, 2},
+                                             {&VLC2_Inter, 2, 2},
+                                             {&VLC3_Inter, 3, 2},
+                                             {&VLC4_Inter, 6, 2},
+                                             {&VLC5_Inter, 9, 2},
+                                             {&VLC6_Inter, kAvsNoThreshold, 2}}};
+inline constexpr AvsFamily kAvsChroma = {0,
+                                         5,
+                                         VLC_ChromaMaxRun,
+                                         5,
+                                         {{&VLC0_Chroma, 0, 2},
+                                          {&VLC1_Chroma, 1, 0},
+                                          {&VLC2_Chroma, 2, 1},
+                                          {&VLC3_Chroma, 4, 1},
+                                          {&VLC4_Chroma, kAvsNoThreshold, 0}}};
 static_assert(kAvsLumaIntra.is_whole() && kAvsLumaInter.is_whole() && kAvsChroma.is_whole());
 static_assert(kAvsLumaIntra.state_for(6)->table == &VLC4_Intra && kAvsLumaInter.state_for(10)->table == &VLC6_Inter);
 

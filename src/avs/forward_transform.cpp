@@ -56,8 +56,10 @@ MoxStatus moxiDisassembleLumaIntra_AVS_16s8u_C1R(const Mox8u* pSrc, Mox32s srcSt
   if (!avs_edges_suffice(pMBIntraTypes, edgeType)) return moxStsEdgeUnavailable;
   Mox32u cbp = 0;
   for (int b = 0; b < 4; ++b) {
-    const CodedBlock block{pSrc + avs_block_offset(b, srcStep), srcStep, pSrcDst + avs_block_offset(b, srcDstStep), srcDstStep};
-    const bool coded = take_apart(block, pMBIntraTypes[b], avs_luma_neighbours(b, edgeType), pDstCoeffs + 64 * b, qp, rounding);
+    const CodedBlock block{pSrc + avs_block_offset(b, srcStep), srcStep, pSrcDst + avs_block_offset(b, srcDstStep),
+                           srcDstStep};
+    const bool coded =
+        take_apart(block, pMBIntraTypes[b], avs_luma_neighbours(b, edgeType), pDstCoeffs + 64 * b, qp, rounding);
     cbp |= static_cast<Mox32u>(coded) << b;
   }
   *pCbp = cbp;

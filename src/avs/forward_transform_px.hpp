@@ -42,7 +42,8 @@ constexpr Mox32s avs_rounding(Mox32s qp, Mox32s rounding) {
 /// the rounding are below 2^31.
 constexpr Mox16s quantise_avs(Mox16s y, Mox32s qp, int i, int j, Mox32s rounding) {
   const Mox32s magnitude = y < 0 ? -y : y;
-  const Mox32s level = (magnitude * kAvsQuant[static_cast<std::size_t>(qp)].factor[i & 3][j & 3] + rounding) >> avs_quant_shift(qp);
+  const Mox32s level =
+      (magnitude * kAvsQuant[static_cast<std::size_t>(qp)].factor[i & 3][j & 3] + rounding) >> avs_quant_shift(qp);
   return static_cast<Mox16s>(y < 0 ? -level : level);
 }
 

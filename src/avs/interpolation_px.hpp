@@ -41,11 +41,22 @@ constexpr AvsPosition avs_diagonal(int right, int down) {
 namespace avs_positions {
 inline constexpr AvsSample A = AvsSample::kA, H = AvsSample::kH, V = AvsSample::kV, J = AvsSample::kJ;
 /// [dy * 4 + dx]
-inline constexpr AvsPosition kPositions[16] = {
-    {0, {{1, A}}}, avs_quarter<true>(7, A, H, 1, 0), {3, {{1, H}}}, avs_quarter<false>(7, A, H, 1, 0),
-    avs_quarter<true>(7, A, V, 0, 1), avs_diagonal(0, 0), avs_quarter<true>(10, H, J, 0, 1), avs_diagonal(1, 0),
-    {3, {{1, V}}}, avs_quarter<true>(10, V, J, 1, 0), {6, {{1, J}}}, avs_quarter<false>(10, V, J, 1, 0),
-    avs_quarter<false>(7, A, V, 0, 1), avs_diagonal(0, 1), avs_quarter<false>(10, H, J, 0, 1), avs_diagonal(1, 1)};
+inline constexpr AvsPosition kPositions[16] = {{0, {{1, A}}},
+                                               avs_quarter<true>(7, A, H, 1, 0),
+                                               {3, {{1, H}}},
+                                               avs_quarter<false>(7, A, H, 1, 0),
+                                               avs_quarter<true>(7, A, V, 0, 1),
+                                               avs_diagonal(0, 0),
+                                               avs_quarter<true>(10, H, J, 0, 1),
+                                               avs_diagonal(1, 0),
+                                               {3, {{1, V}}},
+                                               avs_quarter<true>(10, V, J, 1, 0),
+                                               {6, {{1, J}}},
+                                               avs_quarter<false>(10, V, J, 1, 0),
+                                               avs_quarter<false>(7, A, V, 0, 1),
+                                               avs_diagonal(0, 1),
+                                               avs_quarter<false>(10, H, J, 0, 1),
+                                               avs_diagonal(1, 1)};
 }  // namespace avs_positions
 
 /// Index of the kernel table, and the columns that its kernels write: widths 0 and 8 give 8, 16 and 24 give 16.
@@ -58,7 +69,9 @@ static_assert(avs_luma_index(24, 3, 2) == 27 && avs_luma_index(8, 0, 3) == 12);
 namespace mox::px {
 
 /// The four taps around the half sample between s[0] and s[step].
-constexpr Mox32s avs_taps(const Mox8u* s, std::ptrdiff_t step) { return -s[-step] + 5 * (s[0] + s[step]) - s[2 * step]; }
+constexpr Mox32s avs_taps(const Mox8u* s, std::ptrdiff_t step) {
+  return -s[-step] + 5 * (s[0] + s[step]) - s[2 * step];
+}
 
 template <AvsSample kSample>
 constexpr Mox32s avs_sample(const Mox8u* s, std::ptrdiff_t step) {
@@ -82,10 +95,9 @@ MoxStatus interpolate_avs_luma(const MoxiInterpKernelArgs<Mox8u>& a) {
   Mox8u* dst = a.pDst;
   for (int y = 0; y < a.height; ++y, src += a.srcStep, dst += a.dstStep) {
     for (int x = 0; x < W; ++x) {
-      const Mox32s sum = avs_term<kPosition.terms[0]>(src + x, a.srcStep) +
-                         avs_term<kPosition.terms[1]>(src + x, a.srcStep) +
-                         avs_term<kPosition.terms[2]>(src + x, a.srcStep) +
-                         avs_term<kPosition.terms[3]>(src + x, a.srcStep);
+      const Mox32s sum =
+          avs_term<kPosition.terms[0]>(src + x, a.srcStep) + avs_term<kPosition.terms[1]>(src + x, a.srcStep) +
+          avs_term<kPosition.terms[2]>(src + x, a.srcStep) + avs_term<kPosition.terms[3]>(src + x, a.srcStep);
       dst[x] = clip8((sum + (1 << kPosition.shift >> 1)) >> kPosition.shift);
     }
   }
@@ -93,11 +105,12 @@ MoxStatus interpolate_avs_luma(const MoxiInterpKernelArgs<Mox8u>& a) {
 }
 
 /// [width AND 16 | dy * 4 | dx], widths 8 and 16
-inline constexpr auto avs_interpolate_luma_type_table_8u_ssse3 = make_table<32>([]<std::size_t I>() -> InterpKernel<Mox8u> {
-  constexpr int kWidth = avs_luma_width(I);
-  if constexpr (I % 16 == 0) return h264_interpolate_luma_type_table_8u_v8u8[luma_index_8u(kWidth, 0, 0)];
-  return &interpolate_avs_luma<kWidth, avs_positions::kPositions[I % 16]>;
-});
+inline constexpr auto avs_interpolate_luma_type_table_8u_ssse3 =
+    make_table<32>([]<std::size_t I>() -> InterpKernel<Mox8u> {
+      constexpr int kWidth = avs_luma_width(I);
+      if constexpr (I % 16 == 0) return h264_interpolate_luma_type_table_8u_v8u8[luma_index_8u(kWidth, 0, 0)];
+      return &interpolate_avs_luma<kWidth, avs_positions::kPositions[I % 16]>;
+    });
 
 /// Weights W columns. The factor is a number of 9 bits, since it is multiplied in 16 bits by 128; the sum stays within
 /// 16 bits or beyond the limits of a sample.

@@ -17,9 +17,8 @@ inline constexpr AvsIntraMode kAvsModeOfChroma[kAvsChromaModes] = {kAvsDC, kAvsH
 enum AvsNeighbour : Mox32u { kAvsAbove = 1, kAvsLeft = 2, kAvsCorner = 4, kAvsAboveRight = 8, kAvsBelowLeft = 16 };
 
 /// [mode]
-inline constexpr Mox32u kAvsNeeds[] = {kAvsAbove,           kAvsLeft,
-                                       0,                   kAvsAbove | kAvsLeft,
-                                       kAvsAbove | kAvsLeft | kAvsCorner, kAvsAbove | kAvsLeft | kAvsCorner};
+inline constexpr Mox32u kAvsNeeds[] = {
+    kAvsAbove, kAvsLeft, 0, kAvsAbove | kAvsLeft, kAvsAbove | kAvsLeft | kAvsCorner, kAvsAbove | kAvsLeft | kAvsCorner};
 
 }  // namespace mox
 
@@ -63,7 +62,8 @@ inline void predict_avs_intra(Mox8u* dst, std::ptrdiff_t step, Mox32u mode, Mox3
     case kAvsVertical: return each([&](int x, int) { return r[x + 1]; });
     case kAvsHorizontal: return each([&](int, int y) { return c[y + 1]; });
     case kAvsDC:
-      if (above && left) return each([&](int x, int y) { return avg_down(avs_smooth(r, x + 1), avs_smooth(c, y + 1)); });
+      if (above && left)
+        return each([&](int x, int y) { return avg_down(avs_smooth(r, x + 1), avs_smooth(c, y + 1)); });
       if (above) return each([&](int x, int) { return avs_smooth(r, x + 1); });
       if (left) return each([&](int, int y) { return avs_smooth(c, y + 1); });
       return each([](int, int) { return 128; });

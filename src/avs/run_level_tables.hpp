@@ -21,8 +21,8 @@ struct AvsRunLevel {
 };
 
 struct AvsVlcTable {
-  AvsRunLevel rows[64];    ///< by code number
-  Mox8u refAbsLevel[32];   ///< by run: the smallest magnitude that needs an escape; 0 for a run that is not in the table
+  AvsRunLevel rows[64];   ///< by code number
+  Mox8u refAbsLevel[32];  ///< by run: the smallest magnitude that needs an escape; 0 for a run that is not in the table
 };
 static_assert(sizeof(AvsVlcTable) == 160);
 
@@ -49,37 +49,57 @@ constexpr AvsVlcTable make_avs_table(const AvsVlcRuns& from) {
   return table;
 }
 
-inline constexpr AvsVlcTable VLC0_Intra = make_avs_table({58, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 0, 11, 12, 13, 14, 1, 15, 16, 0, 17, 18, 2, 19, 20, 3, 21, 4, 22}});
-inline constexpr AvsVlcTable VLC1_Intra = make_avs_table({8, {0, 1, 0, 2, 3, 4, 5, 0, 1, 6, 7, 8, 2, 0, 9, 10, 3, 1, 11, 4, 0, 12, 5, 13, 6, 7, 2, 0, 14}});
-inline constexpr AvsVlcTable VLC2_Intra = make_avs_table({8, {0, 0, 1, 0, 2, 1, 0, 3, 0, 4, 1, 2, 5, 0, 3, 6, 1, 0, 2, 4, 7, 5, 0, 8, 1, 3, 6, 0, 9}});
-inline constexpr AvsVlcTable VLC3_Intra = make_avs_table({8, {0, 0, 0, 1, 0, 0, 1, 2, 0, 1, 0, 3, 0, 2, 1, 4, 0, 1, 3, 0, 2, 5, 0, 1, 6, 4, 3, 0, 2}});
-inline constexpr AvsVlcTable VLC4_Intra = make_avs_table({6, {0, 0, 0, 0, 0, 0, 1, 0, 0, 1, 0, 0, 2, 1, 0, 1, 0, 0, 1, 3, 2, 0, 1, 0, 0, 2, 4, 1, 0}});
-inline constexpr AvsVlcTable VLC5_Intra = make_avs_table({0, {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 1, 0, 2, 0, 1, 0, 1, 0, 0, 1, 0, 2}});
-inline constexpr AvsVlcTable VLC6_Intra = make_avs_table({0, {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0}});
+inline constexpr AvsVlcTable VLC0_Intra = make_avs_table(
+    {58, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 0, 11, 12, 13, 14, 1, 15, 16, 0, 17, 18, 2, 19, 20, 3, 21, 4, 22}});
+inline constexpr AvsVlcTable VLC1_Intra =
+    make_avs_table({8, {0, 1, 0, 2, 3, 4, 5, 0, 1, 6, 7, 8, 2, 0, 9, 10, 3, 1, 11, 4, 0, 12, 5, 13, 6, 7, 2, 0, 14}});
+inline constexpr AvsVlcTable VLC2_Intra =
+    make_avs_table({8, {0, 0, 1, 0, 2, 1, 0, 3, 0, 4, 1, 2, 5, 0, 3, 6, 1, 0, 2, 4, 7, 5, 0, 8, 1, 3, 6, 0, 9}});
+inline constexpr AvsVlcTable VLC3_Intra =
+    make_avs_table({8, {0, 0, 0, 1, 0, 0, 1, 2, 0, 1, 0, 3, 0, 2, 1, 4, 0, 1, 3, 0, 2, 5, 0, 1, 6, 4, 3, 0, 2}});
+inline constexpr AvsVlcTable VLC4_Intra =
+    make_avs_table({6, {0, 0, 0, 0, 0, 0, 1, 0, 0, 1, 0, 0, 2, 1, 0, 1, 0, 0, 1, 3, 2, 0, 1, 0, 0, 2, 4, 1, 0}});
+inline constexpr AvsVlcTable VLC5_Intra =
+    make_avs_table({0, {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 1, 0, 2, 0, 1, 0, 1, 0, 0, 1, 0, 2}});
+inline constexpr AvsVlcTable VLC6_Intra =
+    make_avs_table({0, {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0}});
 
-inline constexpr AvsVlcTable VLC0_Inter = make_avs_table({58, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 0, 13, 14, 15, 16, 17, 18, 0, 19, 20, 1, 21, 22, 23, 24, 25}});
-inline constexpr AvsVlcTable VLC1_Inter = make_avs_table({2, {0, 1, 2, 3, 4, 5, 0, 6, 7, 8, 9, 1, 10, 11, 0, 12, 13, 2, 14, 3, 15, 4, 16, 0, 5, 17, 18, 6, 1}});
-inline constexpr AvsVlcTable VLC2_Inter = make_avs_table({2, {0, 1, 0, 2, 3, 0, 1, 4, 5, 6, 2, 0, 7, 1, 3, 8, 9, 0, 4, 10, 5, 11, 2, 0, 1, 12, 6, 3, 13}});
-inline constexpr AvsVlcTable VLC3_Inter = make_avs_table({2, {0, 0, 1, 0, 2, 1, 0, 3, 0, 4, 1, 2, 5, 0, 3, 6, 1, 0, 2, 7, 4, 0, 8, 3, 5, 1, 9, 0, 2}});
-inline constexpr AvsVlcTable VLC4_Inter = make_avs_table({2, {0, 0, 0, 1, 0, 0, 1, 2, 0, 1, 0, 3, 0, 2, 1, 4, 0, 1, 3, 5, 0, 2, 0, 6, 1, 3, 4, 0, 2}});
-inline constexpr AvsVlcTable VLC5_Inter = make_avs_table({0, {0, 0, 0, 0, 0, 1, 0, 0, 0, 1, 0, 2, 0, 1, 0, 1, 0, 3, 2, 0, 1, 0, 1, 4, 0, 2, 0, 3, 1}});
-inline constexpr AvsVlcTable VLC6_Inter = make_avs_table({0, {0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 1, 0, 2, 0, 0, 1, 0, 0, 0, 1, 0, 0, 2, 3, 1, 0}});
+inline constexpr AvsVlcTable VLC0_Inter = make_avs_table(
+    {58, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 0, 13, 14, 15, 16, 17, 18, 0, 19, 20, 1, 21, 22, 23, 24, 25}});
+inline constexpr AvsVlcTable VLC1_Inter = make_avs_table(
+    {2, {0, 1, 2, 3, 4, 5, 0, 6, 7, 8, 9, 1, 10, 11, 0, 12, 13, 2, 14, 3, 15, 4, 16, 0, 5, 17, 18, 6, 1}});
+inline constexpr AvsVlcTable VLC2_Inter =
+    make_avs_table({2, {0, 1, 0, 2, 3, 0, 1, 4, 5, 6, 2, 0, 7, 1, 3, 8, 9, 0, 4, 10, 5, 11, 2, 0, 1, 12, 6, 3, 13}});
+inline constexpr AvsVlcTable VLC3_Inter =
+    make_avs_table({2, {0, 0, 1, 0, 2, 1, 0, 3, 0, 4, 1, 2, 5, 0, 3, 6, 1, 0, 2, 7, 4, 0, 8, 3, 5, 1, 9, 0, 2}});
+inline constexpr AvsVlcTable VLC4_Inter =
+    make_avs_table({2, {0, 0, 0, 1, 0, 0, 1, 2, 0, 1, 0, 3, 0, 2, 1, 4, 0, 1, 3, 5, 0, 2, 0, 6, 1, 3, 4, 0, 2}});
+inline constexpr AvsVlcTable VLC5_Inter =
+    make_avs_table({0, {0, 0, 0, 0, 0, 1, 0, 0, 0, 1, 0, 2, 0, 1, 0, 1, 0, 3, 2, 0, 1, 0, 1, 4, 0, 2, 0, 3, 1}});
+inline constexpr AvsVlcTable VLC6_Inter =
+    make_avs_table({0, {0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 1, 0, 2, 0, 0, 1, 0, 0, 0, 1, 0, 0, 2, 3, 1, 0}});
 
-inline constexpr AvsVlcTable VLC0_Chroma = make_avs_table({58, {0, 1, 2, 3, 4, 5, 6, 0, 7, 8, 9, 10, 11, 12, 13, 14, 0, 15, 16, 17, 18, 19, 20, 21, 1, 22, 23, 24, 0}});
-inline constexpr AvsVlcTable VLC1_Chroma = make_avs_table({0, {0, 1, 0, 2, 3, 4, 5, 0, 6, 7, 1, 8, 9, 10, 0, 11, 12, 13, 2, 14, 3, 0, 1, 15, 16, 17, 4, 18, 19}});
-inline constexpr AvsVlcTable VLC2_Chroma = make_avs_table({2, {0, 0, 1, 0, 2, 0, 1, 3, 0, 4, 1, 2, 5, 0, 6, 3, 0, 7, 1, 8, 2, 4, 5, 0, 9, 10, 0, 1, 3}});
-inline constexpr AvsVlcTable VLC3_Chroma = make_avs_table({0, {0, 0, 0, 0, 1, 0, 1, 0, 2, 0, 1, 0, 3, 2, 0, 1, 4, 0, 2, 1, 3, 0, 5, 0, 6, 1, 0, 4, 7}});
-inline constexpr AvsVlcTable VLC4_Chroma = make_avs_table({0, {0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 1, 0, 2, 0, 1, 0, 0, 1, 3, 2, 0, 1, 0, 4}});
+inline constexpr AvsVlcTable VLC0_Chroma = make_avs_table(
+    {58, {0, 1, 2, 3, 4, 5, 6, 0, 7, 8, 9, 10, 11, 12, 13, 14, 0, 15, 16, 17, 18, 19, 20, 21, 1, 22, 23, 24, 0}});
+inline constexpr AvsVlcTable VLC1_Chroma = make_avs_table(
+    {0, {0, 1, 0, 2, 3, 4, 5, 0, 6, 7, 1, 8, 9, 10, 0, 11, 12, 13, 2, 14, 3, 0, 1, 15, 16, 17, 4, 18, 19}});
+inline constexpr AvsVlcTable VLC2_Chroma =
+    make_avs_table({2, {0, 0, 1, 0, 2, 0, 1, 3, 0, 4, 1, 2, 5, 0, 6, 3, 0, 7, 1, 8, 2, 4, 5, 0, 9, 10, 0, 1, 3}});
+inline constexpr AvsVlcTable VLC3_Chroma =
+    make_avs_table({0, {0, 0, 0, 0, 1, 0, 1, 0, 2, 0, 1, 0, 3, 2, 0, 1, 4, 0, 2, 1, 3, 0, 5, 0, 6, 1, 0, 4, 7}});
+inline constexpr AvsVlcTable VLC4_Chroma =
+    make_avs_table({0, {0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 1, 0, 2, 0, 1, 0, 0, 1, 3, 2, 0, 1, 0, 4}});
 
-/// Largest run whose escapes begin at refAbsLevel, by the threshold of the table in use: [threshold], and the last entry
-/// that a family uses for all thresholds beyond.
+/// Largest run whose escapes begin at refAbsLevel, by the threshold of the table in use: [threshold], and the last
+/// entry that a family uses for all thresholds beyond.
 inline constexpr Mox32s VLC_IntraMaxRun[12] = {22, 14, 9, 6, 6, 4, 4, 4, 2, 2, 2, 1};
 inline constexpr Mox32s VLC_InterMaxRun[12] = {25, 18, 13, 9, 6, 6, 6, 4, 4, 4, 3, 1};
 inline constexpr Mox32s VLC_ChromaMaxRun[6] = {24, 19, 10, 7, 7, 4};
 
-inline constexpr std::array<Mox8u, 64> kAvsFieldScan = {
-    0,  8,  16, 1,  24, 32, 9,  17, 40, 48, 25, 2,  10, 56, 33, 18, 3,  41, 49, 26, 11, 19, 4,  57, 34, 12, 42, 27, 20, 50, 35, 28,
-    5,  13, 58, 43, 36, 21, 6,  29, 51, 44, 14, 22, 37, 59, 52, 30, 45, 60, 38, 53, 46, 61, 54, 7,  62, 15, 23, 31, 39, 47, 55, 63};
+inline constexpr std::array<Mox8u, 64> kAvsFieldScan = {0,  8,  16, 1,  24, 32, 9,  17, 40, 48, 25, 2,  10, 56, 33, 18,
+                                                        3,  41, 49, 26, 11, 19, 4,  57, 34, 12, 42, 27, 20, 50, 35, 28,
+                                                        5,  13, 58, 43, 36, 21, 6,  29, 51, 44, 14, 22, 37, 59, 52, 30,
+                                                        45, 60, 38, 53, 46, 61, 54, 7,  62, 15, 23, 31, 39, 47, 55, 63};
 /// [frame or field][scan position]: raster position.
 inline constexpr const ScanTable* AVSScan[2] = {&ownvc_Zigzag, &kAvsFieldScan};
 static_assert(is_permutation(kAvsFieldScan));
