@@ -65,7 +65,7 @@ MOX_API MoxStatus moxiDisassembleLumaIntra_AVS_16s8u_C1R(const Mox8u* pSrc, Mox3
  *  @param[out]    pCbp            1 if there are levels, else 0
  *  @param         qp              0 to 63, that of chroma
  *  @param         rounding        0 to 128
- *  @param         edgeType        neighbours that cannot be used; bit 5 has no effect
+ *  @param         edgeType        neighbours that cannot be used
  *  @retval moxStsNullPointer     a pointer is null
  *  @retval moxStsOutOfRange      qp is not 0 to 63, or intraChromaMode not 0 to 3
  *  @retval moxStsBadArg          rounding is not 0 to 128; tested after the mode

@@ -50,8 +50,7 @@
  * | down right | F of the line c[8] .. c[1], r[0], r[1] .. r[8] at the place x - y from r[0] | all | |      | 3      |
  * plane      | limited (16 (r[8] + c[8]) + (x - 3) b + (y - 3) d + 16) >> 5 | all |
  *
- *  In plane, b = (17 (sum of i (r[4 + i] - r[4 - i]) for i of 1 to 4) + 16) >> 5, and d likewise of c. Chroma uses no
- *  samples beyond r[8] and c[8].
+ *  In plane, b = (17 (sum of i (r[4 + i] - r[4 - i]) for i of 1 to 4) + 16) >> 5, and d likewise of c.
  *
  *  edgeType: neighbouring macroblocks that cannot be used: 1 left, 4 above, 16 above and left, 32 above and right;
  * other bits are ignored. Inside a macroblock, block 1 has nothing left and below, blocks 2 and 3 likewise, block 3
@@ -100,7 +99,7 @@ MOX_API MoxStatus moxiReconstructLumaInter_AVS_16s8u_C1R(const Mox16s* pSrcCoeff
  *  @param         intraChromaMode 0 to 3
  *  @param         cbp             bit 0: the block has levels
  *  @param         qp              0 to 63, that of chroma
- *  @param         edgeType        neighbours that cannot be used; bit 5 has no effect
+ *  @param         edgeType        neighbours that cannot be used
  *  @retval moxStsNullPointer     pSrcCoeffs or pSrcDst is null
  *  @retval moxStsOutOfRange      qp is not 0 to 63, or intraChromaMode not 0 to 3
  *  @retval moxStsEdgeUnavailable the mode needs an edge that edgeType denies */

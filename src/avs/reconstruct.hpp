@@ -15,10 +15,10 @@ enum AvsDenied : Mox32u { kNoLeft = 1, kNoAbove = 4, kNoCorner = 16, kNoAboveRig
 /// The first sample of luma block b of a macroblock.
 constexpr std::ptrdiff_t avs_block_offset(int b, std::ptrdiff_t step) { return (b >> 1) * 8 * step + (b & 1) * 8; }
 
-/// Neighbours of the one block of a chroma plane, which uses nothing beyond its own edges.
+/// Neighbours of the one block of a chroma plane.
 constexpr Mox32u avs_chroma_neighbours(Mox32u edgeType) {
   return (edgeType & kNoAbove ? 0u : kAvsAbove) | (edgeType & kNoLeft ? 0u : kAvsLeft) |
-         (edgeType & kNoCorner ? 0u : kAvsCorner);
+         (edgeType & kNoCorner ? 0u : kAvsCorner) | (edgeType & kNoAboveRight ? 0u : kAvsAboveRight);
 }
 
 /// Neighbours of luma block b.
