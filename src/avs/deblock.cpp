@@ -7,7 +7,7 @@ using namespace mox;
 
 namespace {
 
-using EdgeKernel = void (*)(Mox8u*, std::ptrdiff_t, const Mox8u*, const px::AvsThresholds&);
+using EdgeKernel = void (*)(Mox8u*, std::ptrdiff_t, const Mox8u*, const AvsThresholds&);
 
 /// Runs the kernel on `edges` edges, `next` bytes apart; those without strength are passed over.
 MoxStatus filter_edges(EdgeKernel kernel, int edges, Mox8u* pSrcDst, std::ptrdiff_t step, std::ptrdiff_t next,

@@ -6,11 +6,15 @@
 
 #include "frame/arithmetic.hpp"
 
-namespace mox::px {
+namespace mox {
 
 struct AvsThresholds {
   Mox32s alpha, beta, limit;
 };
+
+}  // namespace mox
+
+namespace mox::px {
 
 /// The samples on one side of an edge, from the edge on, as pointers so that either side is the near one.
 struct AvsSide {

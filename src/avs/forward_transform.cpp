@@ -2,8 +2,6 @@
 
 #include <cstddef>
 
-#include "avs/intra_px.hpp"
-#include "avs/inverse_transform_px.hpp"
 #include "avs/reconstruct.hpp"
 #include "frame/generation.hpp"
 #include "moxvc/avs_forward.h"

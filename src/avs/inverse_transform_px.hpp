@@ -6,6 +6,13 @@
 #include "avs/transform_tables.hpp"
 #include "frame/arithmetic.hpp"
 
+namespace mox {
+
+/// From the first sample of a macroblock to that of luma block b.
+constexpr std::ptrdiff_t avs_block_offset(int b, std::ptrdiff_t step) { return (b >> 1) * 8 * step + (b & 1) * 8; }
+
+}  // namespace mox
+
 namespace mox::px {
 
 /// Sum over frequencies of one row or column of coefficients, `step` apart, at a sample. |sum| is below 2^21.
@@ -30,6 +37,14 @@ inline void add_avs_residual(const Mox16s* levels, const AvsDequant& by, Mox8u* 
       Mox8u& sample = dst[y * step + x];
       sample = clip8(sample + sat16((avs_inverse_sum(h + x, 8, y) + 64) >> 7));
     }
+  }
+}
+
+/// Adds the residuals of the luma blocks whose bits are set in cbp.
+inline void add_avs_luma_residual(const Mox16s* levels, Mox32u cbp, const AvsDequant& by, Mox8u* dst,
+                                  std::ptrdiff_t step) {
+  for (int b = 0; b < 4; ++b) {
+    if (cbp >> b & 1) add_avs_residual(levels + 64 * b, by, dst + avs_block_offset(b, step), step);
   }
 }
 

@@ -1,7 +1,5 @@
 #include "avs/reconstruct.hpp"
 
-#include "avs/intra_px.hpp"
-#include "avs/inverse_transform_px.hpp"
 #include "frame/generation.hpp"
 #include "moxvc/avs_reconstruct.h"
 
@@ -24,11 +22,7 @@ MoxStatus moxiReconstructLumaInter_AVS_16s8u_C1R(const Mox16s* pSrcCoeffs, Mox8u
                                                  Mox32u cbp, Mox32s qp) {
   if (any_null(pSrcCoeffs, pSrcDst)) return moxStsNullPointer;
   if (outside(qp, 0, active::kAvsMostQp)) return moxStsOutOfRange;
-  for (int b = 0; b < 4; ++b) {
-    if (cbp >> b & 1)
-      active::add_avs_residual(pSrcCoeffs + 64 * b, active::avs_dequant(qp), pSrcDst + avs_block_offset(b, srcDstStep),
-                               srcDstStep);
-  }
+  active::add_avs_luma_residual(pSrcCoeffs, cbp, active::avs_dequant(qp), pSrcDst, srcDstStep);
   return moxStsOk;
 }
 

@@ -4,16 +4,14 @@
 #include <cstddef>
 
 #include "avs/intra_px.hpp"
-#include "avs/transform_tables.hpp"
+#include "avs/inverse_transform_px.hpp"
+#include "avs/inverse_transform_vec.hpp"
 #include "frame/arguments.hpp"
 
 namespace mox {
 
 /// Bits of edgeType: neighbouring macroblocks that cannot be used.
 enum AvsDenied : Mox32u { kNoLeft = 1, kNoAbove = 4, kNoCorner = 16, kNoAboveRight = 32 };
-
-/// The first sample of luma block b of a macroblock.
-constexpr std::ptrdiff_t avs_block_offset(int b, std::ptrdiff_t step) { return (b >> 1) * 8 * step + (b & 1) * 8; }
 
 /// Neighbours of the one block of a chroma plane.
 constexpr Mox32u avs_chroma_neighbours(Mox32u edgeType) {

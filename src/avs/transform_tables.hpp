@@ -6,6 +6,15 @@
 #include "frame/table.hpp"
 #include "moxvc/types.h"
 
+namespace mox {
+
+/// What a level is worth at a qp: scale / 2^shift, near 2 * 2^(qp / 8).
+struct AvsDequant {
+  Mox32s scale, shift;
+};
+
+}  // namespace mox
+
 namespace mox::px {
 
 inline constexpr Mox32s kAvsMostQp = 63;
@@ -34,11 +43,6 @@ constexpr bool avs_rows_are_orthogonal() {
   return true;
 }
 static_assert(avs_rows_are_orthogonal() && avs_norm(0) == 512 && avs_norm(1) == 442 && avs_norm(2) == 464);
-
-/// What a level is worth at a qp: scale / 2^shift, near 2 * 2^(qp / 8).
-struct AvsDequant {
-  Mox32s scale, shift;
-};
 
 inline constexpr Mox32s DequantTable[64] = {32768, 36061, 38968, 42495, 46341, 50535, 55437, 60424,  //
                                             32932, 35734, 38968, 42495, 46177, 50535, 55109, 59933,  //
