@@ -25,8 +25,9 @@
  *      luma, if ap: p1' = p1 + clip((3 (p0' - p1) + p2 - q0' + 4) >> 3)
  *      luma, if aq: q1' = q1 - clip((3 (q1 - q0') + p0' - q2 + 4) >> 3)
  *
- *  Memory. Three samples on each side of an edge are read; luma changes two, chroma one. An edge whose two strengths
- *  are 0 is passed over, no sample of it read. Any alignment. Two macroblocks that share an edge must not be filtered
+ *  Memory. Hor forms read three samples on each side of an edge, Ver forms four; luma changes two, chroma one. Half an
+ *  edge of luma, and an edge of chroma, is passed over if it has no strength but 0: no sample of it is read. Any
+ *  alignment. Two macroblocks that share an edge must not be filtered
  *  at the same time.
  *
  *  Steps count bytes, may be negative, and are not tested. The result is not defined where rows overlap. Of the
@@ -42,7 +43,7 @@
 MOX_BEGIN_DECLS
 
 /** Vertical luma edges of a macroblock.
- *  @param[in,out] pSrcDst first sample of the macroblock; columns -3 to 10 of 16 rows
+ *  @param[in,out] pSrcDst first sample of the macroblock; columns -4 to 11 of 16 rows
  *  @param srcDstStep      bytes between rows
  *  @param[in] pAlpha      2 values
  *  @param[in] pBeta       2 values
@@ -54,13 +55,13 @@ MOX_API MoxStatus moxiFilterDeblockingLuma_VerEdge_AVS_8u_C1IR(Mox8u* pSrcDst, M
                                                                const Mox8u* pBs);
 
 /** Horizontal luma edges of a macroblock: as moxiFilterDeblockingLuma_VerEdge_AVS_8u_C1IR with rows and columns
- *  exchanged. */
+ *  exchanged, on rows -3 to 10. */
 MOX_API MoxStatus moxiFilterDeblockingLuma_HorEdge_AVS_8u_C1IR(Mox8u* pSrcDst, Mox32s srcDstStep, const Mox8u* pAlpha,
                                                                const Mox8u* pBeta, const Mox8u* pThresholds,
                                                                const Mox8u* pBs);
 
 /** Left edge of an 8 x 8 chroma plane.
- *  @param[in,out] pSrcDst first sample of the block; columns -3 to 2 of 8 rows
+ *  @param[in,out] pSrcDst first sample of the block; columns -4 to 3 of 8 rows
  *  @param srcDstStep      bytes between rows
  *  @param[in] pAlpha      1 value
  *  @param[in] pBeta       1 value
@@ -72,7 +73,7 @@ MOX_API MoxStatus moxiFilterDeblockingChroma_VerEdge_AVS_8u_C1IR(Mox8u* pSrcDst,
                                                                  const Mox8u* pBs);
 
 /** Upper edge of an 8 x 8 chroma plane: as moxiFilterDeblockingChroma_VerEdge_AVS_8u_C1IR with rows and columns
- *  exchanged. */
+ *  exchanged, on rows -3 to 2. */
 MOX_API MoxStatus moxiFilterDeblockingChroma_HorEdge_AVS_8u_C1IR(Mox8u* pSrcDst, Mox32s srcDstStep, const Mox8u* pAlpha,
                                                                  const Mox8u* pBeta, const Mox8u* pThresholds,
                                                                  const Mox8u* pBs);

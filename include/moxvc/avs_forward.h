@@ -1,8 +1,9 @@
 /** @file
  *  AVS forward transform with quantisation, and intra macroblocks of an encoder (the other side of avs_reconstruct.h).
  *
- *  Forward transform and quantisation of 64 residual values x in raster order. With T as in avs_reconstruct.h,
- *  y = (T * x * T' + 16) >> 5, sums exact, limited to -32768..32767. Then, for the coefficient of frequencies i and j,
+ *  Forward transform and quantisation of 64 residual values x in raster order, each limited to -255..255 first. With T
+ *  as in avs_reconstruct.h, y = (T * x * T' + 16) >> 5, which is within -32640..32640. Then, for the coefficient of
+ *  frequencies i and j,
  *
  *      level = sign(y) * ((|y| * Q + R) >> N),   N = 19 + (qp >> 3),   R = (rounding << N) >> 8
  *

@@ -1,4 +1,4 @@
-#include "avs/deblock_px.hpp"
+#include "avs/deblock_vec.hpp"
 #include "frame/arguments.hpp"
 #include "frame/generation.hpp"
 #include "moxvc/avs_deblock.h"

@@ -38,7 +38,7 @@ constexpr Mox32s avs_rounding(Mox32s qp, Mox32s rounding) {
   return static_cast<Mox32s>((static_cast<long long>(rounding) << avs_quant_shift(qp)) >> 8);
 }
 
-/// Quantises the coefficient of frequencies i and j. |y| is 32768 at most and factors are below 2^16: the product and
+/// Quantises the coefficient of frequencies i and j. |y| is 32640 at most and factors are below 2^16: the product and
 /// the rounding are below 2^31.
 constexpr Mox16s quantise_avs(Mox16s y, Mox32s qp, int i, int j, Mox32s rounding) {
   const Mox32s magnitude = y < 0 ? -y : y;
@@ -47,18 +47,22 @@ constexpr Mox16s quantise_avs(Mox16s y, Mox32s qp, int i, int j, Mox32s rounding
   return static_cast<Mox16s>(y < 0 ? -level : level);
 }
 
+/// Largest magnitude of a residual: the difference of two samples.
+inline constexpr Mox32s kAvsMostResidual = 255;
+
 /// Transforms and quantises 64 values; returns how many levels are not 0. `residual` and `levels` may be one array.
 inline Mox32s transform_quant_avs(const Mox16s* residual, Mox16s* levels, Mox32s qp, Mox32s rounding) {
-  Mox32s rows[64];  // each below 2^21, the sums of their products below 2^27
+  Mox32s rows[64];  // 16320 at most
   for (int i = 0; i < 64; ++i) {
     rows[i] = 0;
-    for (int x = 0; x < 8; ++x) rows[i] += residual[(i & ~7) + x] * kAvsTransform[i & 7][x];
+    for (int x = 0; x < 8; ++x)
+      rows[i] += clip(residual[(i & ~7) + x], -kAvsMostResidual, kAvsMostResidual) * kAvsTransform[i & 7][x];
   }
   Mox32s count = 0;
   for (int i = 0; i < 64; ++i) {
     Mox32s sum = 0;
     for (int y = 0; y < 8; ++y) sum += rows[8 * y + (i & 7)] * kAvsTransform[i >> 3][y];
-    levels[i] = quantise_avs(sat16((sum + 16) >> 5), qp, i >> 3, i & 7, avs_rounding(qp, rounding));
+    levels[i] = quantise_avs(static_cast<Mox16s>((sum + 16) >> 5), qp, i >> 3, i & 7, avs_rounding(qp, rounding));
     count += levels[i] != 0;
   }
   return count;

@@ -1,7 +1,7 @@
-#include "avs/interpolation_px.hpp"
+#include "avs/interpolation_vec.hpp"
+#include "avs/prediction_vec.hpp"
 #include "frame/arguments.hpp"
 #include "frame/generation.hpp"
-#include "h264/interpolation_chroma_px.hpp"
 #include "h264/placed_block.hpp"
 #include "moxvc/avs_interpolation.h"
 
@@ -34,7 +34,7 @@ MoxStatus moxiInterpolateChromaBlock_AVS_8u_P2R(const MoxiInterpBlock_8u* pBlock
   const Mox32s width = pBlock->blockSize.width;
   if ((pBlock->blockSize.height & 3) != 0 || (width != 4 && width != 8)) return moxStsBadSize;
   const auto [args, flags] = place_block<Mox8u>(*pBlock, kChromaVectors, width);
-  const auto kernel = active::h264_interpolate_chroma_type_table_8u_v8u8[chroma_index_8u(width, args.dx, args.dy)];
+  const auto kernel = active::avs_interpolate_chroma_table[avs_chroma_index(width, args.dx, args.dy)];
   run_on_plane(kernel, flags, args, kChromaReach);
   return run_on_plane(kernel, flags, second_plane(args), kChromaReach);
 }

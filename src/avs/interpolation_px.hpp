@@ -1,4 +1,4 @@
-/// Portable kernels of AVS luma interpolation and weighting: sixteen quarter-sample positions as data.
+/// Portable kernels of AVS luma interpolation: sixteen quarter-sample positions as data.
 #pragma once
 
 #include <cstddef>
@@ -111,18 +111,5 @@ inline constexpr auto avs_interpolate_luma_type_table_8u_ssse3 =
       if constexpr (I % 16 == 0) return h264_interpolate_luma_type_table_8u_v8u8[luma_index_8u(kWidth, 0, 0)];
       return &interpolate_avs_luma<kWidth, avs_positions::kPositions[I % 16]>;
     });
-
-/// Weights W columns. The factor is a number of 9 bits, since it is multiplied in 16 bits by 128; the sum stays within
-/// 16 bits or beyond the limits of a sample.
-template <int W>
-MoxStatus weight_avs_prediction(const Mox8u* src, std::ptrdiff_t srcStep, Mox8u* dst, std::ptrdiff_t dstStep,
-                                Mox32u scale, Mox32u shift, int height) {
-  const Mox32s factor = wrap16(static_cast<Mox32s>(scale << 7 & 0xFFFF)) >> 7;
-  const Mox32s offset = wrap16(static_cast<Mox32s>(shift & 0xFFFF));
-  for (int y = 0; y < height; ++y, src += srcStep, dst += dstStep) {
-    for (int x = 0; x < W; ++x) dst[x] = clip8(((src[x] * factor + 16) >> 5) + offset);
-  }
-  return moxStsOk;
-}
 
 }  // namespace mox::px

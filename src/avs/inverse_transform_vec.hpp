@@ -5,16 +5,11 @@
 #include <cstddef>
 
 #include "avs/inverse_transform_px.hpp"
+#include "avs/transform_vec.hpp"
 #include "frame/generation.hpp"
 #include "simd/vec.hpp"
 
 namespace mox::vec {
-
-/// Factors of two words side by side.
-template <int B>
-MOX_INLINE simd::s16<B> avs_pair(int first, int second) {
-  return simd::as<simd::s16>(simd::splat<simd::s32, B>((first & 0xFFFF) | shl32(second, 16)));
-}
 
 /// Multiplies levels by the scale and shifts, saturated to 16 bits.
 struct AvsDequantiser {
@@ -31,22 +26,17 @@ struct AvsDequantiser {
   }
 };
 
-/// A line in each lane: two of its frequencies as words side by side.
-template <int B>
-struct AvsFrequencies {
-  simd::s16<B> c04, c26, c15, c37;
-};
-
-/// The eight samples of a line, `round` included and shifted by N.
+/// The eight samples of a line in each lane, rounded and shifted by N, from its frequencies 0 and 4, 2 and 6, 1 and 5,
+/// 3 and 7.
 template <int N, int B>
-MOX_INLINE void avs_inverse_line(const AvsFrequencies<B>& c, simd::s32<B> (&out)[8]) {
+MOX_INLINE void avs_inverse_line(const simd::s16<B> (&pair)[4], simd::s32<B> (&out)[8]) {
   const auto round = simd::splat<simd::s32, B>(1 << (N - 1));
-  const auto a = madd(c.c04, avs_pair<B>(8, 8)) + round, b = madd(c.c04, avs_pair<B>(8, -8)) + round;
-  const auto p = madd(c.c26, avs_pair<B>(10, 4)), q = madd(c.c26, avs_pair<B>(4, -10));
+  const auto a = madd(pair[0], avs_pair<B>(8, 8)) + round, b = madd(pair[0], avs_pair<B>(8, -8)) + round;
+  const auto p = madd(pair[1], avs_pair<B>(10, 4)), q = madd(pair[1], avs_pair<B>(4, -10));
   const simd::s32<B> even[4] = {a + p, b + q, b - q, a - p};
   for (int k = 0; k < 4; ++k) {
     const auto& t = px::kAvsTransform;
-    const auto odd = madd(c.c15, avs_pair<B>(t[1][k], t[5][k])) + madd(c.c37, avs_pair<B>(t[3][k], t[7][k]));
+    const auto odd = madd(pair[2], avs_pair<B>(t[1][k], t[5][k])) + madd(pair[3], avs_pair<B>(t[3][k], t[7][k]));
     out[k] = simd::shr<N>(even[k] + odd);
     out[7 - k] = simd::shr<N>(even[k] - odd);
   }
@@ -63,17 +53,13 @@ struct AvsFirstPass {
     using simd::as, simd::s16, simd::s32, simd::u8;
     alignas(16) static constexpr Mox8u kPairs[16] = {0, 1, 8, 9, 4, 5, 12, 13, 2, 3, 10, 11, 6, 7, 14, 15};
     const auto pairs = simd::table<u8, B>(kPairs);
-    s32<B> row[4];
+    s16<B> row[4];
     for (int i = 0; i < 4; ++i) {
       const auto w = dequantise(simd::load16<s16, B>(levels + 8 * rows[i], strips));
-      row[i] = as<s32>(lookup(as<u8>(w), pairs));
+      row[i] = as<s16>(lookup(as<u8>(w), pairs));
     }
-    const auto lo01 = lo32(row[0], row[1]), lo23 = lo32(row[2], row[3]);
-    const auto hi01 = hi32(row[0], row[1]), hi23 = hi32(row[2], row[3]);
     s32<B> h[8];
-    avs_inverse_line<3>(AvsFrequencies<B>{as<s16>(lo64(lo01, lo23)), as<s16>(hi64(lo01, lo23)),
-                                          as<s16>(lo64(hi01, hi23)), as<s16>(hi64(hi01, hi23))},
-                        h);
+    avs_inverse_line<3>(AvsPairColumns<B>(row).pair, h);
     for (int i = 0; i < 2; ++i) {
       const auto left = as<s32>(packs(h[4 * i], h[4 * i + 1])), right = as<s32>(packs(h[4 * i + 2], h[4 * i + 3]));
       a[i] = as<s16>(even32(left, right));
@@ -91,8 +77,8 @@ MOX_INLINE void add_avs_residuals(const Mox16s* levels, const simd::Strips<B>& l
   const AvsFirstPass<B> even(levels, {0, 4, 2, 6}, dequantise, levelStrips);
   const AvsFirstPass<B> odd(levels, {1, 5, 3, 7}, dequantise, levelStrips);
   s32<B> left[8], right[8];
-  avs_inverse_line<7>(AvsFrequencies<B>{even.a[0], even.b[0], odd.a[0], odd.b[0]}, left);
-  avs_inverse_line<7>(AvsFrequencies<B>{even.a[1], even.b[1], odd.a[1], odd.b[1]}, right);
+  avs_inverse_line<7>({even.a[0], even.b[0], odd.a[0], odd.b[0]}, left);
+  avs_inverse_line<7>({even.a[1], even.b[1], odd.a[1], odd.b[1]}, right);
   for (int y = 0; y < 8; ++y, dst += step) {
     const auto sum = adds(simd::load8_wide<B>(dst, strips), packs(left[y], right[y]));
     simd::store8(packus(sum, sum), dst, strips);
