@@ -12,6 +12,21 @@
  *  two strengths for each edge, one for each half of its lines: 4 for luma, in the order edge 0, edge 1, and 2 for
  *  chroma.
  *
+ *  The standard's values by index, that is by QP plus offset limited to 0..63 (C by the index of alpha):
+ *
+ *       0 .. 15  alpha  0  0  0  0  0  0  1  1  1  1  1  2  2  2  3  3
+ *                beta   0  0  0  0  0  0  1  1  1  1  1  1  1  2  2  2
+ *                C      0  0  0  0  0  0  0  0  0  0  0  0  0  0  0  0
+ *      16 .. 31  alpha  4  4  5  5  6  7  8  9 10 11 12 13 15 16 18 20
+ *                beta   2  2  3  3  3  3  4  4  4  4  5  5  5  5  6  6
+ *                C      1  1  1  1  1  1  1  1  1  1  1  1  1  1  2  2
+ *      32 .. 47  alpha 22 24 26 28 30 33 33 35 35 36 37 37 39 39 42 44
+ *                beta   6  7  7  7  8  8  8  9  9 10 10 11 11 12 13 14
+ *                C      2  2  2  2  2  2  3  3  3  3  3  3  3  4  4  4
+ *      48 .. 63  alpha 46 48 50 52 53 54 55 56 57 58 59 60 61 62 63 64
+ *                beta  15 16 17 18 19 20 21 22 23 23 24 24 25 25 26 27
+ *                C      5  5  5  6  6  6  7  7  7  7  8  8  8  9  9  9
+ *
  *  Filter. A line p2 p1 p0 | q0 q1 q2 across an edge is changed only if its strength is not 0, |p0 - q0| is below
  * alpha, and |p1 - p0| and |q1 - q0| are below beta. Let ap be |p2 - p0| < beta, aq |q2 - q0| < beta, of old samples.
  *

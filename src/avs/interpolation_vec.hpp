@@ -96,7 +96,8 @@ MOX_INLINE simd::s16<B> avs_quarter_of_half(const Mox16s* t, std::ptrdiff_t step
   auto low = simd::splat<s32, B>(512), high = low;
   for (int i = 0; i < 6; i += 2) {
     const auto weights = simd::as<s16>(simd::splat<s32, B>((w[i] & 0xFFFF) | shl32(w[i + 1], 16)));
-    const auto a = simd::load16<s16, B>(t + (i - 2) * step, strips), b = simd::load16<s16, B>(t + (i - 1) * step, strips);
+    const auto a = simd::load16<s16, B>(t + (i - 2) * step, strips),
+               b = simd::load16<s16, B>(t + (i - 1) * step, strips);
     low = low + madd(lo16(a, b), weights);
     high = high + madd(hi16(a, b), weights);
   }
@@ -135,7 +136,8 @@ MOX_INLINE void for_avs_strips(const MoxiInterpKernelArgs<Mox8u>& a, Body body) 
     Mox8u* const dst = a.pDst + y * a.dstStep;
     if constexpr (W == 8) {
       const int part = rows / B;
-      body(AvsStrip<B>{src, a.srcStep, dst, a.dstStep, part, simd::strips<B>(part * a.srcStep), simd::strips<B>(part * a.dstStep)});
+      body(AvsStrip<B>{src, a.srcStep, dst, a.dstStep, part, simd::strips<B>(part * a.srcStep),
+                       simd::strips<B>(part * a.dstStep)});
     } else {
       for (int x = 0; x < W; x += 8 * B)
         body(AvsStrip<B>{src + x, a.srcStep, dst + x, a.dstStep, rows, simd::strips<B>(8), simd::strips<B>(8)});
@@ -155,8 +157,10 @@ struct AvsHalfRows {
 template <int kDx, int kDy, int B>
 MOX_INLINE void interpolate_avs_axis(const AvsStrip<B>& strip) {
   strip.fill([&](int y) {
-    if constexpr (kDy == 0) return avs_filtered<kAvsTaps[kDx]>(avs_pairs_across<B>(strip.row(y), strip.srcStrips));
-    else return avs_filtered<kAvsTaps[kDy]>(avs_pairs_down<B>(strip.row(y), strip.srcStep, strip.srcStrips));
+    if constexpr (kDy == 0)
+      return avs_filtered<kAvsTaps[kDx]>(avs_pairs_across<B>(strip.row(y), strip.srcStrips));
+    else
+      return avs_filtered<kAvsTaps[kDy]>(avs_pairs_down<B>(strip.row(y), strip.srcStep, strip.srcStrips));
   });
 }
 
@@ -195,9 +199,8 @@ MOX_INLINE void interpolate_avs_down_first(const AvsStrip<B>& strip) {
     simd::store16(avs_half(lo8(a, b), lo8(c, d)), to, half.strips());
     simd::store16(avs_half(hi8(a, b), hi8(c, d)), to + 5, half.strips());
   }
-  strip.fill([&](int y) {
-    return avs_quarter_of_half<kAvsTaps[kDx], B>(half.words + y * half.kStep + 2, 1, half.strips());
-  });
+  strip.fill(
+      [&](int y) { return avs_quarter_of_half<kAvsTaps[kDx], B>(half.words + y * half.kStep + 2, 1, half.strips()); });
 }
 
 template <int W, int kDx, int kDy>

@@ -18,9 +18,8 @@ static_assert(avs_chroma_index(4, 0, 7) == 2 && avs_chroma_index(8, 1, 1) == 7);
 namespace mox::px {
 
 /// [width AND 8 >> 1 | type], widths 4 and 8: the kernels of H.264, whose formula is the same.
-inline constexpr auto avs_interpolate_chroma_table = make_table<8>([]<std::size_t I>() -> InterpKernel<Mox8u> {
-  return &interpolate_chroma<Mox8u, I / 4 == 0 ? 4 : 8, I % 4>;
-});
+inline constexpr auto avs_interpolate_chroma_table = make_table<8>(
+    []<std::size_t I>() -> InterpKernel<Mox8u> { return &interpolate_chroma < Mox8u, I / 4 == 0 ? 4 : 8, I % 4 > ; });
 
 /// Weights W columns. The factor is a number of 9 bits, since it is multiplied in 16 bits by 128; the sum stays within
 /// 16 bits or beyond the limits of a sample.

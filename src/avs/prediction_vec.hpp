@@ -14,12 +14,16 @@ template <int W>
 struct AvsChromaRows {
   static constexpr int B = W == 8 ? simd::kBlocks : 1, kRows = W == 8 ? B : 2;
   MOX_INLINE static simd::u8<B> load(const Mox8u* p, std::ptrdiff_t step) {
-    if constexpr (W == 8) return simd::load8<simd::u8, B>(p, simd::strips<B>(step));
-    else return simd::load_rows<4, 2>(p, step);
+    if constexpr (W == 8)
+      return simd::load8<simd::u8, B>(p, simd::strips<B>(step));
+    else
+      return simd::load_rows<4, 2>(p, step);
   }
   MOX_INLINE static void store(simd::u8<B> v, Mox8u* p, std::ptrdiff_t step) {
-    if constexpr (W == 8) simd::store8(v, p, simd::strips<B>(step));
-    else simd::store_rows<4, 2>(v, p, step);
+    if constexpr (W == 8)
+      simd::store8(v, p, simd::strips<B>(step));
+    else
+      simd::store_rows<4, 2>(v, p, step);
   }
 };
 
@@ -37,7 +41,9 @@ MoxStatus interpolate_avs_chroma(const MoxiInterpKernelArgs<Mox8u>& a) {
   const std::ptrdiff_t step = a.srcStep;
   for (int y = 0; y < a.height; y += Rows::kRows) {
     const Mox8u* const s = a.pSrc + y * step;
-    const auto pairs = [&](const Mox8u* p, std::ptrdiff_t other) { return lo8(Rows::load(p, step), Rows::load(p + other, step)); };
+    const auto pairs = [&](const Mox8u* p, std::ptrdiff_t other) {
+      return lo8(Rows::load(p, step), Rows::load(p + other, step));
+    };
     auto sum = maddubs(pairs(s, kType == 2 ? step : 1), upper);  // 16320 at most, both together too
     if constexpr (kType == 3) sum = sum + maddubs(pairs(s + step, 1), lower);
     const auto v = mulhrs(sum, simd::splat<simd::s16, B>(512));
@@ -49,7 +55,7 @@ MoxStatus interpolate_avs_chroma(const MoxiInterpKernelArgs<Mox8u>& a) {
 /// [width AND 8 >> 1 | type]
 inline constexpr auto avs_interpolate_chroma_table = make_table<8>([]<std::size_t I>() -> InterpKernel<Mox8u> {
   if constexpr (I % 4 == 0) return px::avs_interpolate_chroma_table[I];
-  return &interpolate_avs_chroma<I / 4 == 0 ? 4 : 8, I % 4>;
+  return &interpolate_avs_chroma < I / 4 == 0 ? 4 : 8, I % 4 > ;
 });
 
 /// p * 8 * scale * 128 is the rounded product in 1/32 of the multiplication by highs.
