@@ -28,7 +28,8 @@
  *                C      5  5  5  6  6  6  7  7  7  7  8  8  8  9  9  9
  *
  *  Filter. A line p2 p1 p0 | q0 q1 q2 across an edge is changed only if its strength is not 0, |p0 - q0| is below
- * alpha, and |p1 - p0| and |q1 - q0| are below beta. Let ap be |p2 - p0| < beta, aq |q2 - q0| < beta, of old samples.
+ *  alpha, and |p1 - p0| and |q1 - q0| are below beta. Say ap if |p2 - p0| < beta, aq if |q2 - q0| < beta, all of old
+ *  samples.
  *
  *  Strength 2 and above: if ap and |p0 - q0| < (alpha >> 2) + 2, then p0' = (p1 + 2 p0 + q0 + 2) >> 2 and, in luma,
  *  p1' = (2 p1 + p0 + q0 + 2) >> 2; else p0' = (2 p1 + p0 + q0 + 2) >> 2. The same on the other side with aq, p and q

@@ -3,7 +3,7 @@
  *
  *  The Block forms take a plane, a position and a vector, like those of h264_interpolation.h. Samples outside the
  *  reference are the nearest ones in it. No sample outside frameSize is read, with two exceptions. If the vector is
- * zero in both components, the block is copied from blockPos without a look at frameSize. And where the reference is
+ *  zero in both components, the block is copied from blockPos without a look at frameSize. And where the reference is
  *  narrower or lower than what the filter reads, only one of the two edges counts, as there.
  *
  *  Luma (9.9.2). With A(x, y) the full sample at the block sample's place, all values exact, and the result limited to

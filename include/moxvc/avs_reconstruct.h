@@ -2,7 +2,7 @@
  *  AVS reconstruction (GB/T 20090.2, 9.5 to 9.8), 8-bit 4:2:0: prediction plus residual of a macroblock.
  *
  *  One luma call and one chroma call for each chroma plane finish a macroblock. An intra function predicts its blocks
- * in the plane itself, from the samples around them; for an inter function the caller has written the prediction into
+ *  in the plane itself, from the samples around them; for an inter function the caller has written the prediction into
  *  the plane. The residual is then made from the levels and added, and the sum is limited to 0..255. Of the
  *  calculation, nothing is promised but what stands here.
  *
@@ -25,39 +25,49 @@
  *      qp 48 .. 55   65535 35734 38973 42500 46341 50535 55109 60097
  *      qp 56 .. 63   32771 35734 38965 42497 46341 50535 55109 60099
  *
+ *  The chroma qp of a luma qp is the same up to 42; for 43 to 63 it is 42 43 43 44 44 45 45 46 46 47 47 48 48 48 49 49
+ *  49 50 50 50 51.
+ *
  *  Inverse transform (9.6). With the rows of T below, one for each frequency, all sums exact:
  *  h = (w * T + 4) >> 3, limited to -32768..32767, then r = (T' * h + 64) >> 7, limited likewise.
  *
- *      8  8  8  8  8  8  8  8       8 -8 -8  8  8 -8 -8  8
- *     10  9  6  2 -2 -6 -9 -10      6 -10  2  9 -9 -2 10 -6
- *     10  4 -4 -10 -10 -4  4 10     4 -10 10 -4 -4 10 -10  4
- *      9 -2 -10 -6  6 10  2 -9      2 -6  9 -10 10 -9  6 -2
- *
- *  (frequencies 0 to 3 left, 4 to 7 right).
+ *       8   8   8   8   8   8   8   8
+ *      10   9   6   2  -2  -6  -9 -10
+ *      10   4  -4 -10 -10  -4   4  10
+ *       9  -2 -10  -6   6  10   2  -9
+ *       8  -8  -8   8   8  -8  -8   8
+ *       6 -10   2   9  -9  -2  10  -6
+ *       4 -10  10  -4  -4  10 -10   4
+ *       2  -6   9 -10  10  -9   6  -2
  *
  *  Intra prediction (9.8). r[1] to r[8] are the samples above the block, r[9] to r[16] those above and right, c[1] to
  *  c[8] those to the left from the top down, c[9] to c[16] those below them, r[0] = c[0] the corner. Where there are no
  *  samples above and right, r[8] stands for them, likewise c[8] for those left and below; r[17] is r[16], c[17] is
- *  c[16]. Where the corner cannot be used, r[0] is r[1] and c[0] is c[1]. With
- *  F(v, i) = (v[i - 1] + 2 v[i] + v[i + 1] + 2) >> 2, at column x and row y:
+ *  c[16]. Where the corner cannot be used, r[0] is r[1] and c[0] is c[1].
  *
- *  | luma | chroma | mode       | sample                                                  | needs      |
- *  |------|--------|------------|---------------------------------------------------------|------------|
- *  | 0    | 2      | vertical   | r[x + 1]                                                | above      |
- *  | 1    | 1      | horizontal | c[y + 1]                                                | left       |
- *  | 2    | 0      | DC         | (F(r, x + 1) + F(c, y + 1)) >> 1; one of the two if the other edge is not there; 128
- * | | | 3    |        | down left  | (F(r, x + y + 2) + F(c, x + y + 2)) >> 1                | above, left | | 4    |
- * | down right | F of the line c[8] .. c[1], r[0], r[1] .. r[8] at the place x - y from r[0] | all | |      | 3      |
- * plane      | limited (16 (r[8] + c[8]) + (x - 3) b + (y - 3) d + 16) >> 5 | all |
+ *  With F(v, i) = (v[i - 1] + 2 v[i] + v[i + 1] + 2) >> 2, at column x and row y:
  *
- *  In plane, b = (17 (sum of i (r[4 + i] - r[4 - i]) for i of 1 to 4) + 16) >> 5, and d likewise of c.
+ *  | luma | chroma | mode       | sample                                       | needs               |
+ *  |------|--------|------------|----------------------------------------------|---------------------|
+ *  | 0    | 2      | vertical   | r[x + 1]                                     | above               |
+ *  | 1    | 1      | horizontal | c[y + 1]                                     | left                |
+ *  | 2    | 0      | DC         | (F(r, x + 1) + F(c, y + 1)) >> 1             |                     |
+ *  | 3    |        | down left  | (F(r, x + y + 2) + F(c, x + y + 2)) >> 1     | above, left         |
+ *  | 4    |        | down right | F(v, x - y)                                  | above, left, corner |
+ *  |      | 3      | plane      | (a + (x - 3) b + (y - 3) d + 16) >> 5        | above, left, corner |
+ *
+ *  DC is F(r, x + 1) or F(c, y + 1) alone if the other edge cannot be used, and 128 if none can. Down right runs over
+ *  the line v, where v[i] is r[i] for i of 0 to 8 and c[-i] for i of -8 to -1. Plane is limited to 0..255; a is
+ *  16 (r[8] + c[8]), b is (17 s + 16) >> 5 with s the sum of i (r[4 + i] - r[4 - i]) for i of 1 to 4, and d likewise of
+ *  c.
  *
  *  edgeType: neighbouring macroblocks that cannot be used: 1 left, 4 above, 16 above and left, 32 above and right;
- * other bits are ignored. Inside a macroblock, block 1 has nothing left and below, blocks 2 and 3 likewise, block 3
- * nothing above and right; block 0 has the left macroblock's samples below. Only neighbours that may be used are read.
+ *  other bits are ignored. Of luma, block 0 has the left macroblock's samples left and below, the others have none
+ *  there, nor has chroma. Above and right, block 3 has none, block 2 has those of block 1, block 0 those above block 1,
+ *  block 1 and chroma those of the macroblock above and right. Only neighbours that may be used are read.
  *
  *  Order of tests: pointers in argument order (moxStsNullPointer); qp, then the modes (moxStsOutOfRange); then the
- * edges that the modes need (moxStsEdgeUnavailable). All tests come before anything is written.
+ *  edges that the modes need (moxStsEdgeUnavailable). All tests come before anything is written.
  */
 #ifndef MOXVC_AVS_RECONSTRUCT_H
 #define MOXVC_AVS_RECONSTRUCT_H
