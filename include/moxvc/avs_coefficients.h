@@ -15,8 +15,8 @@
  *  scanType bit 0 selects the scan, 0 for frames and 1 for fields. *pNumCoeff becomes the number of scan positions up
  *  to the last coefficient if scanType is 0, and 63 whatever the block holds if it is anything else.
  *
- *  Damaged data. There is no illegal code. A code of more than 32 zeros in front of its first one ends the block;
- *  the position is then behind the first 33 zeros at least, and within the word behind them.
+ *  Damaged data. There is no illegal code. A code with more than 32 zeros in front of its first one ends the block;
+ *  32 of the zeros are then consumed.
  *
  *  Status: moxStsNullPointer if ppBitStream, *ppBitStream, pBitOffset, pNumCoeff or pDstCoeffs is null, in this order;
  *  nothing is written then. Else moxStsOk.
