@@ -207,6 +207,10 @@ MOX_INLINE s32<B> wide_hi(s16<B> v) {
   return shr<16>(as<s32>(hi16(v, v)));
 }
 
+/// Doublewords shifted to the right by any number of bits.
+MOX_INLINE s32<1> shr(s32<1> v, int n) { return {_mm_sra_epi32(v.r, _mm_cvtsi32_si128(n))}; }
+MOX_WIDE(MOX_INLINE s32<2> shr(s32<2> v, int n) { return {_mm256_sra_epi32(v.r, _mm_cvtsi32_si128(n))}; })
+
 // Blocks: B single blocks to one vector, and one block out of it.
 template <int B>
 MOX_INLINE Raw<B> join(const __m128i* blocks);
