@@ -4,6 +4,7 @@
 #include <cctype>
 #include <string>
 
+#include "moxdec/dv/decoder.hpp"
 #include "moxdec/error.hpp"
 #include "moxdec/h264/decoder.hpp"
 #include "moxdec/mpeg12/decoder.hpp"
@@ -11,7 +12,7 @@
 namespace moxdec {
 namespace {
 
-constexpr const Codec* kCodecs[] = {&h264::kCodec, &mpeg12::kCodec};
+constexpr const Codec* kCodecs[] = {&dv::kCodec, &h264::kCodec, &mpeg12::kCodec};
 
 bool has_extension(const Codec& codec, std::string_view file_name) {
   const auto point = file_name.rfind('.');
