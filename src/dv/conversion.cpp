@@ -26,82 +26,117 @@ MoxStatus to_packed(const Mox16s* pSrcY, const Mox16s* pSrcCr, const Mox16s* pSr
 
 }  // namespace
 
-MoxStatus moxiYCrCb411ToYCbCr422_5MBDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr, const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst, Mox32s dstStep) {
+MoxStatus moxiYCrCb411ToYCbCr422_5MBDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr, const Mox16s* pSrcCb,
+                                                   Mox32s srcStep, Mox8u* const* ppDst, Mox32s dstStep) {
   return to_packed<px::kDv411, px::kDv411, 8>(pSrcY, pSrcCr, pSrcCb, srcStep, ppDst, dstStep);
 }
 
-MoxStatus moxiYCrCb411ToYCbCr422_ZoomOut2_5MBDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr, const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst, Mox32s dstStep) {
+MoxStatus moxiYCrCb411ToYCbCr422_ZoomOut2_5MBDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr,
+                                                            const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst,
+                                                            Mox32s dstStep) {
   return to_packed<px::kDv411, px::kDv411, 4>(pSrcY, pSrcCr, pSrcCb, srcStep, ppDst, dstStep);
 }
 
-MoxStatus moxiYCrCb411ToYCbCr422_ZoomOut4_5MBDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr, const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst, Mox32s dstStep) {
+MoxStatus moxiYCrCb411ToYCbCr422_ZoomOut4_5MBDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr,
+                                                            const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst,
+                                                            Mox32s dstStep) {
   return to_packed<px::kDv411, px::kDv411, 2>(pSrcY, pSrcCr, pSrcCb, srcStep, ppDst, dstStep);
 }
 
-MoxStatus moxiYCrCb411ToYCbCr422_ZoomOut8_5MBDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr, const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst, Mox32s dstStep) {
+MoxStatus moxiYCrCb411ToYCbCr422_ZoomOut8_5MBDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr,
+                                                            const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst,
+                                                            Mox32s dstStep) {
   return to_packed<px::kDv411, px::kDv411, 1>(pSrcY, pSrcCr, pSrcCb, srcStep, ppDst, dstStep);
 }
 
-MoxStatus moxiYCrCb411ToYCbCr422_EdgeDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr, const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst, Mox32s dstStep) {
+MoxStatus moxiYCrCb411ToYCbCr422_EdgeDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr, const Mox16s* pSrcCb,
+                                                    Mox32s srcStep, Mox8u* const* ppDst, Mox32s dstStep) {
   return to_packed<px::kDv411, px::kDv411Edge, 8>(pSrcY, pSrcCr, pSrcCb, srcStep, ppDst, dstStep);
 }
 
-MoxStatus moxiYCrCb411ToYCbCr422_ZoomOut2_EdgeDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr, const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst, Mox32s dstStep) {
+MoxStatus moxiYCrCb411ToYCbCr422_ZoomOut2_EdgeDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr,
+                                                             const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst,
+                                                             Mox32s dstStep) {
   return to_packed<px::kDv411, px::kDv411Edge, 4>(pSrcY, pSrcCr, pSrcCb, srcStep, ppDst, dstStep);
 }
 
-MoxStatus moxiYCrCb411ToYCbCr422_ZoomOut4_EdgeDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr, const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst, Mox32s dstStep) {
+MoxStatus moxiYCrCb411ToYCbCr422_ZoomOut4_EdgeDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr,
+                                                             const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst,
+                                                             Mox32s dstStep) {
   return to_packed<px::kDv411, px::kDv411Edge, 2>(pSrcY, pSrcCr, pSrcCb, srcStep, ppDst, dstStep);
 }
 
-MoxStatus moxiYCrCb411ToYCbCr422_ZoomOut8_EdgeDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr, const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst, Mox32s dstStep) {
+MoxStatus moxiYCrCb411ToYCbCr422_ZoomOut8_EdgeDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr,
+                                                             const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst,
+                                                             Mox32s dstStep) {
   return to_packed<px::kDv411, px::kDv411Edge, 1>(pSrcY, pSrcCr, pSrcCb, srcStep, ppDst, dstStep);
 }
 
-MoxStatus moxiYCrCb420ToYCbCr422_5MBDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr, const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst, Mox32s dstStep) {
+MoxStatus moxiYCrCb420ToYCbCr422_5MBDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr, const Mox16s* pSrcCb,
+                                                   Mox32s srcStep, Mox8u* const* ppDst, Mox32s dstStep) {
   return to_packed<px::kDv420, px::kDv420, 8>(pSrcY, pSrcCr, pSrcCb, srcStep, ppDst, dstStep);
 }
 
-MoxStatus moxiYCrCb420ToYCbCr422_ZoomOut2_5MBDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr, const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst, Mox32s dstStep) {
+MoxStatus moxiYCrCb420ToYCbCr422_ZoomOut2_5MBDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr,
+                                                            const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst,
+                                                            Mox32s dstStep) {
   return to_packed<px::kDv420, px::kDv420, 4>(pSrcY, pSrcCr, pSrcCb, srcStep, ppDst, dstStep);
 }
 
-MoxStatus moxiYCrCb420ToYCbCr422_ZoomOut4_5MBDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr, const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst, Mox32s dstStep) {
+MoxStatus moxiYCrCb420ToYCbCr422_ZoomOut4_5MBDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr,
+                                                            const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst,
+                                                            Mox32s dstStep) {
   return to_packed<px::kDv420, px::kDv420, 2>(pSrcY, pSrcCr, pSrcCb, srcStep, ppDst, dstStep);
 }
 
-MoxStatus moxiYCrCb420ToYCbCr422_ZoomOut8_5MBDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr, const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst, Mox32s dstStep) {
+MoxStatus moxiYCrCb420ToYCbCr422_ZoomOut8_5MBDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr,
+                                                            const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst,
+                                                            Mox32s dstStep) {
   return to_packed<px::kDv420, px::kDv420, 1>(pSrcY, pSrcCr, pSrcCb, srcStep, ppDst, dstStep);
 }
 
-MoxStatus moxiYCrCb422ToYCbCr422_5MBDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr, const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst, Mox32s dstStep) {
+MoxStatus moxiYCrCb422ToYCbCr422_5MBDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr, const Mox16s* pSrcCb,
+                                                   Mox32s srcStep, Mox8u* const* ppDst, Mox32s dstStep) {
   return to_packed<px::kDv422, px::kDv422, 8>(pSrcY, pSrcCr, pSrcCb, srcStep, ppDst, dstStep);
 }
 
-MoxStatus moxiYCrCb422ToYCbCr422_ZoomOut2_5MBDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr, const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst, Mox32s dstStep) {
+MoxStatus moxiYCrCb422ToYCbCr422_ZoomOut2_5MBDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr,
+                                                            const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst,
+                                                            Mox32s dstStep) {
   return to_packed<px::kDv422, px::kDv422, 4>(pSrcY, pSrcCr, pSrcCb, srcStep, ppDst, dstStep);
 }
 
-MoxStatus moxiYCrCb422ToYCbCr422_ZoomOut4_5MBDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr, const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst, Mox32s dstStep) {
+MoxStatus moxiYCrCb422ToYCbCr422_ZoomOut4_5MBDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr,
+                                                            const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst,
+                                                            Mox32s dstStep) {
   return to_packed<px::kDv422, px::kDv422, 2>(pSrcY, pSrcCr, pSrcCb, srcStep, ppDst, dstStep);
 }
 
-MoxStatus moxiYCrCb422ToYCbCr422_ZoomOut8_5MBDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr, const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst, Mox32s dstStep) {
+MoxStatus moxiYCrCb422ToYCbCr422_ZoomOut8_5MBDV_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr,
+                                                            const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst,
+                                                            Mox32s dstStep) {
   return to_packed<px::kDv422, px::kDv422, 1>(pSrcY, pSrcCr, pSrcCb, srcStep, ppDst, dstStep);
 }
 
-MoxStatus moxiYCrCb422ToYCbCr422_5MBDV100_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr, const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst, Mox32s dstStep) {
+MoxStatus moxiYCrCb422ToYCbCr422_5MBDV100_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr, const Mox16s* pSrcCb,
+                                                      Mox32s srcStep, Mox8u* const* ppDst, Mox32s dstStep) {
   return to_packed<px::kDv422Eight, px::kDv422Eight, 8>(pSrcY, pSrcCr, pSrcCb, srcStep, ppDst, dstStep);
 }
 
-MoxStatus moxiYCrCb422ToYCbCr422_ZoomOut2_5MBDV100_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr, const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst, Mox32s dstStep) {
+MoxStatus moxiYCrCb422ToYCbCr422_ZoomOut2_5MBDV100_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr,
+                                                               const Mox16s* pSrcCb, Mox32s srcStep,
+                                                               Mox8u* const* ppDst, Mox32s dstStep) {
   return to_packed<px::kDv422Eight, px::kDv422Eight, 4>(pSrcY, pSrcCr, pSrcCb, srcStep, ppDst, dstStep);
 }
 
-MoxStatus moxiYCrCb422ToYCbCr422_ZoomOut4_5MBDV100_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr, const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst, Mox32s dstStep) {
+MoxStatus moxiYCrCb422ToYCbCr422_ZoomOut4_5MBDV100_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr,
+                                                               const Mox16s* pSrcCb, Mox32s srcStep,
+                                                               Mox8u* const* ppDst, Mox32s dstStep) {
   return to_packed<px::kDv422Eight, px::kDv422Eight, 2>(pSrcY, pSrcCr, pSrcCb, srcStep, ppDst, dstStep);
 }
 
-MoxStatus moxiYCrCb422ToYCbCr422_ZoomOut8_5MBDV100_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr, const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst, Mox32s dstStep) {
+MoxStatus moxiYCrCb422ToYCbCr422_ZoomOut8_5MBDV100_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr,
+                                                               const Mox16s* pSrcCb, Mox32s srcStep,
+                                                               Mox8u* const* ppDst, Mox32s dstStep) {
   return to_packed<px::kDv422Eight, px::kDv422Eight, 1>(pSrcY, pSrcCr, pSrcCb, srcStep, ppDst, dstStep);
 }

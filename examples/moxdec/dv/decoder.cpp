@@ -73,8 +73,7 @@ class DvDecoder : public Decoder {
   void decode_segment(const std::uint8_t* blocks) {
     std::copy_n(blocks, kSegmentBytes, segment_.begin());
     std::fill_n(coefficients_.begin(), 64 * kMacroblocks * profile_.blocks(), Mox16s{0});
-    const auto decode =
-        profile_.is_dv100() ? moxiHuffmanDecodeSegment_DV100_8u16s : moxiHuffmanDecodeSegment_DV_8u16s;
+    const auto decode = profile_.is_dv100() ? moxiHuffmanDecodeSegment_DV100_8u16s : moxiHuffmanDecodeSegment_DV_8u16s;
     decode(segment_.data(), nullptr, nullptr, coefficients_.data(), parameters_.data());
   }
 

@@ -73,7 +73,8 @@ void store_dv100(const Place& place, bool fields, const Mox16s* blocks, const Fr
 
 void reconstruct(const Profile& profile, const Place& place, Mox16s* coefficients, const Mox32u* parameters,
                  const Frame& frame) {
-  for (int i = 0; i < profile.blocks(); ++i) transform_block(profile, i >= 4, coefficients + i * kValues, parameters[i]);
+  for (int i = 0; i < profile.blocks(); ++i)
+    transform_block(profile, i >= 4, coefficients + i * kValues, parameters[i]);
   if (profile.is_dv100()) {
     store_dv100(place, profile.format.height == 1080 && has_mode_bit(parameters[0]), coefficients, frame);
   } else {

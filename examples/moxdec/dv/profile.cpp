@@ -10,8 +10,7 @@ constexpr int kFirstVaux = 3, kVauxBlocks = 3, kPacks = 15, kPackBytes = 5, kSou
 /// The fourth byte of the VAUX source pack: the frame rate in bit 5, the kind of signal in bits 0 to 4.
 int source_kind(Bytes sequence) {
   for (int i = 0; i < kVauxBlocks * kPacks; ++i) {
-    const auto at =
-        static_cast<std::size_t>((kFirstVaux + i / kPacks) * kBlockBytes + 3 + i % kPacks * kPackBytes);
+    const auto at = static_cast<std::size_t>((kFirstVaux + i / kPacks) * kBlockBytes + 3 + i % kPacks * kPackBytes);
     if (sequence[at] == kSourcePack) return sequence[at + 3];
   }
   throw DecodeError("no pack tells the kind of video");
