@@ -55,8 +55,8 @@ void dv_macroblock_to_packed(const Mox16s* luma, const Mox16s* cr, const Mox16s*
     };
     for (const DvUnit& unit : kDvUnits<kShape, N>) {
       const auto y = dv_samples(four_twice(unit.luma), four_twice(unit.luma + 2));
-      const auto both = dv_samples(simd::load_row<simd::s16, 1>(cb + unit.chroma),
-                                   simd::load_row<simd::s16, 1>(cr + unit.chroma));
+      const auto both =
+          dv_samples(simd::load_row<simd::s16, 1>(cb + unit.chroma), simd::load_row<simd::s16, 1>(cr + unit.chroma));
       const auto chroma = lookup(both, simd::load_row<simd::u8, 1>(unit.order));
       store_row(lo8(y, chroma), dst + unit.row[0] * dstStep + unit.column[0]);
       store_row(hi8(y, chroma), dst + unit.row[1] * dstStep + unit.column[1]);
