@@ -46,8 +46,8 @@ class DvSegment : public PerGeneration {
     const Guarded<Mox32u> parameters(count);
     std::fill(coefficients.begin(), coefficients.end(), Mox16s{0});
     std::fill(parameters.begin(), parameters.end(), 0xFFFFFFFF);
-    const auto plain = lib(eight ? MOX_FN(moxiHuffmanDecodeSegment_DV100_8u16s)
-                                 : MOX_FN(moxiHuffmanDecodeSegment_DV_8u16s));
+    const auto plain =
+        lib(eight ? MOX_FN(moxiHuffmanDecodeSegment_DV100_8u16s) : MOX_FN(moxiHuffmanDecodeSegment_DV_8u16s));
     const auto one_pass = lib(MOX_FN(moxiHuffmanDecodeSegmentOnePass_DV_8u16s));
     EXPECT_EQ(limit ? one_pass(stream.data(), nullptr, nullptr, coefficients.data(), parameters.data(), limit)
                     : plain(stream.data(), nullptr, nullptr, coefficients.data(), parameters.data()),
@@ -55,8 +55,8 @@ class DvSegment : public PerGeneration {
     return {coefficients.copy(), parameters.copy()};
   }
   /// Decodes what the writer made, and compares it with what the writer knows. Returns the parameters.
-  std::vector<Mox32u> check(const DvTestLayout& layout, const std::vector<DvTestBlock>& blocks, const std::string& unused,
-                            int limit = 0) {
+  std::vector<Mox32u> check(const DvTestLayout& layout, const std::vector<DvTestBlock>& blocks,
+                            const std::string& unused, int limit = 0) {
     const DvTestSegment segment(layout, blocks, {1, 15, 0, 8, 6}, unused);
     const Result got = decode(segment.bytes(), layout.bits.size() == 8, limit);
     std::vector<Mox16s> coefficients(64 * blocks.size());
@@ -123,8 +123,17 @@ TEST_P(DvSegment, EveryCode) {
 /// Words of block parameters by hand. QNO of macroblock 0 is 1.
 TEST_P(DvSegment, ParametersOfShortBlocks) {
   auto blocks = sparse(30);
-  blocks[1] = {-3, 1, 2, {{"00" "1", 1, -1}, kDvEndOfBlock}};
-  blocks[2].codes = {{"1111110111101", 62, 0}, {"0111" "0", 2, 1}};  // to 62, then past the end
+  blocks[1] = {-3,
+               1,
+               2,
+               {{"00"
+                 "1",
+                 1, -1},
+                kDvEndOfBlock}};
+  blocks[2].codes = {{"1111110111101", 62, 0},
+                     {"0111"
+                      "0",
+                      2, 1}};  // to 62, then past the end
   blocks[3].codes = {{"1111110111110", 63, 0}, kDvEndOfBlock};
   const auto six = check(kDvTestSix, blocks, kOnes);
   EXPECT_EQ(six[0], 0x10001u);
@@ -160,7 +169,10 @@ TEST_P(DvSegment, BitsGoWhereTheyAreNeeded) {
   EXPECT_EQ(check(kDvTestSix, blocks, kOnes)[24] & 1, 1u);
   // All that is spare: a block of 64 positions with long codes runs through nine others.
   blocks = sparse(30);
-  blocks[29].codes.assign(63, {"1111111" "10000001" "1", 1, -129});
+  blocks[29].codes.assign(63, {"1111111"
+                               "10000001"
+                               "1",
+                               1, -129});
   blocks[29].codes.push_back(kDvEndOfBlock);
   EXPECT_EQ(check(kDvTestSix, blocks, kOnes)[29], 0x63F01u);
 }
@@ -214,8 +226,17 @@ TEST_P(DvSegment, TableOfTwoLists) {
   Mox32u* table = nullptr;
   ASSERT_EQ(lib(MOX_FN(moxiInitAllocHuffmanTable_DV_32u))(first.data(), second.data(), &table), moxStsOk);
   const auto entry = [](Mox32u length, Mox32u run, Mox32u level) { return length | run << 8 | (level * 64 << 16); };
-  const std::vector<Mox32u> want = {entry(2, 3, 0x3FF),   entry(2, 0, 600 & 0x3FF), 255, 255, entry(7, 5, 2), 255, 255, 255,
-                                    entry(5, 300 & 255, 1), entry(5, 300 & 255, 1),   entry(5, 300 & 255, 1),
+  const std::vector<Mox32u> want = {entry(2, 3, 0x3FF),
+                                    entry(2, 0, 600 & 0x3FF),
+                                    255,
+                                    255,
+                                    entry(7, 5, 2),
+                                    255,
+                                    255,
+                                    255,
+                                    entry(5, 300 & 255, 1),
+                                    entry(5, 300 & 255, 1),
+                                    entry(5, 300 & 255, 1),
                                     entry(7, 6, 2)};
   EXPECT_EQ(std::vector<Mox32u>(table, table + 12), want);
   EXPECT_EQ(lib(MOX_FN(moxiFreeHuffmanTable_DV_32u))(table), moxStsOk);

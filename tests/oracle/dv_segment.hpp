@@ -130,14 +130,15 @@ class DvTestSegment {
       position += code.advance;
       coefficients[scan(layout_.scan_by_mode && block.mode, position)] = static_cast<Mox16s>(64 * code.level);
     }
-    return static_cast<Mox32u>(ended | block.block_class << 4 | block.mode << 6 | position << 8 | qno_[i / count] << 16);
+    return static_cast<Mox32u>(ended | block.block_class << 4 | block.mode << 6 | position << 8 |
+                               qno_[i / count] << 16);
   }
   int placed(int i) const { return placed_[i]; }
 
   /// Raster position of a scan position: zigzag by diagonals, or the list of the two fields.
   static int scan(bool two_fields, int position) {
-    constexpr Mox8u kTwoFields[32] = {0,  1,  8,  2,  9,  16, 24, 17, 10, 3,  4,  11, 18, 25, 26, 19,
-                                      12, 5,  6,  13, 20, 27, 28, 21, 14, 7,  15, 22, 29, 30, 23, 31};
+    constexpr Mox8u kTwoFields[32] = {0,  1, 8, 2,  9,  16, 24, 17, 10, 3, 4,  11, 18, 25, 26, 19,
+                                      12, 5, 6, 13, 20, 27, 28, 21, 14, 7, 15, 22, 29, 30, 23, 31};
     if (two_fields) return kTwoFields[position / 2] + position % 2 * 32;
     int x = 0, y = 0;
     for (; position > 0; --position) {
