@@ -147,7 +147,8 @@ TEST_P(DvConversion, ByHand) {
     return std::vector<int>(to[4] + 64 * row, to[4] + 64 * row + 10);
   };
   using Row = std::vector<int>;
-  const Row first{100, 255, 100, 140, 100, 255, 100, 140, 100, 100}, pair{100, 255, 100, 140, 100, 100, 100, 100, 100, 100};
+  const Row first{100, 255, 100, 140, 100, 255, 100, 140, 100, 100},
+      pair{100, 255, 100, 140, 100, 100, 100, 100, 100, 100};
   EXPECT_EQ(call(MOX_FN(moxiYCrCb411ToYCbCr422_5MBDV_16s8u_P3C2R), 0), first);
   EXPECT_EQ(call(MOX_FN(moxiYCrCb411ToYCbCr422_EdgeDV_16s8u_P3C2R), 0), first);
   EXPECT_EQ(call(MOX_FN(moxiYCrCb411ToYCbCr422_EdgeDV_16s8u_P3C2R), 8)[3], 200);

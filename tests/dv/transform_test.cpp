@@ -20,8 +20,8 @@ using oracle::DvTestSegment;
 /// Weight of a frequency by the cosines of the standards.
 double weight(int frequency) {
   const auto c = [](int m) { return std::cos(m * std::numbers::pi / 16); };
-  const double weights[] = {1, c(4) / (4 * c(7) * c(2)), c(4) / (2 * c(6)), 1 / (2 * c(5)), 7.0 / 8, c(4) / c(3),
-                            c(4) / c(2), c(4) / c(1)};
+  const double weights[] = {
+      1, c(4) / (4 * c(7) * c(2)), c(4) / (2 * c(6)), 1 / (2 * c(5)), 7.0 / 8, c(4) / c(3), c(4) / c(2), c(4) / c(1)};
   return weights[frequency];
 }
 /// log2 of a step, by the row of the standards' table and the area.
@@ -44,7 +44,8 @@ TEST_P(DvTransform, Dequantises) {
     const Guarded<Mox16s> block(64, any_placement<Mox16s>(random_));
     const bool decoded = kind < 4;  // such as a segment decoder gives
     for (Mox16s& c : block) {
-      c = static_cast<Mox16s>(decoded ? 64 * (kind ? random_(-255, 255) : 255 - 510 * random_(0, 1)) : random_(-32768, 32767));
+      c = static_cast<Mox16s>(decoded ? 64 * (kind ? random_(-255, 255) : 255 - 510 * random_(0, 1))
+                                      : random_(-32768, 32767));
     }
     const auto input = block.copy();
     const Mox32u others = random_.bits() & 0xFFF0FF8F;
@@ -143,8 +144,8 @@ TEST_P(DvTransform, TransformsAreExact) {
   }
 }
 
-/// Against the definitions, on coefficients of samples of 8 bits: the full transform is within 1 of it, and reduced ones
-/// are the means of samples whose higher frequencies are not there.
+/// Against the definitions, on coefficients of samples of 8 bits: the full transform is within 1 of it, and reduced
+/// ones are the means of samples whose higher frequencies are not there.
 TEST_P(DvTransform, TransformsMeanWhatTheyShould) {
   for (int round = 0; round < 400; ++round) {
     const bool full = round % 2;

@@ -75,6 +75,7 @@ struct Vector {
   std::string file, md5;
   int frames, width, height;
   bool is_h264() const { return file.ends_with(".264"); }
+  bool is_dv() const { return file.ends_with(".dv"); }
 };
 inline std::vector<Vector> manifest() {
   std::ifstream file(vector_path("manifest.csv"));

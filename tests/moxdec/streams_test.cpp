@@ -36,7 +36,7 @@ TEST(Report, TellsSizeAndFrames) {
   for (const Vector& vector : manifest()) {
     const Ran ran = run(kMoxdec + vector_path(vector.file));
     const std::string size = std::to_string(vector.width) + "x" + std::to_string(vector.height);
-    const std::string codec = vector.is_h264() ? "H.264, " : "MPEG-1/2, ";
+    const std::string codec = vector.is_h264() ? "H.264, " : vector.is_dv() ? "DV, " : "MPEG-1/2, ";
     EXPECT_NE(ran.err.find(codec + size + ", " + std::to_string(vector.frames) + " frames, "), std::string::npos)
         << ran.err;
     EXPECT_EQ(ran.out, "");
