@@ -42,7 +42,8 @@ struct DvBlockState {
   }
 };
 
-/// Bits in hand, from the top of `word` down with zeros behind them, and whole bytes in memory that follow.
+/// Bits in hand, from the top of `word` down with zeros behind them, and whole bytes in memory that follow. What uses
+/// it is inlined whatever its size: a function that is not would keep it in memory.
 struct DvBits {
   std::uint64_t word = 0;
   int held = 0;
@@ -50,17 +51,17 @@ struct DvBits {
   int behind = 0;  ///< bits in memory, a multiple of 8
 
   int left() const { return held + behind; }
-  void append(Mox32u bits, int count) {
+  [[gnu::always_inline]] void append(Mox32u bits, int count) {
     word |= std::uint64_t{bits} << (63 - held - count) << 1;
     held += count;
   }
   /// Goes on with the bits of a block that has some to spare.
-  void append(const DvBlockState& block) {
+  [[gnu::always_inline]] void append(const DvBlockState& block) {
     append(block.carryBits, block.carryCount);
     next = block.pData, behind = block.bitsLeft - block.carryCount;
   }
   /// Takes more bits from memory, 6 bytes at most, where 15 are held at most. Reads 8 bytes.
-  void refill() {
+  [[gnu::always_inline]] void refill() {
     const int taken = std::min(behind, 48);
     word |= (load_be64(next) & ~std::uint64_t{0} << (64 - taken)) >> held;
     held += taken, next += taken >> 3, behind -= taken;
@@ -68,7 +69,7 @@ struct DvBits {
 };
 
 /// The code at the top of a word.
-inline DvCodeEntry dv_code(std::uint64_t word) {
+[[gnu::always_inline]] inline DvCodeEntry dv_code(std::uint64_t word) {
   const auto index = static_cast<unsigned>(word >> (64 - kDvShortBits));
   if (index < kDvLongCodes) [[likely]]
     return kDvCodeTable[index];

@@ -37,9 +37,7 @@ inline Mox32u load_be32(const Mox8u* bytes) {
 }
 
 /// The 64 bits of eight stream bytes, first byte most significant.
-inline std::uint64_t load_be64(const Mox8u* bytes) {
-  return std::uint64_t{load_be32(bytes)} << 32 | load_be32(bytes + 4);
-}
+inline std::uint64_t load_be64(const Mox8u* bytes) { return __builtin_bswap64(load<std::uint64_t>(bytes)); }
 
 /// Stores 32 bits as four stream bytes, the most significant first.
 inline void store_be32(Mox8u* bytes, Mox32u value) {

@@ -68,11 +68,11 @@ TEST(DvPlacement, IsTheStandards) {
   struct Case {
     int kind, channel, sequence, k, m, x, y;
   };
-  for (const Case& c : {Case{0, 0, 0, 0, 0, 288, 96},   Case{0, 0, 0, 1, 1, 128, 320},  Case{0, 0, 0, 0, 3, 0, 0},
-                        Case{0, 0, 0, 6, 3, 32, 40},    Case{0, 0, 9, 26, 4, 704, 176}, Case{1, 0, 0, 1, 2, 432, 400},
-                        Case{1, 0, 11, 5, 0, 304, 48},  Case{3, 1, 0, 1, 3, 0, 32},     Case{4, 0, 3, 4, 1, 160, 440},
-                        Case{5, 0, 0, 0, 0, 576, 256},  Case{5, 2, 1, 0, 3, 80, 272},   Case{6, 3, 0, 0, 0, 720, 320},
-                        Case{6, 0, 11, 9, 3, 0, 1072},  Case{7, 1, 9, 0, 3, 96, 128},   Case{8, 0, 0, 26, 0, 464, 288}}) {
+  for (const Case& c : {Case{0, 0, 0, 0, 0, 288, 96}, Case{0, 0, 0, 1, 1, 128, 320}, Case{0, 0, 0, 0, 3, 0, 0},
+                        Case{0, 0, 0, 6, 3, 32, 40}, Case{0, 0, 9, 26, 4, 704, 176}, Case{1, 0, 0, 1, 2, 432, 400},
+                        Case{1, 0, 11, 5, 0, 304, 48}, Case{3, 1, 0, 1, 3, 0, 32}, Case{4, 0, 3, 4, 1, 160, 440},
+                        Case{5, 0, 0, 0, 0, 576, 256}, Case{5, 2, 1, 0, 3, 80, 272}, Case{6, 3, 0, 0, 0, 720, 320},
+                        Case{6, 0, 11, 9, 3, 0, 1072}, Case{7, 1, 9, 0, 3, 96, 128}, Case{8, 0, 0, 26, 0, 464, 288}}) {
     const Kind& kind = kKinds[c.kind];
     const Place place = place_of(kind.shuffling, kind.sequences, c.channel, c.sequence, c.k, c.m);
     EXPECT_EQ((std::pair{place.x, place.y}), (std::pair{c.x, c.y})) << kind.name << " segment " << c.k;
@@ -181,13 +181,14 @@ TEST(DvStreams, ErrorsAreNamed) {
     Stream stream;
     const char* message;
   };
-  for (const Case& c : {Case{changed(0, 0x9F), "this is no DIF sequence"}, Case{changed(80, 0), "this is no DIF sequence"},
-                        Case{changed(pack, 0x61), "no pack tells the kind of video"},
-                        Case{changed(pack + 3, 0xC1), "this kind of video is not supported"},
-                        Case{changed(video, 0x7F), "a DIF block of video is missing, or not in its place"},
-                        Case{changed(video + 81, 0x27), "a DIF block of video is missing, or not in its place"},
-                        Case{changed(video + 162, 3), "a DIF block of video is missing, or not in its place"},
-                        Case{cut, "the stream ends in a frame"}, Case{rest, "the stream ends in a DIF sequence"}}) {
+  for (const Case& c :
+       {Case{changed(0, 0x9F), "this is no DIF sequence"}, Case{changed(80, 0), "this is no DIF sequence"},
+        Case{changed(pack, 0x61), "no pack tells the kind of video"},
+        Case{changed(pack + 3, 0xC1), "this kind of video is not supported"},
+        Case{changed(video, 0x7F), "a DIF block of video is missing, or not in its place"},
+        Case{changed(video + 81, 0x27), "a DIF block of video is missing, or not in its place"},
+        Case{changed(video + 162, 3), "a DIF block of video is missing, or not in its place"},
+        Case{cut, "the stream ends in a frame"}, Case{rest, "the stream ends in a DIF sequence"}}) {
     const Decoded decoded = decode_all(c.stream);
     EXPECT_EQ(decoded.frames.size(), 1u) << c.message;
     EXPECT_EQ(decoded.error, "frame at byte 120000: " + std::string(c.message));
@@ -219,8 +220,7 @@ TEST(DvStreams, PackedPicturesAreThePlanes) {
         to[m] = &packed[static_cast<std::size_t>(place.y * kStep + 2 * place.x)];
         edge = place.shape == Shape::kSquare;
       }
-      const auto convert =
-          edge ? moxiYCrCb411ToYCbCr422_EdgeDV_16s8u_P3C2R : moxiYCrCb411ToYCbCr422_5MBDV_16s8u_P3C2R;
+      const auto convert = edge ? moxiYCrCb411ToYCbCr422_EdgeDV_16s8u_P3C2R : moxiYCrCb411ToYCbCr422_5MBDV_16s8u_P3C2R;
       ASSERT_EQ(convert(blocks, blocks + 256, blocks + 320, 768, to, kStep), moxStsOk);
     }
   }
