@@ -55,7 +55,7 @@ TEST_P(DvTransform, Dequantises) {
       const double weights = weight(i % 8) * weight(mode ? i / 8 % 4 * 2 : i / 8);
       const int shift = step_shift(qno + std::array{6, 3, 0, 1}[block_class], n);
       const long long scaled = oracle::floor_divide(input[i], block_class == 3 ? 8 : 16) << shift;
-      const long long wrapped = (scaled + 32768 & 0xFFFF) - 32768;
+      const long long wrapped = ((scaled + 32768) & 0xFFFF) - 32768;
       ASSERT_EQ(block[i], oracle::floor_divide(wrapped * std::llround(16384 / weights) + 16384, 32768))
           << "qno " << qno << " class " << block_class << " mode " << mode << " position " << n;
       if (decoded) {  // by definition: levels times the step, over half the weights
@@ -101,22 +101,15 @@ TEST_P(DvTransform, DequantisesDv100) {
   }
 }
 
-/// A value of the column pass of N frequencies from `first` row on, and what the row pass makes of N frequencies.
-long long row_value(const Block64<long long>& c, int v, int x, int n) {
-  long long sum = 512;
-  for (int u = 0; u < n; ++u) sum += oracle::dct_weight(8 / n * u, x) * c[8 * v + u];
-  return std::clamp(oracle::floor_divide(sum, 1024), -32768ll, 32767ll);
-}
+/// Sample (x, y) of the lowest n x n frequencies, or, for n = 8, of sums and differences of lines.
 long long sample(const Block64<long long>& c, int x, int y, int n) {
   long long sum = 1 << 18;
-  for (int v = 0; v < n; ++v) sum += oracle::dct_weight(8 / n * v, y) * row_value(c, v, x, n);
-  return oracle::floor_divide(sum, 1 << 19);
-}
-long long line_sample(const Block64<long long>& c, int x, int y) {
-  long long sum = 1 << 18;
-  for (int v = 0; v < 8; ++v) {
-    const int sign = v >= 4 && y % 2 ? -1 : 1;
-    sum += sign * oracle::dct_weight(v % 4 * 2, y / 2) * row_value(c, v, x, 8);
+  for (int v = 0; v < n; ++v) {
+    long long row = 512;
+    for (int u = 0; u < n; ++u) row += oracle::dct_weight(8 / n * u, x) * c[8 * v + u];
+    const long long weight =
+        n == 8 ? (v >= 4 && y % 2 ? -1 : 1) * oracle::dct_weight(v % 4 * 2, y / 2) : oracle::dct_weight(8 / n * v, y);
+    sum += weight * std::clamp(oracle::floor_divide(row, 1024), -32768ll, 32767ll);
   }
   return oracle::floor_divide(sum, 1 << 19);
 }
@@ -134,9 +127,7 @@ TEST_P(DvTransform, TransformsAreExact) {
       Block64<long long> input;
       std::copy(block.begin(), block.end(), input.begin());
       Block64<long long> want = input;
-      for (int i = 0; i < n * n; ++i) {
-        want[i] = n == 8 ? line_sample(input, i % 8, i / 8) : sample(input, i % n, i / n, n);
-      }
+      for (int i = 0; i < n * n; ++i) want[i] = sample(input, i % n, i / n, n);
       ASSERT_EQ(function(block.data()), moxStsOk);
       ASSERT_TRUE(std::equal(want.begin(), want.end(), block.begin())) << n << " round " << round;
     }

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <numeric>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -140,18 +141,14 @@ class DvTestSegment {
     constexpr Mox8u kTwoFields[32] = {0,  1, 8, 2,  9,  16, 24, 17, 10, 3, 4,  11, 18, 25, 26, 19,
                                       12, 5, 6, 13, 20, 27, 28, 21, 14, 7, 15, 22, 29, 30, 23, 31};
     if (two_fields) return kTwoFields[position / 2] + position % 2 * 32;
-    int x = 0, y = 0;
-    for (; position > 0; --position) {
-      const bool up = (x + y) % 2 == 0;
-      int &along = up ? x : y, &back = up ? y : x;
-      if (along == 7) {
-        ++back;
-      } else {
-        ++along;
-        if (back > 0) --back;
-      }
-    }
-    return 8 * y + x;
+    static const auto zigzag = [] {  // by diagonals, every other one upwards
+      std::array<int, 64> order;
+      const auto key = [](int i) { return (i % 8 + i / 8) * 8 + ((i % 8 + i / 8) % 2 ? i / 8 : i % 8); };
+      std::iota(order.begin(), order.end(), 0);
+      std::sort(order.begin(), order.end(), [=](int a, int b) { return key(a) < key(b); });
+      return order;
+    }();
+    return zigzag[position];
   }
 
  private:
