@@ -4,6 +4,7 @@
 #include <cctype>
 #include <string>
 
+#include "moxdec/dv/decoder.hpp"
 #include "moxdec/error.hpp"
 #include "moxdec/h261/decoder.hpp"
 #include "moxdec/h263/decoder.hpp"
@@ -14,7 +15,8 @@
 namespace moxdec {
 namespace {
 
-constexpr const Codec* kCodecs[] = {&h261::kCodec, &h263::kCodec, &h264::kCodec, &mpeg12::kCodec, &mpeg4::kCodec};
+constexpr const Codec* kCodecs[] = {&dv::kCodec,   &h261::kCodec,   &h263::kCodec,
+                                    &h264::kCodec, &mpeg12::kCodec, &mpeg4::kCodec};
 
 bool has_extension(const Codec& codec, std::string_view file_name) {
   const auto point = file_name.rfind('.');

@@ -22,7 +22,7 @@ constexpr const char* kUsage = "usage: moxdec INPUT [-o OUT.yuv|OUT.y4m|OUT.png]
 constexpr const char* kHelp =
     "\n"
     "Decodes a video stream. Known so far: H.264 byte streams with CAVLC, 8 to 14 bits, monochrome, 4:2:0 and\n"
-    "4:2:2; MPEG-1 and MPEG-2 video elementary streams, 4:2:0 and 4:2:2.\n"
+    "4:2:2; MPEG-1 and MPEG-2 video elementary streams, 4:2:0 and 4:2:2; DV25, DV50 and DV100.\n"
     "\n"
     "  -o OUT      .yuv  raw planes Y, U, V of each frame in display order, cropped (any other ending too)\n"
     "              .y4m  the same with headers\n"

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <type_traits>
 
@@ -34,6 +35,9 @@ void store(void* address, T value) {
 inline Mox32u load_be32(const Mox8u* bytes) {
   return Mox32u{bytes[0]} << 24 | Mox32u{bytes[1]} << 16 | Mox32u{bytes[2]} << 8 | Mox32u{bytes[3]};
 }
+
+/// The 64 bits of eight stream bytes, first byte most significant.
+inline std::uint64_t load_be64(const Mox8u* bytes) { return __builtin_bswap64(load<std::uint64_t>(bytes)); }
 
 /// Stores 32 bits as four stream bytes, the most significant first.
 inline void store_be32(Mox8u* bytes, Mox32u value) {
