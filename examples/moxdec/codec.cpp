@@ -4,6 +4,7 @@
 #include <cctype>
 #include <string>
 
+#include "moxdec/avs/decoder.hpp"
 #include "moxdec/dv/decoder.hpp"
 #include "moxdec/error.hpp"
 #include "moxdec/h261/decoder.hpp"
@@ -15,7 +16,7 @@
 namespace moxdec {
 namespace {
 
-constexpr const Codec* kCodecs[] = {&dv::kCodec,   &h261::kCodec,   &h263::kCodec,
+constexpr const Codec* kCodecs[] = {&avs::kCodec,  &dv::kCodec,     &h261::kCodec, &h263::kCodec,
                                     &h264::kCodec, &mpeg12::kCodec, &mpeg4::kCodec};
 
 bool has_extension(const Codec& codec, std::string_view file_name) {

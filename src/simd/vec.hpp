@@ -207,7 +207,9 @@ MOX_INLINE s32<B> wide_hi(s16<B> v) {
   return shr<16>(as<s32>(hi16(v, v)));
 }
 
-/// Doublewords shifted to the right by any number of bits.
+/// Words and doublewords shifted to the right by any number of bits.
+MOX_INLINE s16<1> shr(s16<1> v, int n) { return {_mm_sra_epi16(v.r, _mm_cvtsi32_si128(n))}; }
+MOX_WIDE(MOX_INLINE s16<2> shr(s16<2> v, int n) { return {_mm256_sra_epi16(v.r, _mm_cvtsi32_si128(n))}; })
 MOX_INLINE s32<1> shr(s32<1> v, int n) { return {_mm_sra_epi32(v.r, _mm_cvtsi32_si128(n))}; }
 MOX_WIDE(MOX_INLINE s32<2> shr(s32<2> v, int n) { return {_mm256_sra_epi32(v.r, _mm_cvtsi32_si128(n))}; })
 
@@ -516,14 +518,9 @@ MOX_INLINE Mox32s total(s32<1> v) {
 }
 MOX_WIDE(MOX_INLINE Mox32s total(s32<2> v) { return total(part<0>(v) + part<1>(v)); })
 
-/// Words shifted to the right by any number of bits.
-MOX_INLINE s16<1> shr(s16<1> v, int n) { return {_mm_sra_epi16(v.r, _mm_cvtsi32_si128(n))}; }
-MOX_WIDE(MOX_INLINE s16<2> shr(s16<2> v, int n) { return {_mm256_sra_epi16(v.r, _mm_cvtsi32_si128(n))}; })
 /// Bit i is the top bit of byte i.
 MOX_INLINE Mox32u top_bits(u8<1> v) { return static_cast<Mox32u>(_mm_movemask_epi8(v.r)); }
 MOX_WIDE(MOX_INLINE Mox32u top_bits(u8<2> v) { return static_cast<Mox32u>(_mm256_movemask_epi8(v.r)); })
-/// Doublewords shifted right by a number that is no constant; more than 31 leave the sign alone.
-MOX_INLINE s32<1> shr(s32<1> v, int n) { return {_mm_sra_epi32(v.r, _mm_cvtsi32_si128(n))}; }
 /// 8 pairs of bytes, each at its own offset from p.
 MOX_INLINE u8<1> load_pairs(const Mox8u* p, const Mox32s* offsets) {
   const auto pair = [=](int i) {
