@@ -36,9 +36,8 @@
  *
  *  A sample is smoothed if it and the 8 samples around it are all of them below thr of its own block, or none is:
  *
- *                1 2 1
- *      s' = sum( 2 4 2 * samples ) + 8 >> 4,   limited to s - (QP >> 1)..s + (QP >> 1)
- *                1 2 1
+ *      s' = (sum of the 9 samples with weights 1 2 1 / 2 4 2 / 1 2 1, + 8) >> 4,
+ *           limited to s - (QP >> 1)..s + (QP >> 1)
  *
  *  and else is copied. The samples around it may lie in other blocks, and have the value of the nearest sample inside
  *  where they are outside the picture. All are those of the source: no result has a part in another. QP is that of the

@@ -101,7 +101,8 @@ MoxStatus warp(const std::array<WarpedPlane, kPlanes>& planes, const MoxiRect& s
         warp_eight(plane, x, y, rounding, plane.dst + static_cast<std::ptrdiff_t>(row) * plane.dstStep + column);
       }
     }
-    for (Mox32s column = eights; column < block.width; ++column) warp_sample(planes, sprite, roundConst, map, column, row);
+    for (Mox32s column = eights; column < block.width; ++column)
+      warp_sample(planes, sprite, roundConst, map, column, row);
   }
   return moxStsOk;
 }
