@@ -26,7 +26,7 @@ struct Options {
   bool advanced_intra = false;       // annex I
   bool deblocking = false;           // annex J
   bool slices = false;               // annex K
-  bool rectangular_slices = false;   //
+  bool rectangular_slices = false;   // annex K, too
   bool alternative_inter = false;    // annex S
   bool modified_quantiser = false;   // annex T
 

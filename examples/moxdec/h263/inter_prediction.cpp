@@ -17,19 +17,19 @@ class MacroblockPredictor {
     if (picture_.header.options.advanced_prediction) {
       for (int i = 0; i < 4; ++i) overlap_block(i);
     } else if (macroblock_.four_vectors) {
-      for (int i = 0; i < 4; ++i) copy(BlockPlace(i, x_, y_), 8, macroblock_.vectors[i], moxiCopy8x8HP_8u_C1R);
+      for (int i = 0; i < 4; ++i) move(BlockPlace(i, x_, y_), 8, macroblock_.vectors[i], moxiCopy8x8HP_8u_C1R);
     } else {
-      copy(BlockPlace(0, x_, y_), 16, macroblock_.vectors[0], moxiCopy16x16HP_8u_C1R);
+      move(BlockPlace(0, x_, y_), 16, macroblock_.vectors[0], moxiCopy16x16HP_8u_C1R);
     }
     const MoxiMotionVector chroma = chroma_vector(macroblock_);
-    for (int i = 4; i < 6; ++i) copy(BlockPlace(i, x_, y_), 8, chroma, moxiCopy8x8HP_8u_C1R);
+    for (int i = 4; i < 6; ++i) move(BlockPlace(i, x_, y_), 8, chroma, moxiCopy8x8HP_8u_C1R);
     add_residuals();
   }
 
  private:
   using Copy = decltype(&moxiCopy8x8HP_8u_C1R);
 
-  void copy(const BlockPlace& place, int size, MoxiMotionVector vector, Copy copy) const {
+  void move(const BlockPlace& place, int size, MoxiMotionVector vector, Copy copy) const {
     const MoxiMotionVector v = within_margin(place, size, vector);
     const int step = picture_.reference->step(place.plane);
     copy(place.in(*picture_.reference) + (v.y >> 1) * step + (v.x >> 1), step, place.in(*picture_.frame),

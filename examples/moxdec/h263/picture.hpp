@@ -26,7 +26,7 @@ struct Macroblock {
   bool intra = false;
   bool four_vectors = false;
   Mox8u pattern = 0;                             // bit 5 - i: block i has a residual
-  Mox8u quantiser = 0;                           //
+  Mox8u quantiser = 0;                           // behind a change
   int first_residual = 0;                        // index of the first one's
   std::array<MoxiMotionVector, 4> vectors = {};  // of the luma blocks, in half samples; 0 if intra or not coded
 };
