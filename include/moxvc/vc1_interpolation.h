@@ -76,8 +76,8 @@
  *        to the first row of the window in the plane, max(0, y - 1); below, through the one that belongs to the row
  *        after that. So where the tables of a frame differ, the padding below follows the parity of the window.
  *
- *  In a frame with isBottomField set, isInterlacedRef makes the line above pSrc readable ground. Otherwise nothing is
- *  read outside of the frame, and of the tables the values of the samples found.
+ *  Nothing is read outside of the frame, but for the line above pSrc where isInterlacedRef and isBottomField are set in
+ *  a frame; of the tables, the values of the samples found are read.
  *
  *  Status. moxStsNullPointer if the record, its pSrc or its pDst is null; nothing is written then. The bicubic QP form
  *  does not test the record. Nothing else is tested. The result is not defined for bicubic positions outside of 0..3 or

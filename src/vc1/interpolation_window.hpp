@@ -33,10 +33,12 @@ struct VC1Line {
 /// The plane that a block is read from: a frame, or one field of it.
 class VC1Reference {
  public:
+  const std::ptrdiff_t step, rows;
+
   explicit VC1Reference(const MoxiVC1ICInterpolationParams& a)
-      : a_(a),
-        step(std::ptrdiff_t{a.srcStep} * (a.isFieldPicture != 0 ? 2 : 1)),
-        rows(a.isFieldPicture != 0 ? a.frameSize.height >> 1 : a.frameSize.height) {}
+      : step(std::ptrdiff_t{a.srcStep} * (a.isFieldPicture != 0 ? 2 : 1)),
+        rows(a.isFieldPicture != 0 ? a.frameSize.height >> 1 : a.frameSize.height),
+        a_(a) {}
 
   /// Row j, inside or outside of the plane, for a window whose first row inside is `first`.
   VC1Line line(std::ptrdiff_t j, std::ptrdiff_t first) const {
@@ -61,9 +63,6 @@ class VC1Reference {
   }
 
   const MoxiVC1ICInterpolationParams& a_;
-
- public:
-  const std::ptrdiff_t step, rows;
 };
 
 /// Reads `count` columns of a line from column x on; those outside of 0..width - 1 are the nearest of their channel.
