@@ -96,8 +96,8 @@ TEST(Corrupt, EndsInAnErrorOrInPictures) {
       }
       decode_damaged(damaged, count);
     }
-    std::printf("%s: %d damaged copies, %d with an error, %d frames, the slowest took %.3f s\n",
-                vector.file.c_str(), count.copies, count.errors, count.frames, count.longest);
+    std::printf("%s: %d damaged copies, %d with an error, %d frames, the slowest took %.3f s\n", vector.file.c_str(),
+                count.copies, count.errors, count.frames, count.longest);
     EXPECT_GT(count.errors, copies / 4);
     EXPECT_GT(count.frames, 0);
     EXPECT_LT(count.longest, 10);
@@ -106,7 +106,7 @@ TEST(Corrupt, EndsInAnErrorOrInPictures) {
 
 /// Short streams cut everywhere.
 TEST(Corrupt, TruncatedAtEachByte) {
-  for (const char* name : {"h264_tiny_i.264", "mpeg2_mix_pictures.m2v", "mpeg4_gmc_qpel_b.m4v"}) {
+  for (const char* name : {"h264_tiny_i.264", "mpeg2_mix_pictures.m2v"}) {
     const Stream stream = read_file(vector_path(name));
     Count count;
     for (std::size_t size = 0; size < stream.size(); ++size) {

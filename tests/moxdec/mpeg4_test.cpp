@@ -114,10 +114,10 @@ BitWriter& flat_blocks(BitWriter& w, int change) {
 }
 BitWriter& intra(BitWriter& w, int change) { return flat_blocks(w.u(1, 1), change); }
 
-/// Ends the first packet of an I picture, whose header has 19 bits.
-BitWriter& fill(BitWriter& w) {
+/// Ends the first packet of a picture with a header of so many bits, 19 in I and 25 in B pictures.
+BitWriter& fill(BitWriter& w, int header) {
   w.u(1, 0);
-  while ((19 + w.bit_count()) % 8 != 0) w.u(1, 1);
+  while ((w.bit_count() + header) % 8 != 0) w.u(1, 1);
   return w;
 }
 
@@ -161,6 +161,23 @@ TEST(Mpeg4Intra, DcMayHaveTheCodesOfTheAc) {
             (std::vector<int>{151, 151, 133, 133, 143, 143}));
 }
 
+TEST(Mpeg4Intra, PredictedLevelsAreScaled) {
+  // F(0,1) of the second block has level 10 at quantiser 8. At the left of the next macroblock that counts 8 at
+  // quantiser 10: 2 * 10 * 8 + 9 is 169.
+  BitWriter w;
+  dc(code(w.u(1, 1).u(1, 0), example::kCbpyCodes, 4), 0);
+  dc(w, 0).u(9, 15).u(1, 1).u(6, 1).u(1, 1).u(12, 10).u(1, 1);
+  dc(dc(w, 0), 0).u(4, 15);
+  w.u(4, 1).u(1, 1).u(4, 3).u(2, 3);
+  for (int i = 0; i < 4; ++i) dc(w, 0);
+  const Decoded decoded = decode_all(Mpeg4().layer({.width = 32, .height = 16}).picture({}, w.u(4, 15)).stream());
+  ASSERT_EQ(decoded.frames.size(), 1u) << decoded.error;
+  for (const auto& [row, value] : {std::pair{0, 157}, std::pair{7, 99}, std::pair{8, 128}}) {
+    EXPECT_NEAR(samples(*decoded.frames[0], 0, row, {8})[0], value, 1) << row;
+    EXPECT_NEAR(samples(*decoded.frames[0], 0, row, {31})[0], value, 1) << row;
+  }
+}
+
 TEST(Mpeg4Coefficients, AreWeighted) {
   // F(1,0) of the first block has level 10: 10 * weight * 8 / 8. The last weight sent stands for the others.
   for (const auto& [weights, difference] : {std::pair{std::vector{8, 16}, 28}, std::pair{std::vector{8, 32}, 55}}) {
@@ -180,7 +197,7 @@ TEST(Mpeg4Packets, StandAlone) {
   // Nothing is predicted from another packet. The second one changes the quantiser and repeats the header.
   BitWriter w;
   intra(intra(w, 11), 0);
-  fill(w);
+  fill(w, 19);
   w.u(17, 1).u(2, 2).u(5, 4).u(1, 1).u(1, 0).u(1, 1).u(5, 0).u(1, 1).u(2, kI).u(3, 0);
   intra(intra(w, 11), 0);
   const Decoded decoded = decode_all(Mpeg4().layer({.resync = true}).picture({}, w).stream());
@@ -188,6 +205,30 @@ TEST(Mpeg4Packets, StandAlone) {
   ASSERT_EQ(decoded.frames.size(), 1u);
   EXPECT_EQ(samples(*decoded.frames[0], 0, 15, {0, 31}), (std::vector<int>{150, 150}));
   EXPECT_EQ(samples(*decoded.frames[0], 0, 16, {0, 31}), (std::vector<int>{139, 139}));
+}
+
+TEST(Mpeg4Packets, HaveALongerMarkerInBPictures) {
+  BitWriter w;
+  fill(w.u(2, 3), 25).u(18, 1).u(2, 2).u(5, 8).u(1, 0).u(2, 3);
+  const Mpeg4 m = Mpeg4().layer({.resync = true}).flat(100, 0).flat(150, 2).picture({.type = kB, .time = 1}, w);
+  const Decoded decoded = decode_all(m.stream());
+  EXPECT_EQ(decoded.error, "");
+  EXPECT_EQ(decoded.shades(), (std::vector<int>{100, 125, 150}));
+}
+
+TEST(Mpeg4Packets, MayBeginAmongMacroblocksWithoutBits) {
+  // The P picture leaves out the second and the third macroblock. Those of the B picture are direct.
+  BitWriter p;
+  for (int i = 0; i < 4; ++i) i % 3 ? p.u(1, 1) : p.u(6, 0x1F);
+  for (const auto& [address, error] : {std::pair{1, ""}, std::pair{2, ""}, std::pair{3, ""}, std::pair{0, "missing"}}) {
+    BitWriter w;
+    fill(w.u(1, 1), 25).u(18, 1).u(2, address).u(5, 8).u(1, 0).u(1, 1);
+    const Mpeg4 m = Mpeg4().layer({.resync = true}).flat(100, 0).picture({.type = kP, .time = 2}, p);
+    const Decoded decoded = decode_all(Mpeg4(m).picture({.type = kB, .time = 1}, w).stream());
+    EXPECT_EQ(decoded.error.empty(), *error == 0) << decoded.error;
+    EXPECT_NE(decoded.error.find(error), std::string::npos) << decoded.error;
+    EXPECT_EQ(decoded.frames.size(), *error ? 2u : 3u);
+  }
 }
 
 TEST(Mpeg4Bidirectional, TypesOfMacroblocks) {
@@ -270,7 +311,7 @@ TEST(Mpeg4Errors, AreNamed) {
   const auto b = [&](int time, const BitWriter& w) { return Mpeg4(two).picture({.type = kB, .time = time}, w); };
   const auto bits = [](int count, std::uint32_t value) { return BitWriter().u(count, value); };
   BitWriter gap, long_run;
-  fill(intra(gap, 0)).u(17, 1).u(2, 2).u(10, 0);
+  fill(intra(gap, 0), 19).u(17, 1).u(2, 2).u(5, 8).u(1, 0);
   dc(code(long_run.u(2, 2), example::kCbpyCodes, 8), 0);
   for (int n = 0; n < 2; ++n) long_run.u(9, 15).u(1, 0).u(6, 40).u(1, 1).u(12, 5).u(1, 1);
   const std::vector<Refused> cases = {

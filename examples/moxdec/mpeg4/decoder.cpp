@@ -113,16 +113,7 @@ void Mpeg4Decoder::begin_layer(const Layer& layer) {
   const bool same = layer.width == layer_.width && layer.height == layer_.height;
   layer_ = layer;
   workshop_.quantisers = Quantisers(layer);
-  if (same) return;
-  forget_references();
-  try {
-    states_.assign(static_cast<std::size_t>(layer.macroblocks()), {});
-    workshop_.intra.begin_layer(layer.macroblocks());
-    pool_.configure({layer.width, layer.height, Chroma::k420, 8},
-                    {16 * layer.mb_width(), 16 * layer.mb_height(), 0, 0, 0});
-  } catch (const std::bad_alloc&) {
-    throw DecodeError("not enough memory for pictures of this size");
-  }
+  if (!same) forget_references();
 }
 
 void Mpeg4Decoder::decode_picture() {
@@ -158,6 +149,10 @@ void Mpeg4Decoder::begin_picture(const PictureHeader& header, std::int64_t time)
   const bool bidirectional = header.type == PictureType::kB;
   picture_.reference = {bidirectional ? older_ : newer_, bidirectional ? newer_ : nullptr};
   try {
+    states_.resize(static_cast<std::size_t>(layer_.macroblocks()));
+    workshop_.intra.begin_picture(layer_.macroblocks());
+    pool_.configure({layer_.width, layer_.height, Chroma::k420, 8},
+                    {16 * layer_.mb_width(), 16 * layer_.mb_height(), 0, 0, 0});
     picture_.frame = pool_.take();
   } catch (const std::bad_alloc&) {
     throw DecodeError("not enough memory for a picture");

@@ -29,7 +29,7 @@ int dc_scale(int quantiser, int block);
 
 class IntraPredictor {
  public:
-  void begin_layer(int macroblocks) { blocks_.resize(static_cast<std::size_t>(macroblocks)); }
+  void begin_picture(int macroblocks) { blocks_.resize(static_cast<std::size_t>(macroblocks)); }
   IntraSource source(const Picture& picture, const Place& place, int block) const;
   /// Adds the prediction to levels in raster order.
   static void add(const IntraSource& source, const Macroblock& mb, int block, Mox16s* levels);

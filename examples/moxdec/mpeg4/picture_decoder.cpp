@@ -13,7 +13,22 @@ PictureDecoder::PictureDecoder(const Picture& picture, Workshop& workshop, ByteR
 
 void PictureDecoder::decode() {
   decode_packet(picture_.header.quantiser);
-  while (next_ < picture_.layer.macroblocks()) decode_packet(read_packet_header());
+  while (next_ < picture_.layer.macroblocks()) {
+    const PacketHeader header = read_packet_header();
+    skip_to(header.address);
+    decode_packet(header.quantiser);
+  }
+}
+
+/// Where a B picture's macroblocks have no bits, the next packet may begin before they are through.
+void PictureDecoder::skip_to(int address) {
+  constexpr auto kGap = "macroblocks are missing, or come twice";
+  require(address >= next_ && address < picture_.layer.macroblocks(), kGap);
+  while (next_ < address) {
+    const bool no_bits = picture_.header.type == PictureType::kB && (*picture_.states)[next_].skipped;
+    require(no_bits, kGap);
+    decode_macroblock();
+  }
 }
 
 void PictureDecoder::decode_packet(int quantiser) {
@@ -64,15 +79,16 @@ bool PictureDecoder::at_packet_end() const {
   return behind.peek(marker_length()) == 1;
 }
 
-int PictureDecoder::read_packet_header() {
+PictureDecoder::PacketHeader PictureDecoder::read_packet_header() {
   bits_.skip(1);
   bits_.align();
   bits_.skip(marker_length());
-  require(bits_.number(picture_.layer.address_bits()) == next_, "macroblocks are missing, or come twice");
-  const int quantiser = bits_.number(5);
-  require(quantiser > 0, "a quantiser is 0");
+  PacketHeader header;
+  header.address = bits_.number(picture_.layer.address_bits());
+  header.quantiser = bits_.number(5);
+  require(header.quantiser > 0, "a quantiser is 0");
   if (bits_.flag()) skip_header_extension(bits_, picture_.layer);
-  return quantiser;
+  return header;
 }
 
 }  // namespace moxdec::mpeg4

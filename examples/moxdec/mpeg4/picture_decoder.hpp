@@ -24,6 +24,11 @@ class PictureDecoder {
   bool damaged() const { return damaged_; }
 
  private:
+  struct PacketHeader {
+    int address = 0;  // of the first macroblock
+    int quantiser = 0;
+  };
+
   /// The macroblocks of a packet, up to the next one or to the end of the picture.
   void decode_packet(int quantiser);
   void decode_macroblock();
@@ -31,15 +36,16 @@ class PictureDecoder {
   void rebuild(const Macroblock& mb);
   void begin_macroblock(int address);
   bool at_packet_end() const;
-  /// Partitions, see partitioned_packet.cpp.
+  PacketHeader read_packet_header();
+  void skip_to(int address);
+  int marker_length() const;
+
+  // Partitions: partitioned_packet.cpp.
   void decode_partitioned_packet();
   bool at_partition_end() const;
   ByteReader packet_end() const;
   bool read_second_parts(std::vector<PartitionedMacroblock>& macroblocks);
   void rebuild(const PartitionedMacroblock& macroblock, const MacroblockLevels* levels);
-  /// Returns the quantiser.
-  int read_packet_header();
-  int marker_length() const;
 
   const Picture& picture_;
   Workshop& workshop_;
