@@ -13,8 +13,9 @@ namespace moxdec::mpeg4 {
 using MacroblockLevels = std::array<Levels, 6>;
 
 /// Reversible codes can be read from both ends, so that damage costs only what lies about it. An error shows some codes
-/// behind its place: what ends within kDoubtfulBits in front of where a reader has come to grief counts as lost, too,
-/// and so does what both readers, coming from either end, claim to be theirs.
+/// behind its place: what ends within kDoubtfulBits in front of the block where a reader has come to grief counts as
+/// lost, too, and so does what both readers, coming from either end, claim to be theirs. Intra macroblocks behind the
+/// damage are lost where their levels are differences from those of others.
 class PacketTexture {
  public:
   static constexpr std::size_t kDoubtfulBits = 90;

@@ -42,7 +42,6 @@ PartitionedMacroblock MacroblockReader::read_first_part(ByteReader& bits, const 
   }
   macroblock.code = *code;
   set_type(bits, *code / 4, mb);
-  mb.quantiser = quantiser_;
   if (picture_.header.type == PictureType::kI) {
     read_quantiser(bits, *code / 4, mb);
     for (int i = 0; mb.dc_codes && i < 6; ++i) macroblock.dc[i] = Texture::read_dc(bits, i);
@@ -53,10 +52,7 @@ PartitionedMacroblock MacroblockReader::read_first_part(ByteReader& bits, const 
 
 void MacroblockReader::read_second_part(ByteReader& bits, PartitionedMacroblock& macroblock) {
   Macroblock& mb = macroblock.mb;
-  if (macroblock.left_out) {
-    mb.quantiser = quantiser_;
-    return;
-  }
+  if (macroblock.left_out) return;
   read_pattern(bits, macroblock.code, mb);
   if (picture_.header.type == PictureType::kI) return;
   read_quantiser(bits, macroblock.code / 4, mb);

@@ -38,13 +38,14 @@ class PictureDecoder {
   bool at_packet_end() const;
   PacketHeader read_packet_header();
   void skip_to(int address);
-  /// Partitions, see partitioned_packet.cpp.
+  int marker_length() const;
+
+  // Partitions: partitioned_packet.cpp.
   void decode_partitioned_packet();
   bool at_partition_end() const;
   ByteReader packet_end() const;
   bool read_second_parts(std::vector<PartitionedMacroblock>& macroblocks);
   void rebuild(const PartitionedMacroblock& macroblock, const MacroblockLevels* levels);
-  int marker_length() const;
 
   const Picture& picture_;
   Workshop& workshop_;
