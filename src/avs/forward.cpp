@@ -1,4 +1,4 @@
-#include "avs/forward_transform_vec.hpp"
+#include "avs/forward_vec.hpp"
 
 #include <cstddef>
 
