@@ -26,7 +26,7 @@ struct AvsFamily {
   int states;
   AvsTableState state[7];
 
-  /// The first table that no magnitude of the block exceeds.
+  /// The first table whose threshold a magnitude does not exceed, or the last one.
   constexpr const AvsTableState* state_for(long long magnitude) const {
     const AvsTableState* at = state;
     while (at != state + states - 1 && magnitude > at->threshold) ++at;
@@ -39,47 +39,46 @@ struct AvsFamily {
   }
 };
 
-inline constexpr AvsFamily kAvsLumaIntra = {1,
-                                            11,
-                                            VLC_IntraMaxRun,
-                                            7,
-                                            {{&VLC0_Intra, 0, 2},
-                                             {&VLC1_Intra, 1, 2},
-                                             {&VLC2_Intra, 2, 2},
-                                             {&VLC3_Intra, 4, 2},
-                                             {&VLC4_Intra, 7, 2},
-                                             {&VLC5_Intra, 10, 2},
-                                             {&VLC6_Intra, kAvsNoThreshold, 2}}};
-inline constexpr AvsFamily kAvsLumaInter = {0,
-                                            10,
-                                            VLC_InterMaxRun,
-                                            7,
-                                            {{&VLC0_Inter, 0, 3},
-                                             {&VLC1_Inter, 1, 2},
-                                             {&VLC2_Inter, 2, 2},
-                                             {&VLC3_Inter, 3, 2},
-                                             {&VLC4_Inter, 6, 2},
-                                             {&VLC5_Inter, 9, 2},
-                                             {&VLC6_Inter, kAvsNoThreshold, 2}}};
-inline constexpr AvsFamily kAvsChroma = {0,
-                                         5,
-                                         VLC_ChromaMaxRun,
-                                         5,
-                                         {{&VLC0_Chroma, 0, 2},
-                                          {&VLC1_Chroma, 1, 0},
-                                          {&VLC2_Chroma, 2, 1},
-                                          {&VLC3_Chroma, 4, 1},
-                                          {&VLC4_Chroma, kAvsNoThreshold, 0}}};
+inline constexpr AvsFamily kAvsLumaIntra = {.escapeOrder = 1,
+                                            .maxRunIndex = 11,
+                                            .maxRun = VLC_IntraMaxRun,
+                                            .states = 7,
+                                            .state = {{&VLC0_Intra, 0, 2},
+                                                      {&VLC1_Intra, 1, 2},
+                                                      {&VLC2_Intra, 2, 2},
+                                                      {&VLC3_Intra, 4, 2},
+                                                      {&VLC4_Intra, 7, 2},
+                                                      {&VLC5_Intra, 10, 2},
+                                                      {&VLC6_Intra, kAvsNoThreshold, 2}}};
+inline constexpr AvsFamily kAvsLumaInter = {.escapeOrder = 0,
+                                            .maxRunIndex = 10,
+                                            .maxRun = VLC_InterMaxRun,
+                                            .states = 7,
+                                            .state = {{&VLC0_Inter, 0, 3},
+                                                      {&VLC1_Inter, 1, 2},
+                                                      {&VLC2_Inter, 2, 2},
+                                                      {&VLC3_Inter, 3, 2},
+                                                      {&VLC4_Inter, 6, 2},
+                                                      {&VLC5_Inter, 9, 2},
+                                                      {&VLC6_Inter, kAvsNoThreshold, 2}}};
+inline constexpr AvsFamily kAvsChroma = {.escapeOrder = 0,
+                                         .maxRunIndex = 5,
+                                         .maxRun = VLC_ChromaMaxRun,
+                                         .states = 5,
+                                         .state = {{&VLC0_Chroma, 0, 2},
+                                                   {&VLC1_Chroma, 1, 0},
+                                                   {&VLC2_Chroma, 2, 1},
+                                                   {&VLC3_Chroma, 4, 1},
+                                                   {&VLC4_Chroma, kAvsNoThreshold, 0}}};
 static_assert(kAvsLumaIntra.is_whole() && kAvsLumaInter.is_whole() && kAvsChroma.is_whole());
 static_assert(kAvsLumaIntra.state_for(6)->table == &VLC4_Intra && kAvsLumaInter.state_for(10)->table == &VLC6_Inter);
 
-/// A code with more zeros than these in front of its first one is none.
-inline constexpr Mox32s kAvsMostZeros = 32;
+/// A code with more than 32 zeros in front of its first one is none.
 inline constexpr long long kAvsNoCode = -1;
 
 /// Reads a code that the next 32 bits do not hold.
-inline long long read_long_exp_golomb(WordWindow& in, Mox32s order) {
-  Mox32s zeros = std::countl_zero(in.peek(32));
+MOX_READER_INLINE inline long long read_long_exp_golomb(WordWindow& in, Mox32s order) {
+  const Mox32s zeros = std::countl_zero(in.peek(32));
   in.skip(zeros);
   in.fill();
   if (in.peek(1) == 0) return kAvsNoCode;
@@ -93,7 +92,8 @@ MOX_READER_INLINE inline long long read_avs_exp_golomb(WordWindow& in, Mox32s or
   in.fill();
   const Mox32u ahead = in.peek(32);
   const Mox32s zeros = std::countl_zero(ahead), length = 2 * zeros + order + 1;
-  if (length > 32) return read_long_exp_golomb(in, order);
+  if (length > 32) [[unlikely]]
+    return read_long_exp_golomb(in, order);
   in.skip(length);
   return static_cast<long long>(ahead >> (32 - length)) - (1ll << order);
 }

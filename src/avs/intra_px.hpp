@@ -40,7 +40,7 @@ inline void load_avs_edge(AvsEdge& edge, const Mox8u* first, std::ptrdiff_t alon
 constexpr Mox32s avs_smooth(const Mox8u* v, int i) { return (v[i - 1] + 2 * v[i] + v[i + 1] + 2) >> 2; }
 
 /// Slope of an edge around its fourth sample, in 1/32 for each sample.
-constexpr Mox32s avs_slope(const AvsEdge& v) {
+constexpr Mox32s avs_slope(const Mox8u* v) {
   Mox32s sum = 0;
   for (int i = 1; i <= 4; ++i) sum += i * (v[4 + i] - v[4 - i]);
   return (17 * sum + 16) >> 5;

@@ -3,7 +3,7 @@
 
 #include <cstddef>
 
-#include "avs/intra_px.hpp"
+#include "avs/intra_vec.hpp"
 #include "avs/inverse_transform_px.hpp"
 #include "avs/inverse_transform_vec.hpp"
 #include "frame/arguments.hpp"

@@ -1,7 +1,7 @@
 /// Vector kernel of the AVS forward transform and quantiser.
 #pragma once
 
-#include "avs/forward_transform_px.hpp"
+#include "avs/forward_px.hpp"
 #include "avs/transform_vec.hpp"
 #include "frame/generation.hpp"
 #include "simd/vec.hpp"

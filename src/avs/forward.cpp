@@ -1,4 +1,4 @@
-#include "avs/forward_transform_vec.hpp"
+#include "avs/forward_vec.hpp"
 
 #include <cstddef>
 
@@ -25,9 +25,10 @@ struct CodedBlock {
 bool take_apart(const CodedBlock& block, Mox32u mode, Mox32u neighbours, Mox16s* levels, Mox32s qp, Mox32s rounding) {
   active::predict_avs_intra(block.plane, block.planeStep, mode, neighbours);
   Mox16s residual[64];
-  for (int i = 0; i < 64; ++i) {
-    const int x = i & 7, y = i >> 3;
-    residual[i] = static_cast<Mox16s>(block.source[y * block.sourceStep + x] - block.plane[y * block.planeStep + x]);
+  for (int y = 0; y < 8; ++y) {
+    const Mox8u* const wanted = block.source + y * block.sourceStep;
+    const Mox8u* const predicted = block.plane + y * block.planeStep;
+    for (int x = 0; x < 8; ++x) residual[8 * y + x] = static_cast<Mox16s>(wanted[x] - predicted[x]);
   }
   if (active::transform_quant_avs(residual, levels, qp, rounding) == 0) return false;
   active::add_avs_residual(levels, active::avs_dequant(qp), block.plane, block.planeStep);
