@@ -185,6 +185,7 @@ template <const DvLayout& kLayout>
 class DvSegment {
  public:
   DvSegment(const Mox8u* pStream, Mox16s* pDst, Mox32u* pBlockParam) {
+    __builtin_prefetch(pStream + kDvMacroblocks * kDvMacroblockBytes);  // where the next segment lies, as a rule
     for (int i = 0; i < kCount; ++i) {
       const Mox8u* const macroblock = pStream + i / kLayout.blocks * kDvMacroblockBytes;
       const int b = i % kLayout.blocks;
