@@ -52,9 +52,9 @@
  *  - Reduced to N x N samples, N being 4 or 2: only the N x N lowest frequencies, the first N columns of the first N
  *    rows, count. Both passes have N terms with the factors w(u 8/N, x), x from 0 to N - 1. The results replace the
  *    first N * N values of the block, in raster order; the others stay. A sample is about the mean of those it stands
- *    for, and exactly (DC + 4) >> 3 in a block that has a DC only, of -4096 to 4095. In 2-4-8 blocks the sums of the
- * lines stand where 8-8 blocks have their low vertical frequencies, so the transforms of both kinds are the same; they
- * have a name for each.
+ *    for; in a block that has a DC only, of -4096 to 4095, it is exactly (DC + 4) >> 3. In 2-4-8 blocks the sums of the
+ *    lines stand where 8-8 blocks have their low vertical frequencies, so the transforms of both kinds are the same;
+ *    they have a name for each.
  *
  *  Status. Null pointers are tested first, then the kind; nothing is written then. */
 #ifndef MOXVC_DV_TRANSFORM_H
