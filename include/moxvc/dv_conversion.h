@@ -12,19 +12,21 @@
  *
  *  Macroblocks, with the luma blocks in raster order:
  *
- *      411  5MBDV     4 luma blocks side by side, 32x8 samples; chroma blocks of 8x8, one column for four of luma
- *      411  EdgeDV    the same, but the last macroblock is one of the right edge of the picture: 2x2 luma blocks, 16x16
- *                     samples. Columns 0 to 3 of its chroma blocks belong to the upper 8 lines, 4 to 7 to the lower
- * ones 420  5MBDV     2x2 luma blocks, 16x16 samples; chroma blocks of 8x8. Of four luma lines, the first and the
- * third, of one field, have one chroma line, and the second and the fourth have the next 422  5MBDV     2 luma blocks,
- * 16x8 samples, with one block between them that is not read: luma is the first and third block of the macroblock
- * (DV50); chroma blocks of 8x8, one column for two of luma 422  5MBDV100  2x2 luma blocks, 16x16 samples; two chroma
- * blocks, one below the other, in each plane
+ *      411  5MBDV     4 luma blocks side by side, 32x8 samples; one chroma column for four of luma
+ *      411  EdgeDV    the same, but the last macroblock is one of the right edge of the picture
+ *      420  5MBDV     2x2 luma blocks, 16x16 samples; one chroma column for two of luma
+ *      422  5MBDV     2 luma blocks side by side, 16x8 samples; one chroma column for two of luma
+ *      422  5MBDV100  2x2 luma blocks, 16x16 samples; one chroma column for two of luma
  *
- *  Destination. Rows of Y Cb Y Cr, two luma samples with one chroma sample of each plane, which the segment's Cb and Cr
- *  are. ppDst has the address of the first byte of each macroblock, dstStep bytes are from row to row. A chroma sample
- *  is repeated for all luma samples it belongs to; none is interpolated. Samples get 128 added and are limited to
- *  0..255.
+ *  Planes of chroma have one block of 8x8 in a macroblock, and two, one below the other, in 5MBDV100. The macroblock of
+ *  the edge has 2x2 luma blocks, 16x16 samples: columns 0 to 3 of its chroma blocks belong to the upper 8 lines,
+ *  columns 4 to 7 to the lower 8. In 420, of four luma lines the first and the third, which are of one field, have one
+ *  chroma line, and the second and the fourth have the next. In 422 5MBDV, luma is the first and the third block of the
+ *  macroblock (DV50); the second is not read.
+ *
+ *  Destination. Rows of Y Cb Y Cr, four bytes for two luma samples. ppDst has the address of the first byte of each
+ *  macroblock, dstStep bytes are from row to row. A chroma sample is repeated for all luma samples it belongs to; none
+ *  is interpolated. Samples get 128 added and are limited to 0..255.
  *
  *  ZoomOut forms make pictures of 1/2, 1/4 or 1/8 of the width and height. Of each block they read the first 16 values
  *  as 4x4 samples, the first 4 as 2x2, or the DC c alone, of which the sample is (c + 4) >> 3. All else is as above
@@ -32,9 +34,8 @@
  *  a picture has both fields.
  *
  *  Memory. Read are the first 64, 16, 4 or 1 values of each block. Written are the rows of each macroblock, twice its
- *  width in bytes, and
- *  nothing between. srcStep must be even; both steps may be negative or 0. Destinations must not overlap the source;
- *  where two of them overlap, the later macroblock stays.
+ *  width in bytes, and nothing between. srcStep must be even; both steps may be negative or 0. Destinations must not
+ *  overlap the source; where two of them overlap, the later macroblock stays.
  *
  *  Status. Null pointers are tested in the order of the arguments, each of the five pointers of ppDst behind ppDst
  *  itself; nothing is written then. Steps are not tested. */

@@ -24,8 +24,21 @@
  *              s by area  3344  2334  2233  1223  1122  0112   0011  0001   0000
  *
  *      DV100   the 16-bit saturation of R((c >> 6) * q * w * 2^class, 5)
- *              q is, for QNO 0 to 15, 1 1 2 3 4 5 6 7 8 16 18 20 22 24 28 52; w is the standard's weight for the kind
- *              of block and the scan position.
+ *              q is, for QNO 0 to 15, 1 1 2 3 4 5 6 7 8 16 18 20 22 24 28 52; w, 32 times the weight, is for scan
+ *              positions 1 to 63
+ *
+ *      luma, 1080    16 16 17 17 17 18 18 18 18 18 18 19 18 18 19 19 19 19 19 19 42 38 40 40 40 38 42 44 43 41 41
+ *                    41 41 43 44 45 45 42 42 42 45 45 48 46 43 43 46 48 49 48 44 48 49 101 98 98 101 104 109 104
+ *                    116 116 123
+ *      chroma, 1080  16 16 17 17 17 25 25 25 25 26 25 26 25 26 26 26 27 27 26 26 42 38 40 40 40 38 42 44 43 41 41
+ *                    41 41 43 44 91 91 84 84 84 91 91 96 93 86 86 93 96 197 191 177 191 197 203 197 197 203 209
+ *                    219 209 232 232 246
+ *      luma, 720     16 16 17 17 17 18 18 18 18 18 18 19 18 18 19 19 19 19 19 19 42 38 40 40 40 38 42 44 43 41 41
+ *                    41 41 43 44 68 68 63 63 63 68 68 96 92 86 86 92 96 98 96 88 96 98 202 196 196 202 208 218
+ *                    208 232 232 246
+ *      chroma, 720   24 24 26 26 26 36 36 36 36 36 36 38 36 36 38 38 38 38 38 38 84 76 80 80 80 76 84 88 86 82 82
+ *                    82 82 86 88 182 182 168 168 168 182 182 192 186 192 172 186 192 394 382 354 382 394 406 394
+ *                    394 406 418 438 418 464 464 492
  *
  *  No coefficient of a segment decoder makes x leave its 16 bits. Of the parameter word bits 4 to 6 and 16 to 19 are
  *  used.
@@ -39,9 +52,9 @@
  *  - Reduced to N x N samples, N being 4 or 2: only the N x N lowest frequencies, the first N columns of the first N
  *    rows, count. Both passes have N terms with the factors w(u 8/N, x), x from 0 to N - 1. The results replace the
  *    first N * N values of the block, in raster order; the others stay. A sample is about the mean of those it stands
- *    for, and exactly (DC + 4) >> 3 in a block that has a DC only. In 2-4-8 blocks the sums of the lines stand where
- *    8-8 blocks have their low vertical frequencies, so the transforms of both kinds are the same; they have a name for
- *    each.
+ *    for; in a block that has a DC only, of -4096 to 4095, it is exactly (DC + 4) >> 3. In 2-4-8 blocks the sums of the
+ *    lines stand where 8-8 blocks have their low vertical frequencies, so the transforms of both kinds are the same;
+ *    they have a name for each.
  *
  *  Status. Null pointers are tested first, then the kind; nothing is written then. */
 #ifndef MOXVC_DV_TRANSFORM_H

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <utility>
 
 #include "dv/conversion_px.hpp"
 #include "frame/generation.hpp"
@@ -44,23 +45,33 @@ MOX_INLINE simd::u8<1> dv_samples(simd::s16<1> first, simd::s16<1> second) {
   return packus(adds(first, grey), adds(second, grey));
 }
 
+MOX_INLINE void dv_unit_to_packed(const DvUnit& unit, const Mox16s* luma, const Mox16s* cr, const Mox16s* cb,
+                                  Mox8u* dst, std::ptrdiff_t dstStep) {
+  const auto four_twice = [=](const Mox16s* at) {
+    return simd::load8x2<simd::s16, 1>(luma + at[0], 2 * (at[1] - at[0]), simd::strips<1>(0));
+  };
+  const auto y = dv_samples(four_twice(unit.luma), four_twice(unit.luma + 2));
+  const auto both =
+      dv_samples(simd::load_row<simd::s16, 1>(cb + unit.chroma), simd::load_row<simd::s16, 1>(cr + unit.chroma));
+  const auto chroma = lookup(both, simd::load_row<simd::u8, 1>(unit.order));
+  store_row(lo8(y, chroma), dst + unit.row[0] * dstStep + unit.column[0]);
+  store_row(hi8(y, chroma), dst + unit.row[1] * dstStep + unit.column[1]);
+}
+
+/// All units one by one, so that their places are constants.
+template <const px::DvShape& kShape, int N, std::size_t... I>
+MOX_INLINE void dv_units_to_packed(std::index_sequence<I...>, const Mox16s* luma, const Mox16s* cr, const Mox16s* cb,
+                                   Mox8u* dst, std::ptrdiff_t dstStep) {
+  (dv_unit_to_packed(kDvUnits<kShape, N>[I], luma, cr, cb, dst, dstStep), ...);
+}
+
 template <const px::DvShape& kShape, int N>
 void dv_macroblock_to_packed(const Mox16s* luma, const Mox16s* cr, const Mox16s* cb, Mox8u* dst,
                              std::ptrdiff_t dstStep) {
   if constexpr (N < 4) {
     px::dv_macroblock_to_packed<kShape, N>(luma, cr, cb, dst, dstStep);
   } else {
-    const auto four_twice = [=](const Mox16s* at) {
-      return simd::load8x2<simd::s16, 1>(luma + at[0], 2 * (at[1] - at[0]), simd::strips<1>(0));
-    };
-    for (const DvUnit& unit : kDvUnits<kShape, N>) {
-      const auto y = dv_samples(four_twice(unit.luma), four_twice(unit.luma + 2));
-      const auto both =
-          dv_samples(simd::load_row<simd::s16, 1>(cb + unit.chroma), simd::load_row<simd::s16, 1>(cr + unit.chroma));
-      const auto chroma = lookup(both, simd::load_row<simd::u8, 1>(unit.order));
-      store_row(lo8(y, chroma), dst + unit.row[0] * dstStep + unit.column[0]);
-      store_row(hi8(y, chroma), dst + unit.row[1] * dstStep + unit.column[1]);
-    }
+    dv_units_to_packed<kShape, N>(std::make_index_sequence<kDvUnits<kShape, N>.size()>(), luma, cr, cb, dst, dstStep);
   }
 }
 

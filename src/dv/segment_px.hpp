@@ -55,15 +55,16 @@ struct DvBits {
     word |= std::uint64_t{bits} << (63 - held - count) << 1;
     held += count;
   }
-  /// Goes on with the bits of a block that has some to spare.
+  /// Goes on with the bits of a block that has some to spare. 15 bits are held at most.
   [[gnu::always_inline]] void append(const DvBlockState& block) {
     append(block.carryBits, block.carryCount);
     next = block.pData, behind = block.bitsLeft - block.carryCount;
+    refill();
   }
-  /// Takes more bits from memory, 6 bytes at most, where 15 are held at most. Reads 8 bytes.
+  /// Takes as many bytes from memory as there is room for. Reads 8 bytes.
   [[gnu::always_inline]] void refill() {
-    const int taken = std::min(behind, 48);
-    word |= (load_be64(next) & ~std::uint64_t{0} << (64 - taken)) >> held;
+    const int taken = std::min(behind, (63 - held) & ~7);
+    word |= (load_be64(next) & ~std::uint64_t{1} << (63 - taken)) >> held;
     held += taken, next += taken >> 3, behind -= taken;
   }
 };
@@ -185,6 +186,7 @@ template <const DvLayout& kLayout>
 class DvSegment {
  public:
   DvSegment(const Mox8u* pStream, Mox16s* pDst, Mox32u* pBlockParam) {
+    __builtin_prefetch(pStream + kDvMacroblocks * kDvMacroblockBytes);  // where the next segment lies, as a rule
     for (int i = 0; i < kCount; ++i) {
       const Mox8u* const macroblock = pStream + i / kLayout.blocks * kDvMacroblockBytes;
       const int b = i % kLayout.blocks;

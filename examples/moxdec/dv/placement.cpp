@@ -15,7 +15,7 @@ Place place_411(int row, int k, int m) {
   const int column = kColumn[m];
   // Superblocks are 4 1/2 macroblocks wide: the second and the fourth begin in the middle of a column.
   const int n = column % 2 ? k + kRows / 2 : k, x = kFirst[column] + n / kRows;
-  int line = serpentine(n, kRows);
+  const int line = serpentine(n, kRows);
   if (x == kEdge) return {32 * x, 48 * row + 16 * line, Shape::kSquare};
   return {32 * x, 48 * row + 8 * line, Shape::kFourWide};
 }
@@ -33,13 +33,15 @@ Place place_720(int channel, int sequence, int k, int m) {
           16 * (9 * ((n + kDistance[m] / 2 + 2 * channel) % 5) + n / 30)};
 }
 
-/// Bands of rows, which two channels share line by line; of the two on the left and right in each superblock.
+/// In macroblocks, without the rows above and below: segment n of a channel lies in one of several bands of rows, one
+/// below the other. Channels 0 and 1 have every other row, 2 and 3 those between; one of the two has the left half of
+/// each column of superblocks, the other the right half.
 Place place_1080(int channel, int n, int m, int bands, int band, int first, int band_rows) {
   return {18 * kColumn[m] + 9 * (channel & 1) + n / bands % 9,
           first + band_rows * band + (channel >> 1) + 2 * (n / (9 * bands))};
 }
 
-/// 67 rows of 16 lines, and one of 8 with macroblocks twice as wide. In and out in macroblocks.
+/// Above the last row, which has 8 lines and macroblocks twice as wide, are 67 of 16 lines.
 constexpr int kLastRow = 67;
 Place in_samples(int x, int y) { return {16 * x, 16 * y, y == kLastRow ? Shape::kFourWide : Shape::kSquare}; }
 

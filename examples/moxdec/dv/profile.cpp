@@ -16,8 +16,6 @@ int source_kind(Bytes sequence) {
   throw DecodeError("no pack tells the kind of video");
 }
 
-constexpr FrameRate kFilm{30000, 1001};
-
 }  // namespace
 
 bool begins_sequence(Bytes data) {
@@ -38,7 +36,7 @@ Profile read_profile(Bytes sequence) {
   constexpr int kConsumer = 0;
   const int source = source_kind(sequence), application = sequence[4] & 7;
   const bool at50 = source >> 5 & 1;
-  const FrameRate rate = at50 ? FrameRate{25, 1} : kFilm;
+  const FrameRate rate = at50 ? FrameRate{25, 1} : FrameRate{30000, 1001};
   const int lines = at50 ? 576 : 480, sequences = at50 ? 12 : 10;
   switch (source & 31) {
     case 0x00:
