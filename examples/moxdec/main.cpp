@@ -21,8 +21,9 @@ using Clock = std::chrono::steady_clock;
 constexpr const char* kUsage = "usage: moxdec INPUT [-o OUT.yuv|OUT.y4m|OUT.png] [--frames N] [--quiet]\n";
 constexpr const char* kHelp =
     "\n"
-    "Decodes a video stream. Known so far: H.264 byte streams with CAVLC, 8 to 14 bits, monochrome, 4:2:0 and\n"
-    "4:2:2; MPEG-1 and MPEG-2 video elementary streams, 4:2:0 and 4:2:2; DV25, DV50 and DV100.\n"
+    "Decodes a video stream: H.264 byte streams with CAVLC, 8 to 14 bits, monochrome, 4:2:0 and 4:2:2; MPEG-1 and\n"
+    "MPEG-2 video, 4:2:0 and 4:2:2; MPEG-4 Part 2, simple and advanced simple; H.261; H.263 with the annexes D, F, I,\n"
+    "J, K, S and T; AVS, Jizhun profile; DV25, DV50 and DV100.\n"
     "\n"
     "  -o OUT      .yuv  raw planes Y, U, V of each frame in display order, cropped (any other ending too)\n"
     "              .y4m  the same with headers\n"
