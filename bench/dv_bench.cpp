@@ -36,9 +36,7 @@ const Row kTransformRows[] = {
     in_place(MOX_FN(moxiQuantInv_DV_16s_C1I), kParameter),
     in_place(MOX_FN(moxiQuantInv_DV100_16s_C1I), kParameter, 1),
     in_place(MOX_FN(moxiDCT2x4x8Inv_16s_C1I)),
-    in_place(MOX_FN(moxiDCT8x8To4x4Inv_DV_16s_C1I)),
     in_place(MOX_FN(moxiDCT8x4x2To4x4Inv_DV_16s_C1I)),
-    in_place(MOX_FN(moxiDCT8x8To2x2Inv_DV_16s_C1I)),
     in_place(MOX_FN(moxiDCT8x4x2To2x2Inv_DV_16s_C1I)),
 };
 const Family kDvTransform("dv_transform", kTransformRows);
@@ -74,9 +72,6 @@ const Row kConversionRows[] = {
     conversion(MOX_FN(moxiYCrCb422ToYCbCr422_ZoomOut4_5MBDV_16s8u_P3C2R)),
     conversion(MOX_FN(moxiYCrCb422ToYCbCr422_ZoomOut8_5MBDV_16s8u_P3C2R)),
     conversion(MOX_FN(moxiYCrCb422ToYCbCr422_5MBDV100_16s8u_P3C2R), 8),
-    conversion(MOX_FN(moxiYCrCb422ToYCbCr422_ZoomOut2_5MBDV100_16s8u_P3C2R), 8),
-    conversion(MOX_FN(moxiYCrCb422ToYCbCr422_ZoomOut4_5MBDV100_16s8u_P3C2R), 8),
-    conversion(MOX_FN(moxiYCrCb422ToYCbCr422_ZoomOut8_5MBDV100_16s8u_P3C2R), 8),
 };
 const Family kDvConversion("dv_conversion", kConversionRows);
 

@@ -28,10 +28,10 @@
  *  macroblock, dstStep bytes are from row to row. A chroma sample is repeated for all luma samples it belongs to; none
  *  is interpolated. Samples get 128 added and are limited to 0..255.
  *
- *  ZoomOut forms make pictures of 1/2, 1/4 or 1/8 of the width and height. Of each block they read the first 16 values
- *  as 4x4 samples, the first 4 as 2x2, or the DC c alone, of which the sample is (c + 4) >> 3. All else is as above
- *  with 4, 2 or 1 in the place of 8, but for the chroma lines of 420: one for each two luma lines, since a line of such
- *  a picture has both fields.
+ *  ZoomOut forms, of all but DV100, make pictures of 1/2, 1/4 or 1/8 of the width and height. Of each block they read
+ *  the first 16 values as 4x4 samples, the first 4 as 2x2, or the DC c alone, of which the sample is (c + 4) >> 3.
+ *  All else is as above with 4, 2 or 1 in the place of 8, but for the chroma lines of 420: one for each two luma
+ *  lines, since a line of such a picture has both fields.
  *
  *  Memory. Read are the first 64, 16, 4 or 1 values of each block. Written are the rows of each macroblock, twice its
  *  width in bytes, and nothing between. srcStep must be even; both steps may be negative or 0. Destinations must not
@@ -155,21 +155,6 @@ MOX_API MoxStatus moxiYCrCb422ToYCbCr422_ZoomOut8_5MBDV_16s8u_P3C2R(const Mox16s
 MOX_API MoxStatus moxiYCrCb422ToYCbCr422_5MBDV100_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr,
                                                               const Mox16s* pSrcCb, Mox32s srcStep, Mox8u* const* ppDst,
                                                               Mox32s dstStep);
-
-/** The same at 1/2 of the width and height. */
-MOX_API MoxStatus moxiYCrCb422ToYCbCr422_ZoomOut2_5MBDV100_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr,
-                                                                       const Mox16s* pSrcCb, Mox32s srcStep,
-                                                                       Mox8u* const* ppDst, Mox32s dstStep);
-
-/** The same at 1/4 of the width and height. */
-MOX_API MoxStatus moxiYCrCb422ToYCbCr422_ZoomOut4_5MBDV100_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr,
-                                                                       const Mox16s* pSrcCb, Mox32s srcStep,
-                                                                       Mox8u* const* ppDst, Mox32s dstStep);
-
-/** The same at 1/8 of the width and height. */
-MOX_API MoxStatus moxiYCrCb422ToYCbCr422_ZoomOut8_5MBDV100_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr,
-                                                                       const Mox16s* pSrcCb, Mox32s srcStep,
-                                                                       Mox8u* const* ppDst, Mox32s dstStep);
 
 MOX_END_DECLS
 

@@ -53,8 +53,8 @@
  *    rows, count. Both passes have N terms with the factors w(u 8/N, x), x from 0 to N - 1. The results replace the
  *    first N * N values of the block, in raster order; the others stay. A sample is about the mean of those it stands
  *    for; in a block that has a DC only, of -4096 to 4095, it is exactly (DC + 4) >> 3. In 2-4-8 blocks the sums of the
- *    lines stand where 8-8 blocks have their low vertical frequencies, so the transforms of both kinds are the same;
- *    they have a name for each.
+ *    lines stand where 8-8 blocks have their low vertical frequencies, so one transform serves both kinds; of a 2-4-8
+ *    block each sample is of both fields.
  *
  *  Status. Null pointers are tested first, then the kind; nothing is written then. */
 #ifndef MOXVC_DV_TRANSFORM_H
@@ -83,22 +83,12 @@ MOX_API MoxStatus moxiQuantInv_DV100_16s_C1I(Mox16s* pSrcDst, Mox32u blockParam,
  *  @retval moxStsNullPointer pSrcDst is null */
 MOX_API MoxStatus moxiDCT2x4x8Inv_16s_C1I(Mox16s* pSrcDst);
 
-/** Inverse 8-8 transform to 4x4 samples.
- *  @param[in,out] pSrcDst 64 coefficients; the first 16 values receive the samples, not limited
- *  @retval moxStsNullPointer pSrcDst is null */
-MOX_API MoxStatus moxiDCT8x8To4x4Inv_DV_16s_C1I(Mox16s* pSrcDst);
-
-/** Inverse 2-4-8 transform to 4x4 samples, each of both fields.
+/** Inverse transform of an 8-8 or 2-4-8 block to 4x4 samples.
  *  @param[in,out] pSrcDst 64 coefficients; the first 16 values receive the samples, not limited
  *  @retval moxStsNullPointer pSrcDst is null */
 MOX_API MoxStatus moxiDCT8x4x2To4x4Inv_DV_16s_C1I(Mox16s* pSrcDst);
 
-/** Inverse 8-8 transform to 2x2 samples.
- *  @param[in,out] pSrcDst 64 coefficients; the first 4 values receive the samples, not limited
- *  @retval moxStsNullPointer pSrcDst is null */
-MOX_API MoxStatus moxiDCT8x8To2x2Inv_DV_16s_C1I(Mox16s* pSrcDst);
-
-/** Inverse 2-4-8 transform to 2x2 samples, each of both fields.
+/** Inverse transform of an 8-8 or 2-4-8 block to 2x2 samples.
  *  @param[in,out] pSrcDst 64 coefficients; the first 4 values receive the samples, not limited
  *  @retval moxStsNullPointer pSrcDst is null */
 MOX_API MoxStatus moxiDCT8x4x2To2x2Inv_DV_16s_C1I(Mox16s* pSrcDst);

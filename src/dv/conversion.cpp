@@ -122,21 +122,3 @@ MoxStatus moxiYCrCb422ToYCbCr422_5MBDV100_16s8u_P3C2R(const Mox16s* pSrcY, const
                                                       Mox32s srcStep, Mox8u* const* ppDst, Mox32s dstStep) {
   return to_packed<px::kDv422Eight, px::kDv422Eight, 8>(pSrcY, pSrcCr, pSrcCb, srcStep, ppDst, dstStep);
 }
-
-MoxStatus moxiYCrCb422ToYCbCr422_ZoomOut2_5MBDV100_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr,
-                                                               const Mox16s* pSrcCb, Mox32s srcStep,
-                                                               Mox8u* const* ppDst, Mox32s dstStep) {
-  return to_packed<px::kDv422Eight, px::kDv422Eight, 4>(pSrcY, pSrcCr, pSrcCb, srcStep, ppDst, dstStep);
-}
-
-MoxStatus moxiYCrCb422ToYCbCr422_ZoomOut4_5MBDV100_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr,
-                                                               const Mox16s* pSrcCb, Mox32s srcStep,
-                                                               Mox8u* const* ppDst, Mox32s dstStep) {
-  return to_packed<px::kDv422Eight, px::kDv422Eight, 2>(pSrcY, pSrcCr, pSrcCb, srcStep, ppDst, dstStep);
-}
-
-MoxStatus moxiYCrCb422ToYCbCr422_ZoomOut8_5MBDV100_16s8u_P3C2R(const Mox16s* pSrcY, const Mox16s* pSrcCr,
-                                                               const Mox16s* pSrcCb, Mox32s srcStep,
-                                                               Mox8u* const* ppDst, Mox32s dstStep) {
-  return to_packed<px::kDv422Eight, px::kDv422Eight, 1>(pSrcY, pSrcCr, pSrcCb, srcStep, ppDst, dstStep);
-}

@@ -23,19 +23,9 @@ MoxStatus moxiDCT2x4x8Inv_16s_C1I(Mox16s* pSrcDst) {
   return active::dct_inverse_248(pSrcDst);
 }
 
-MoxStatus moxiDCT8x8To4x4Inv_DV_16s_C1I(Mox16s* pSrcDst) {
-  if (any_null(pSrcDst)) return moxStsNullPointer;
-  return active::dct_inverse_reduced<4>(pSrcDst);
-}
-
 MoxStatus moxiDCT8x4x2To4x4Inv_DV_16s_C1I(Mox16s* pSrcDst) {
   if (any_null(pSrcDst)) return moxStsNullPointer;
   return active::dct_inverse_reduced<4>(pSrcDst);
-}
-
-MoxStatus moxiDCT8x8To2x2Inv_DV_16s_C1I(Mox16s* pSrcDst) {
-  if (any_null(pSrcDst)) return moxStsNullPointer;
-  return active::dct_inverse_reduced<2>(pSrcDst);
 }
 
 MoxStatus moxiDCT8x4x2To2x2Inv_DV_16s_C1I(Mox16s* pSrcDst) {

@@ -31,6 +31,7 @@ std::vector<Form> all_forms() {
   std::vector<Form> forms;
   for (const Form& kind : kinds) {
     for (const int zoom : {1, 2, 4, 8}) {
+      if (zoom > 1 && kind.format == Format::kTall) continue;
       const std::string factor = zoom == 1 ? "" : "ZoomOut" + std::to_string(zoom) + "_";
       forms.push_back(
           {"moxiYCrCb" + kind.name.substr(0, 3) + "ToYCbCr422_" + factor + kind.name.substr(4) + "_16s8u_P3C2R",
