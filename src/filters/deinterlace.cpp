@@ -1,6 +1,7 @@
 #include "moxvc/deinterlace.h"
 
 #include "filters/deinterlace_px.hpp"
+#include "filters/deinterlace_vec.hpp"
 #include "frame/arguments.hpp"
 #include "frame/bytes.hpp"
 #include "frame/generation.hpp"

@@ -1,5 +1,6 @@
 #include "filters/deinterlace_blend_weights.hpp"
 #include "filters/deinterlace_px.hpp"
+#include "filters/deinterlace_vec.hpp"
 #include "frame/arguments.hpp"
 #include "frame/bytes.hpp"
 #include "frame/generation.hpp"
@@ -75,9 +76,9 @@ MoxStatus moxiDeinterlaceBlend_8u_C1(const Mox8u* const ppSrc[3], Mox32s srcStep
   if (odd == kept) copy(height - 1, 1);
   const std::ptrdiff_t first = kept ? 2 : 1, at = first * srcStep;
   const Mox32s last = height + (odd ^ kept) - 2;
-  const active::ThreeFrames frames{ppSrc[0] + at, ppSrc[1] + at, ppSrc[2] + at,
-                                   srcStep,       ppSrc[topFirst == topField ? 0 : 2] + at, kept != 0};
-  blend_rows(frames, pDst + first * dstStep, dstStep, width, (last - static_cast<Mox32s>(first)) / 2 + 1, *pState);
+  const active::ThreeFrames frames{
+      ppSrc[0] + at, ppSrc[1] + at, ppSrc[2] + at, srcStep, ppSrc[topFirst == topField ? 0 : 2] + at, kept != 0};
+  blend_rows(frames, pDst + first * dstStep, dstStep, width, (last - static_cast<Mox32s>(first) + 2) / 2, *pState);
   return moxStsOk;
 }
 

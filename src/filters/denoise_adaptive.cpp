@@ -1,4 +1,5 @@
 #include "filters/denoise_adaptive_px.hpp"
+#include "filters/denoise_adaptive_vec.hpp"
 #include "filters/rectangle.hpp"
 #include "frame/arguments.hpp"
 #include "frame/generation.hpp"
@@ -13,9 +14,9 @@ namespace {
 constexpr auto kUnknownFlags = static_cast<MoxStatus>(1);
 enum TemporalFlags : Mox32s { kWithPrevious = 1, kWithNext = 2 };
 
-/// Entries for all counts of samples that three windows can hold.
+/// Entries for all counts of samples that three windows can hold, or, for windows beyond all memory, too many.
 constexpr long long recip_length(MoxiSize mask) {
-  const long long m = std::max(mask.width, mask.height);
+  const long long m = std::min(std::max(mask.width, mask.height), 1 << 20);
   return 12 * m * m + 12 * m + 4;
 }
 static_assert(recip_length({1, 1}) == 28);
@@ -54,10 +55,10 @@ MoxStatus moxiFilterDenoiseAdaptive_8u_C1R(const Mox8u* const ppSrc[3], Mox32s s
   if (!lies_inside(dstOffset, dstRoiSize, srcRoiSize)) return moxStsBadSize;
   if (maskSize.width != pState->maskSize.width || maskSize.height != pState->maskSize.height) return moxStsBadSize;
   if (outside(temporalFlags, 0, 3)) return kUnknownFlags;
-  filter_rectangle({temporalFlags & kWithPrevious ? ppSrc[0] : nullptr, ppSrc[1],
-                    temporalFlags & kWithNext ? ppSrc[2] : nullptr, srcStep, srcRoiSize, maskSize, threshold,
-                    pState->pRecip},
-                   pDst, dstStep, dstOffset, dstRoiSize);
+  filter_rectangle(
+      {temporalFlags & kWithPrevious ? ppSrc[0] : nullptr, ppSrc[1], temporalFlags & kWithNext ? ppSrc[2] : nullptr,
+       srcStep, srcRoiSize, maskSize, threshold, pState->pRecip},
+      pDst, dstStep, dstOffset, dstRoiSize);
   return moxStsOk;
 }
 

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "filters/denoise_smooth_px.hpp"
+#include "filters/denoise_smooth_vec.hpp"
 #include "filters/lowpass.hpp"
 #include "filters/rectangle.hpp"
 #include "frame/arguments.hpp"
@@ -47,8 +48,8 @@ class Smoothing {
   void lowpass() const {
     const Mox32s x0 = std::max(left_ - 1, 1), x1 = std::min(right_ + 1, region_.width - 2);
     const Mox32s y0 = std::max(top_ - 1, 1), y1 = std::min(bottom_ + 1, region_.height - 2);
-    moxiFilterLowpass_8u_C1R(source(x0, y0), wrap32(srcStep_), plane(x0, y0), wrap32(step_),
-                             {x1 - x0 + 1, y1 - y0 + 1}, kLowpass3x3);
+    moxiFilterLowpass_8u_C1R(source(x0, y0), wrap32(srcStep_), plane(x0, y0), wrap32(step_), {x1 - x0 + 1, y1 - y0 + 1},
+                             kLowpass3x3);
     for (Mox32s y = y0; y <= y1; ++y) {
       for (Mox32s x = left_ - 1; x < x0; ++x) *plane(x, y) = *plane(x0, y);
       for (Mox32s x = x1 + 1; x <= right_ + 1; ++x) *plane(x, y) = *plane(x1, y);

@@ -3,6 +3,7 @@
 #include <omp.h>
 
 #include "filters/lowpass_px.hpp"
+#include "filters/lowpass_vec.hpp"
 #include "frame/arguments.hpp"
 #include "frame/generation.hpp"
 #include "frame/memory.hpp"
