@@ -387,6 +387,12 @@ MOX_INLINE void store_row(V<B> v, void* p) {
   if constexpr (B == 1) _mm_storeu_si128(static_cast<__m128i*>(p), v.r);
   MOX_WIDE(else _mm256_storeu_si256(static_cast<__m256i*>(p), v.r);)
 }
+/// 8 B consecutive bytes, 8 a block, in both halves of it.
+template <int B>
+MOX_INLINE u8<B> load_row8_twice(const void* p) {
+  if constexpr (B == 1) return {raw8_twice(p)};
+  MOX_WIDE(else return {_mm256_permute4x64_epi64(_mm256_castsi128_si256(raw16(p)), 0x50)};)
+}
 /// The lower 8 bytes as words.
 MOX_INLINE u16<1> wide_low(u8<1> v) { return {_mm_cvtepu8_epi16(v.r)}; }
 
