@@ -32,10 +32,14 @@ MOX_INLINE V deblock_ones() {
   return deblock_splat<V>(-1);
 }
 
+template <class V>
+MOX_INLINE V deblock_distance(V a, V b) {
+  return subs(a, b) | subs(b, a);
+}
 /// All ones where |a - b| is not below the threshold.
 template <class V>
 MOX_INLINE V deblock_far(V a, V b, V threshold) {
-  return equal(subs(threshold, subs(a, b) | subs(b, a)), deblock_splat<V>(0));
+  return equal(subs(threshold, deblock_distance(a, b)), deblock_splat<V>(0));
 }
 /// (a + b) >> 1
 template <class V>
@@ -156,63 +160,115 @@ MOX_INLINE Mox32u deblock_strong_quarters(const Mox8u* bs, bool outer) {
   return quarters;
 }
 
-/// A row of the lines' samples, of 4 or 8 bytes or of whole blocks.
-template <int kBytes, class V>
-MOX_INLINE V deblock_load(const void* p) {
-  if constexpr (kBytes == 4) return {simd::raw4(p)};
-  if constexpr (kBytes == 8) return {simd::raw8(p)};
-  if constexpr (kBytes >= 16) return {simd::load_row<simd::u8, V::B>(p).r};
-}
-template <int kBytes, class V>
-MOX_INLINE void deblock_store(V v, void* p) {
-  if constexpr (kBytes == 4) simd::raw_store4(p, v.r);
-  if constexpr (kBytes == 8) simd::raw_store8(p, v.r);
-  if constexpr (kBytes >= 16) simd::store_row(v, p);
-}
+/// What an edge asks of its lines, which are taken kPart bytes of a row at a time.
+template <EdgeForm kForm, class T>
+struct DeblockEdge {
+  static constexpr bool kLuma = kForm.luma(), kTransposed = kForm.direction == Direction::kVertical && !kLuma;
+  static constexpr int kElements = kForm.lines * kForm.channels, kBytes = kElements * static_cast<int>(sizeof(T));
+  static constexpr int B = kTransposed ? 1 : std::clamp(kBytes / 16, 1, simd::kBlocks),
+                       kPart = std::min(kBytes, 16 * B);
+  using V = DeblockVector<T, B>;
+  using Bytes = simd::u8<B>;
+  using Lines = DeblockLines<kLuma, V>;
 
-/// Filters one edge whose lines lie side by side; `step` leads across it. True if a line passed the thresholds.
+  int alpha, beta;
+  const T* tc0;
+  Mox32u strong, active;  ///< by quarters of the edge, a byte for each
+  Mox32s largest;
+
+  static MOX_INLINE Bytes quarters(Mox32u bytes) {
+    return simd::as<simd::u8>(simd::splat<simd::s32, B>(static_cast<int>(bytes)));
+  }
+  template <int kUnit>
+  static MOX_INLINE V spread(Bytes values, int first) {
+    const Mox8u* const index = kDeblockSpread<kElements, sizeof(T), kUnit>.data() + first;
+    return {lookup(values, simd::load_row<simd::u8, B>(index)).r};
+  }
+  MOX_INLINE V limits(int first) const {
+    if constexpr (sizeof(T) == 1) return spread<1>(quarters(load<Mox32u>(tc0)), first);
+    if constexpr (sizeof(T) == 2)
+      return spread<2>(simd::gather<simd::u8, B>(tc0, simd::strips<B>(0), simd::raw8), first);
+  }
+
+  /// Filters the lines from byte `first` of a row on. False if none passes the thresholds.
+  MOX_INLINE bool filter(Lines& s, int first) const {
+    const V b = deblock_splat<V>(beta);
+    const V slope = max(deblock_distance(s.p[1], s.p[0]), deblock_distance(s.q[1], s.q[0]));
+    const V room = min(subs(deblock_splat<V>(alpha), deblock_distance(s.p[0], s.q[0])), subs(b, slope));
+    const V passed = min(room, spread<1>(quarters(active), first));
+    if (is_zero(simd::as<simd::u16>(passed))) return false;
+    const V off = equal(passed, deblock_splat<V>(0));
+    if (strong == 0) {
+      deblock_normal(s, off, b, limits(first), largest);
+      return true;
+    }
+    const V strongLines = spread<1>(quarters(strong), first);
+    if (strong != 0xFFFFFFFF) deblock_normal(s, off | strongLines, b, limits(first), largest);
+    deblock_strong(s, andnot(off, strongLines), deblock_splat<V>((alpha >> 2) + 2), b);
+    return true;
+  }
+
+  /// Lines side by side; `step` leads across the edge.
+  static MOX_INLINE void load_rows(Lines& s, const T* q0, std::ptrdiff_t step) {
+    const auto row = [](const T* p) -> V {
+      if constexpr (kPart == 8) return {simd::raw8(p)};
+      if constexpr (kPart >= 16) return {simd::load_row<simd::u8, B>(p).r};
+    };
+    for (int k = 0; k < Lines::kReach; ++k) s.p[k] = row(q0 - (k + 1) * step), s.q[k] = row(q0 + k * step);
+  }
+  MOX_INLINE void store_rows(const Lines& s, T* q0, std::ptrdiff_t step) const {
+    const auto row = [](V v, T* p) {
+      if constexpr (kPart == 8) simd::raw_store8(p, v.r);
+      if constexpr (kPart >= 16) simd::store_row(v, p);
+    };
+    const int changed = !kLuma ? 1 : strong == 0 ? 2 : 3;
+    for (int k = 0; k < changed; ++k) row(s.p[k], q0 - (k + 1) * step), row(s.q[k], q0 + k * step);
+  }
+
+  /// Chroma lines below each other; `step` leads from one to the next.
+  static constexpr int kSample = kForm.channels * static_cast<int>(sizeof(T)), kLines = kPart / kSample;
+  static MOX_INLINE void load_columns(Lines& s, const T* q0, std::ptrdiff_t step) {
+    using Columns = simd::Transposition<kLines, 4, kSample>;
+    simd::u8<1> r[Columns::kCount];
+    Columns::load_columns(reinterpret_cast<const Mox8u*>(q0 - 2 * kForm.channels), step * std::ptrdiff_t{sizeof(T)}, r);
+    if constexpr (kPart == 8) {
+      s.p[1] = {r[0].r}, s.p[0] = {hi64(r[0], r[0]).r}, s.q[0] = {r[1].r}, s.q[1] = {hi64(r[1], r[1]).r};
+    } else {
+      s.p[1] = {r[0].r}, s.p[0] = {r[1].r}, s.q[0] = {r[2].r}, s.q[1] = {r[3].r};
+    }
+  }
+  static MOX_INLINE void store_columns(const Lines& s, T* q0, std::ptrdiff_t step) {
+    constexpr int kPair = 2 * kSample, kRows = 16 / kPair;
+    const simd::u8<1> p0 = {s.p[0].r}, r0 = {s.q[0].r};
+    Mox8u* const to = reinterpret_cast<Mox8u*>(q0 - kForm.channels);
+    const std::ptrdiff_t stride = step * std::ptrdiff_t{sizeof(T)};
+    simd::store_rows<kPair, kRows>(simd::interleave_lo<kSample>(p0, r0), to, stride);
+    if constexpr (kPart == 16)
+      simd::store_rows<kPair, kRows>(simd::interleave_hi<kSample>(p0, r0), to + kRows * stride, stride);
+  }
+};
+
+/// Filters one edge: a chroma edge where it is, a luma edge whose lines lie side by side, `step` leading across it.
+/// True if a line passed the thresholds.
 template <EdgeForm kForm, class T>
 bool filter_edge(T* edge, Mox32s step, Mox32u alpha, Mox32u beta, const T* tc0, const Mox8u* bs, bool outer,
                  Mox32s largest) {
-  using simd::as, simd::s32, simd::u8;
-  constexpr int kElements = kForm.lines * kForm.channels, kBytes = kElements * static_cast<int>(sizeof(T));
-  constexpr int B = std::clamp(kBytes / 16, 1, simd::kBlocks), kReach = kForm.luma() ? 4 : 2;
-  using V = DeblockVector<T, B>;
-  const Mox32u strong = deblock_strong_quarters<kForm>(bs, outer), active = load<Mox32u>(bs) | strong;
-  const auto spread = [](u8<B> values, const Mox8u* index) {
-    return V{lookup(values, simd::load_row<u8, B>(index)).r};
-  };
-  const auto quarters = [](Mox32u bytes) { return as<u8>(simd::splat<s32, B>(static_cast<int>(bytes))); };
-
+  using Edge = DeblockEdge<kForm, T>;
+  const Mox32u strong = deblock_strong_quarters<kForm>(bs, outer);
+  const Edge rule = {static_cast<int>(alpha), static_cast<int>(beta), tc0, strong, load<Mox32u>(bs) | strong, largest};
   bool any = false;
-  for (int i = 0; i < std::max(1, kBytes / (16 * B)); ++i) {
-    const int first = 16 * B * i;
-    const Mox8u* const byQuarter = kDeblockSpread<kElements, sizeof(T), 1>.data() + first;
-    T* const at = edge + first / static_cast<int>(sizeof(T));
-    DeblockLines<kForm.luma(), V> s;
-    for (int k = 0; k < kReach; ++k) {
-      s.p[k] = deblock_load<kBytes, V>(at - (k + 1) * std::ptrdiff_t{step});
-      s.q[k] = deblock_load<kBytes, V>(at + k * std::ptrdiff_t{step});
-    }
-    const V b = deblock_splat<V>(static_cast<int>(beta));
-    const V off = equal(spread(quarters(active), byQuarter), deblock_splat<V>(0)) |
-                  deblock_far(s.p[0], s.q[0], deblock_splat<V>(static_cast<int>(alpha))) |
-                  deblock_far(s.p[1], s.p[0], b) | deblock_far(s.q[1], s.q[0], b);
-    if (is_zero(as<simd::u16>(off ^ deblock_ones<V>()))) continue;
-    any = true;
-    const V strongLines = spread(quarters(strong), byQuarter);
-    if (strong != 0xFFFFFFFF) {
-      const u8<B> limits =
-          sizeof(T) == 1 ? quarters(load<Mox32u>(tc0)) : simd::gather<u8, B>(tc0, simd::strips<B>(0), simd::raw8);
-      const V tc = spread(limits, kDeblockSpread<kElements, sizeof(T), sizeof(T)>.data() + first);
-      deblock_normal(s, off | strongLines, b, tc, largest);
-    }
-    if (strong != 0)
-      deblock_strong(s, andnot(off, strongLines), deblock_splat<V>(static_cast<int>((alpha >> 2) + 2)), b);
-    for (int k = 0; k < (kForm.luma() ? 3 : 1); ++k) {
-      if (k == 2 && strong == 0) break;
-      deblock_store<kBytes>(s.p[k], at - (k + 1) * std::ptrdiff_t{step});
-      deblock_store<kBytes>(s.q[k], at + k * std::ptrdiff_t{step});
+  for (int first = 0; first < Edge::kBytes; first += Edge::kPart) {
+    typename Edge::Lines s;
+    if constexpr (Edge::kTransposed) {
+      T* const q0 = edge + first / Edge::kSample * std::ptrdiff_t{step};
+      Edge::load_columns(s, q0, step);
+      if (rule.filter(s, first)) Edge::store_columns(s, q0, step);
+    } else {
+      T* const q0 = edge + first / static_cast<int>(sizeof(T));
+      Edge::load_rows(s, q0, step);
+      if (!rule.filter(s, first)) continue;
+      rule.store_rows(s, q0, step);
+      any = true;
     }
   }
   return any;
@@ -231,27 +287,25 @@ inline constexpr auto deblocking_chroma_horz_edge_h264_ssse3 = &filter_edge_8u<f
 inline constexpr auto deblocking_chroma_vert_edge_nv12_h264_sse2 = &filter_edge_8u<forms::kChromaVer_8u_C2>;
 inline constexpr auto deblocking_chroma_horz_edge_nv12_h264_sse2 = &filter_edge_8u<forms::kChromaHor_8u_C2>;
 
-/// Filters `count` vertical edges that follow each other; `filter(edge, step, i)` filters edge i of them in the buffer.
-/// Exactly the samples of these edges are read: four columns for each, and four more in luma.
+/// Filters `count` vertical luma edges that follow each other; `filter(edge, step, i)` filters edge i of them in the
+/// buffer. Exactly the samples of these edges are read: four columns to the left of each, and four behind the last.
 template <EdgeForm kForm, class T, class Filter>
-MOX_INLINE void filter_columns(T* edge, Mox32s step, int count, Filter filter) {
-  constexpr int kReach = kForm.luma() ? 4 : 2, kColumn = kForm.lines * kForm.channels;
-  constexpr int kBytes = kForm.channels * static_cast<int>(sizeof(T));
-  using Eight = simd::Transposition<kForm.lines, 8, kBytes>;
-  using Four = simd::Transposition<kForm.lines, 4, kBytes>;
-  alignas(32) T buffer[kColumn * (kForm.luma() ? 4 * kForm.edges + 4 : 4 * kForm.edges)];
-  const int width = 4 * (kForm.luma() ? count + 1 : count), pairs = width / 8;
+[[gnu::noinline]] void filter_columns(T* edge, Mox32s step, int count, Filter filter) {
+  using Eight = simd::Transposition<kForm.lines, 8, sizeof(T)>;
+  using Four = simd::Transposition<kForm.lines, 4, sizeof(T)>;
+  alignas(32) T buffer[kForm.lines * (4 * kForm.edges + 4)];
   const std::ptrdiff_t stride = step * std::ptrdiff_t{sizeof(T)};
-  Mox8u* const rows = reinterpret_cast<Mox8u*>(edge - kReach * kForm.channels);
-  Mox8u* const columns = reinterpret_cast<Mox8u*>(buffer);
-  constexpr int kStride = kColumn * static_cast<int>(sizeof(T));
-  for (int i = 0; i < pairs; ++i) Eight::to_columns(rows + 8 * kBytes * i, stride, columns + 8 * kStride * i);
-  if (width % 8 != 0) Four::to_columns(rows + 8 * kBytes * pairs, stride, columns + 8 * kStride * pairs);
+  constexpr int kRun = 8 * static_cast<int>(sizeof(T)), kBufferRun = kRun * kForm.lines;
+  Mox8u *const rows = reinterpret_cast<Mox8u*>(edge - 4), *const columns = reinterpret_cast<Mox8u*>(buffer);
+  const int runs = (count + 1) / 2;
+  const bool half = count % 2 == 0;  // four columns more
+  for (int i = 0; i < runs; ++i) Eight::to_columns(rows + kRun * i, stride, columns + kBufferRun * i);
+  if (half) Four::to_columns(rows + kRun * runs, stride, columns + kBufferRun * runs);
   bool any = false;
-  for (int i = 0; i < count; ++i) any |= filter(buffer + (kReach + 4 * i) * kColumn, kColumn, i);
+  for (int i = 0; i < count; ++i) any |= filter(buffer + (4 + 4 * i) * kForm.lines, kForm.lines, i);
   if (!any) return;
-  for (int i = 0; i < pairs; ++i) Eight::to_rows(columns + 8 * kStride * i, rows + 8 * kBytes * i, stride);
-  if (width % 8 != 0) Four::to_rows(columns + 8 * kStride * pairs, rows + 8 * kBytes * pairs, stride);
+  for (int i = 0; i < runs; ++i) Eight::to_rows(columns + kBufferRun * i, rows + kRun * i, stride);
+  if (half) Four::to_rows(columns + kBufferRun * runs, rows + kRun * runs, stride);
 }
 
 /// True if the vectors hold the largest sample.
@@ -260,7 +314,7 @@ constexpr bool fits_samples(Mox32s largest) {
   return largest == static_cast<T>(largest);
 }
 
-/// Filters the edges of a block in order, vertical ones by runs of edges that have something to do.
+/// Filters the edges of a block in order, vertical ones of luma by runs of edges that have something to do.
 template <EdgeForm kForm, auto kKernel, class T, class... Max>
 MoxStatus filter_block(T* block, Mox32s step, const T* alpha, const T* beta, const T* tc0, const Mox8u* bs,
                        Max... max) {
@@ -268,14 +322,14 @@ MoxStatus filter_block(T* block, Mox32s step, const T* alpha, const T* beta, con
     if (!fits_samples<T>(max...))
       return px::filter_block<kForm, px::filter_edge<kForm, T>>(block, step, alpha, beta, tc0, bs, max...);
   }
-  if constexpr (kForm.direction == Direction::kHorizontal)
+  if constexpr (kForm.direction == Direction::kHorizontal || !kForm.luma())
     return px::filter_block<kForm, kKernel>(block, step, alpha, beta, tc0, bs, max...);
   const auto off = [=](int e) { return load<Mox32u>(bs + e * kForm.bsRow) == 0; };
   for (int first = 0, end; first < kForm.edges; first = end) {
     end = first + 1;
     if (off(first)) continue;
     while (end < kForm.edges && !off(end)) ++end;
-    filter_columns<kForm>(block + 4 * first * kForm.channels, step, end - first, [=](T* edge, Mox32s across, int i) {
+    filter_columns<kForm>(block + 4 * first, step, end - first, [=](T* edge, Mox32s across, int i) {
       const int e = first + i;
       return kKernel(edge, across, alpha[e > 0], beta[e > 0], tc0 + 4 * e, bs + e * kForm.bsRow, e == 0, max...);
     });
@@ -283,17 +337,19 @@ MoxStatus filter_block(T* block, Mox32s step, const T* alpha, const T* beta, con
   return moxStsOk;
 }
 
-/// Filters the one edge of a mixed frame and field pair.
+/// Filters the one edge of a mixed frame and field pair. The four lines of chroma are not worth a vector.
 template <EdgeForm kForm, class T>
 MoxStatus filter_single_edge(T* edge, Mox32s step, Mox32u alpha, Mox32u beta, const T* tc0, const Mox8u* bs,
                              Mox32s max) {
   constexpr Mox32u kLargest = std::numeric_limits<T>::max();
-  if (!fits_samples<T>(max) || alpha > kLargest || beta > kLargest)
+  if (!kForm.luma() || !fits_samples<T>(max) || alpha > kLargest || beta > kLargest)
     return px::filter_single_edge<kForm>(edge, step, alpha, beta, tc0, bs, max);
   if (alpha == 0 || load<Mox32u>(bs) == 0) return moxStsOk;
-  filter_columns<kForm>(edge, step, 1, [=](T* columns, Mox32s across, int) {
-    return filter_edge<kForm>(columns, across, alpha, beta, tc0, bs, true, max);
-  });
+  if constexpr (kForm.luma()) {
+    filter_columns<kForm>(edge, step, 1, [=](T* columns, Mox32s across, int) {
+      return filter_edge<kForm>(columns, across, alpha, beta, tc0, bs, true, max);
+    });
+  }
   return moxStsOk;
 }
 

@@ -50,18 +50,22 @@ struct Transposition {
   static constexpr int B = kParts < kBlocks ? kParts : kBlocks;
   static constexpr int kCount = kBlockRows * kRowBytes / 16;  ///< registers
 
+  /// The columns of kBlockRows rows a block, one after the other.
+  static MOX_INLINE void load_columns(const Mox8u* rows, std::ptrdiff_t step, u8<B> (&r)[kCount]) {
+    const auto blocks = strips<B>(kBlockRows * step);
+    for (int i = 0; i < kCount; ++i) {
+      const Mox8u* const from = rows + i * (16 / kRowBytes) * step;
+      if constexpr (kRowBytes == 16) r[i] = load16<u8, B>(from, blocks);
+      if constexpr (kRowBytes == 8) r[i] = load8x2<u8, B>(from, step, blocks);
+      if constexpr (kRowBytes == 4) r[i] = load4x4<u8, B>(from, step, blocks);
+    }
+    interleave_rounds<kBytes, index_bits(kBlockRows)>(r);
+  }
   /// Columns of kRows elements, one after the other.
   static MOX_INLINE void to_columns(const Mox8u* rows, std::ptrdiff_t step, Mox8u* columns) {
-    const auto blocks = strips<B>(kBlockRows * step);
     for (int part = 0; part < kParts; part += B, rows += B * kBlockRows * step, columns += 16 * B) {
       u8<B> r[kCount];
-      for (int i = 0; i < kCount; ++i) {
-        const Mox8u* const from = rows + i * (16 / kRowBytes) * step;
-        if constexpr (kRowBytes == 16) r[i] = load16<u8, B>(from, blocks);
-        if constexpr (kRowBytes == 8) r[i] = load8x2<u8, B>(from, step, blocks);
-        if constexpr (kRowBytes == 4) r[i] = load4x4<u8, B>(from, step, blocks);
-      }
-      interleave_rounds<kBytes, index_bits(kBlockRows)>(r);
+      load_columns(rows, step, r);
       for (int i = 0; i < kCount; ++i) store_row(r[i], columns + 16 * kParts * i);
     }
   }
