@@ -1,6 +1,7 @@
 #include "frame/arguments.hpp"
 #include "frame/generation.hpp"
 #include "h264/deblock_px.hpp"
+#include "h264/deblock_vec.hpp"
 #include "moxvc/h264_deblock.h"
 
 using namespace mox;
