@@ -10,7 +10,7 @@ constexpr MoxiSize kSize = {256, 128};
 Mox8u* scene() {
   Mox8u* const samples = buffer<Mox8u>(256 * 128, 0, 8);
   for (int i = 0; i < 256 * 128; ++i) {
-    samples[i] = static_cast<Mox8u>(samples[i] + 40 + i % 256 / 4 + (i % 64 > 31 ? 90 : 0));
+    samples[i] = static_cast<Mox8u>(samples[i] + 40 + i % 256 / 4 + (i % 64 > 35 ? 90 : 0));
   }
   return samples;
 }
@@ -26,7 +26,7 @@ Row cast(MoxiSize size, const char* variant) {
               });
 }
 
-/// Thresholds tell how many blocks ring: all of them, or none.
+/// The threshold of edges tells how many blocks ring: three of eight, or none.
 Row mosquito(Mox32s edge, const char* variant) {
   return loop(MOX_FN(moxiFilterDenoiseMosquito_8u_C1R), variant,
               [=, state = static_cast<MoxiDenoiseMosquitoState*>(nullptr)](
@@ -39,8 +39,11 @@ Row mosquito(Mox32s edge, const char* variant) {
 }
 
 const Row kRows[] = {
-    cast(kSize, "256x128"),  cast({32, 128}, "32x128"),          cast({16, 128}, "16x128"),
-    mosquito(64, "256x128"), mosquito(255, "256x128, no edges"),
+    cast(kSize, "256x128"),
+    cast({32, 128}, "32x128"),
+    cast({16, 128}, "16x128"),
+    mosquito(64, "256x128, an edge in every eighth block"),
+    mosquito(255, "256x128, no edges"),
 };
 const Family kNoise("noise", kRows);
 

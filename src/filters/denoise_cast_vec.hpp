@@ -28,19 +28,29 @@ MOX_INLINE CastWords<B> cast_add(CastWords<B> sums, CastSamples<B> a, CastSample
   return {sums.low + maddubs(lo8(a, b), weights), sums.high + maddubs(hi8(a, b), weights)};
 }
 
+/// Neighbours of 16 samples where the row begins or ends with them.
+alignas(16) inline constexpr Mox8u kCastLeft[16] = {0, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14};
+alignas(16) inline constexpr Mox8u kCastRight[16] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 15};
+
 /// A row of the frame and how it differs from the previous result, each with its neighbours.
 template <int B>
 struct CastRow {
   CastSamples<B> left, middle, right, least, greatest, prev;
   CastWords<B> motion;
 
-  MOX_INLINE CastRow(const Mox8u* src, const Mox8u* previous) {
+  MOX_INLINE CastRow(const Mox8u* src, const Mox8u* previous, bool isFirst, bool isLast) {
     const auto load = [](const Mox8u* p) { return simd::load_row<simd::u8, B>(p); };
-    left = load(src - 1), middle = load(src), right = load(src + 1), prev = load(previous);
+    const auto left_of = [=](const Mox8u* p) {
+      return isFirst ? lookup(load(p), simd::table<simd::u8, B>(kCastLeft)) : load(p - 1);
+    };
+    const auto right_of = [=](const Mox8u* p) {
+      return isLast ? lookup(load(p), simd::table<simd::u8, B>(kCastRight)) : load(p + 1);
+    };
+    left = left_of(src), middle = load(src), right = right_of(src), prev = load(previous);
     least = min(left, min(middle, right)), greatest = max(left, max(middle, right));
     const auto zero = simd::zero<simd::s16, B>();
     motion = cast_add({zero, zero}, cast_difference(middle, prev), simd::zero<simd::u8, B>(), 1);
-    motion = cast_add(motion, cast_difference(left, load(previous - 1)), cast_difference(right, load(previous + 1)), 1);
+    motion = cast_add(motion, cast_difference(left, left_of(previous)), cast_difference(right, right_of(previous)), 1);
   }
 };
 
@@ -84,11 +94,12 @@ MOX_INLINE CastSamples<B> cast_samples(const CastRow<B>& above, const CastRow<B>
                        wide_hi(samples), wide_hi(here.prev)));
 }
 
-/// Columns x to x + 16 B - 1, none of them the first or the last.
-template <int B>
+/// Columns x to x + 16 B - 1; only a strip of one block may begin or end the row.
+template <int B, bool kFirst = false, bool kLast = false>
 void cast_strip(const CastFrame& frame, int x, const MoxiDenoiseCASTState& state) {
+  static_assert(B == 1 || !(kFirst || kLast));
   const auto row = [&](int y) {
-    return CastRow<B>(frame.src + y * frame.srcStep + x, frame.prev + y * frame.prevStep + x);
+    return CastRow<B>(frame.src + y * frame.srcStep + x, frame.prev + y * frame.prevStep + x, kFirst, kLast);
   };
   auto here = row(0), above = here;
   for (int y = 0; y < frame.size.height; ++y) {
@@ -98,25 +109,27 @@ void cast_strip(const CastFrame& frame, int x, const MoxiDenoiseCASTState& state
   }
 }
 
-/// All columns but the first and the last; the last strip begins where it has room.
+/// Columns 16 to width - 17, and some more: the last strip begins where it has room.
 template <int B>
-void cast_columns(const CastFrame& frame, const MoxiDenoiseCASTState& state) {
-  const int last = frame.size.width - 1 - 16 * B;
-  for (int x = 1; x < last; x += 16 * B) cast_strip<B>(frame, x, state);
-  cast_strip<B>(frame, last, state);
+void cast_middle(const CastFrame& frame, const MoxiDenoiseCASTState& state) {
+  const int width = frame.size.width;
+  for (int x = 16; x < width - 16; x += 16 * B) cast_strip<B>(frame, std::min(x, width - 1 - 16 * B), state);
 }
 
 inline MoxStatus ownFilterDenoiseCAST_8u(const CastFrame& frame, const MoxiDenoiseCASTState& state) {
-  const MoxiSize size = frame.size;
-  if (size.width < 16 + 2) return px::ownFilterDenoiseCAST_8u(frame, state);
-  if (size.width < 16 * simd::kBlocks + 2) {
-    cast_columns<1>(frame, state);
+  const int width = frame.size.width;
+  if (width < 16) return px::ownFilterDenoiseCAST_8u(frame, state);
+  if (width == 16) {
+    cast_strip<1, true, true>(frame, 0, state);
+    return moxStsOk;
+  }
+  cast_strip<1, true, false>(frame, 0, state);
+  if (width < 16 * simd::kBlocks + 2) {
+    cast_middle<1>(frame, state);
   } else {
-    cast_columns<simd::kBlocks>(frame, state);
+    cast_middle<simd::kBlocks>(frame, state);
   }
-  for (int y = 0; y < size.height; ++y) {
-    for (int x : {0, size.width - 1}) frame.dst[y * frame.dstStep + x] = px::cast_sample(frame, x, y, state);
-  }
+  cast_strip<1, false, true>(frame, width - 16, state);
   return moxStsOk;
 }
 

@@ -1,31 +1,53 @@
-/// Vector kernels of the mosquito-noise filter: two blocks beside each other, where the picture goes on for two columns
-/// on both sides; other blocks by the portable kernels.
+/// Vector kernels of the mosquito-noise filter: two whole blocks beside each other. Blocks that the picture or the
+/// region cuts by columns are left to the portable kernels.
 #pragma once
 
 #include <algorithm>
 
 #include "filters/denoise_mosquito_px.hpp"
 #include "frame/generation.hpp"
+#include "frame/table.hpp"
 #include "simd/vec.hpp"
 
 namespace mox::vec {
 
-/// Columns x to x + 15 of the source.
+/// Columns x to x + 15 of the source; kBorder if the picture has less than two more of them on a side.
+template <bool kBorder>
 struct MosquitoColumns {
   const MosquitoPictures& pictures;
   int x;
 
-  /// Row y, or the nearest one, moved by dx columns.
+  /// [dx + 2]: places of samples dx to the right, the first and the last standing for those outside.
+  alignas(16) static constexpr auto kMoved = make_table<5>([]<std::size_t I>() {
+    return make_table<16>([]<std::size_t N>() { return static_cast<Mox8u>(clip(int{N + I} - 2, 0, 15)); });
+  });
+
+  /// Row y, or the nearest one, moved by dx columns of -2..2.
   MOX_INLINE simd::u8<1> load(int y, int dx) const {
-    return {simd::raw16(pictures.src + clip(y, 0, pictures.size.height - 1) * pictures.srcStep + x + dx)};
+    const Mox8u* const row = pictures.src + clip(y, 0, pictures.size.height - 1) * pictures.srcStep;
+    if constexpr (kBorder) {
+      const int from = clip(x + dx, 0, pictures.size.width - 16), move = x + dx - from;
+      return lookup(simd::load_row<simd::u8, 1>(row + from), simd::table<simd::u8, 1>(&kMoved[std::size_t(move + 2)]));
+    }
+    return simd::load_row<simd::u8, 1>(row + x + dx);
   }
 };
+/// Calls body(columns) with the columns from x on.
+template <class Body>
+MOX_INLINE void with_columns(const MosquitoPictures& pictures, int x, Body body) {
+  if (x < 2 || x > pictures.size.width - 18) {
+    body(MosquitoColumns<true>{pictures, x});
+  } else {
+    body(MosquitoColumns<false>{pictures, x});
+  }
+}
 
 /// The least and the greatest of each sample and its neighbours in the row.
 struct MosquitoRow {
   simd::u8<1> least, greatest;
 
-  MOX_INLINE MosquitoRow(const MosquitoColumns& columns, int y) {
+  template <class Columns>
+  MOX_INLINE MosquitoRow(const Columns& columns, int y) {
     const auto left = columns.load(y, -1), middle = columns.load(y, 0), right = columns.load(y, 1);
     least = min(left, min(middle, right)), greatest = max(left, max(middle, right));
   }
@@ -36,11 +58,10 @@ MOX_INLINE simd::u8<1> mosquito_spread(const MosquitoRow& above, const MosquitoR
 /// All ones where a is at least b.
 MOX_INLINE simd::u8<1> mosquito_reaches(simd::u8<1> a, simd::u8<1> b) { return equal(max(a, b), a); }
 
-/// Kinds of the two blocks from column x on, rows top to bottom - 1.
-inline void mosquito_kinds(const MosquitoPictures& pictures, int x, int top, int bottom, Mox32s edge, Mox32s flat,
-                           Mox8u* kinds) {
+/// Kinds of two blocks, rows top to bottom - 1.
+template <class Columns>
+void mosquito_kinds(const Columns& columns, int top, int bottom, Mox32s edge, Mox32s flat, Mox8u* kinds) {
   using simd::as, simd::u16, simd::u8;
-  const MosquitoColumns columns{pictures, x};
   auto least = simd::splat<u8, 1>(255), greatest = simd::zero<u8, 1>(), active = greatest;
   MosquitoRow above(columns, top - 1), here(columns, top);
   for (int y = top; y < bottom; ++y) {
@@ -62,7 +83,8 @@ inline void mosquito_kinds(const MosquitoPictures& pictures, int x, int top, int
 }
 
 /// As px::mosquito_mean; sums of 16352 at most.
-MOX_INLINE simd::u8<1> mosquito_mean(const MosquitoColumns& columns, int y, Mox32s flat) {
+template <class Columns>
+MOX_INLINE simd::u8<1> mosquito_mean(const Columns& columns, int y, Mox32s flat) {
   using simd::shr, simd::splat;
   const auto middle = columns.load(y, 0), most = splat<simd::u8, 1>(flat - 1);
   auto low = splat<simd::s16, 1>(32), high = low;
@@ -83,11 +105,11 @@ MOX_INLINE simd::u8<1> mosquito_mean(const MosquitoColumns& columns, int y, Mox3
   return packus(shr<6>(low), shr<6>(high));
 }
 
-/// Columns x to x + 15 of rows top to bottom - 1; the left and the right block ring or not.
-inline void mosquito_filter(const MosquitoPictures& pictures, int x, int top, int bottom, bool left, bool right,
-                            Mox32s flat) {
+/// Rows top to bottom - 1; the left and the right block ring or not.
+template <class Columns>
+void mosquito_filter(const Columns& columns, int top, int bottom, bool left, bool right, Mox32s flat) {
   using simd::splat, simd::u8;
-  const MosquitoColumns columns{pictures, x};
+  const MosquitoPictures& pictures = columns.pictures;
   const auto ringing = lo64(splat<u8, 1>(left ? 255 : 0), splat<u8, 1>(right ? 255 : 0));
   MosquitoRow above(columns, top - 1), here(columns, top);
   for (int y = top; y < bottom; ++y) {
@@ -95,19 +117,22 @@ inline void mosquito_filter(const MosquitoPictures& pictures, int x, int top, in
     const auto samples = columns.load(y, 0);
     const auto smooth = andnot(mosquito_reaches(mosquito_spread(above, here, below), splat<u8, 1>(flat)), ringing);
     const auto mean = top_bits(smooth) ? mosquito_mean(columns, y, flat) : samples;
-    store_row((mean & smooth) | andnot(smooth, samples), pictures.dst + y * pictures.dstStep + x);
+    store_row((mean & smooth) | andnot(smooth, samples), pictures.dst + y * pictures.dstStep + columns.x);
     above = here, here = below;
   }
 }
 
-/// All blocks of an area: two(bx, by) where both lie whole in `columns` and the picture, else one(bx, by).
+/// All blocks of an area: two(bx, by) for those of them, and of samples, whose columns are all in the area of samples,
+/// else one(bx, by). Some may come twice.
 template <class Two, class One>
-MOX_INLINE void mosquito_by_two(const MosquitoArea& blocks, const MosquitoArea& columns, int width, Two two, One one) {
-  const int first = std::max(columns.left, 2), last = std::min(columns.right - 16, width - 18);
+MOX_INLINE void mosquito_by_two(const MosquitoArea& blocks, const MosquitoArea& samples, Two two, One one) {
+  const int first = (samples.left + 7) >> 3, behind = samples.right >> 3;
   for (int by = blocks.top; by < blocks.bottom; ++by) {
     for (int bx = blocks.left; bx < blocks.right;) {
-      if (8 * bx >= first && 8 * bx <= last && bx + 1 < blocks.right) {
-        two(bx, by), bx += 2;
+      if (bx >= first && bx < behind && behind - first >= 2) {
+        bx = std::min(bx, behind - 2);
+        two(bx, by);
+        bx += 2;
       } else {
         one(bx, by), ++bx;
       }
@@ -118,23 +143,27 @@ MOX_INLINE void mosquito_by_two(const MosquitoArea& blocks, const MosquitoArea& 
 inline MoxStatus ownFilterDenoiseMosquito_8u(const MosquitoPictures& pictures, const MosquitoArea& region,
                                              const MoxiDenoiseMosquitoState& state) {
   const MosquitoArea picture = area_of(pictures.size), blocks = region.blocks();
+  const MosquitoArea around = blocks.wider().cut(area_of(state.grid));
   const Mox32s flat = state.flat;
   mosquito_by_two(
-      blocks.wider().cut(area_of(state.grid)), picture, picture.right,
+      around, around.samples().cut(picture),
       [&](int bx, int by) {
         Mox8u* const kinds = state.kinds + by * state.grid.width + bx;
-        mosquito_kinds(pictures, 8 * bx, 8 * by, std::min(8 * by + 8, picture.bottom), state.edge, flat, kinds);
+        with_columns(pictures, 8 * bx, [&](const auto& columns) {
+          mosquito_kinds(columns, 8 * by, std::min(8 * by + 8, picture.bottom), state.edge, flat, kinds);
+        });
       },
       [&](int bx, int by) {
         const MosquitoArea block = mosquito_block(bx, by).cut(picture);
         state.kinds[by * state.grid.width + bx] = px::mosquito_kind(pictures, block, state.edge, flat);
       });
   mosquito_by_two(
-      blocks, region, picture.right,
+      blocks, region,
       [&](int bx, int by) {
         const MosquitoArea rows = mosquito_block(bx, by).cut(region);
-        mosquito_filter(pictures, 8 * bx, rows.top, rows.bottom, is_ringing(state, bx, by),
-                        is_ringing(state, bx + 1, by), flat);
+        const bool left = is_ringing(state, bx, by), right = is_ringing(state, bx + 1, by);
+        with_columns(pictures, 8 * bx,
+                     [&](const auto& columns) { mosquito_filter(columns, rows.top, rows.bottom, left, right, flat); });
       },
       [&](int bx, int by) {
         px::mosquito_filter(pictures, mosquito_block(bx, by).cut(region), is_ringing(state, bx, by), flat);
