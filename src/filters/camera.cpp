@@ -1,6 +1,7 @@
 #include <bit>
 
 #include "filters/camera_px.hpp"
+#include "filters/camera_vec.hpp"
 #include "frame/arguments.hpp"
 #include "frame/generation.hpp"
 

@@ -1,4 +1,5 @@
 #include "filters/denoise_cast_px.hpp"
+#include "filters/denoise_cast_vec.hpp"
 #include "frame/arguments.hpp"
 #include "frame/generation.hpp"
 #include "frame/state_record.hpp"

@@ -1,6 +1,7 @@
 #include <new>
 
 #include "filters/denoise_mosquito_px.hpp"
+#include "filters/denoise_mosquito_vec.hpp"
 #include "frame/arguments.hpp"
 #include "frame/generation.hpp"
 #include "frame/memory.hpp"

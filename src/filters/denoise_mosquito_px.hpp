@@ -41,13 +41,15 @@ struct MosquitoArea {
   }
   /// The blocks that hold any of these samples.
   constexpr MosquitoArea blocks() const { return {left >> 3, top >> 3, (right + 7) >> 3, (bottom + 7) >> 3}; }
+  /// The samples of these blocks.
+  constexpr MosquitoArea samples() const { return {8 * left, 8 * top, 8 * right, 8 * bottom}; }
   /// With the places around it.
   constexpr MosquitoArea wider() const { return {left - 1, top - 1, right + 1, bottom + 1}; }
   constexpr int size() const { return (right - left) * (bottom - top); }
 };
 constexpr MosquitoArea area_of(MoxiSize size) { return {0, 0, size.width, size.height}; }
 /// The samples of a block.
-constexpr MosquitoArea mosquito_block(int bx, int by) { return {8 * bx, 8 * by, 8 * bx + 8, 8 * by + 8}; }
+constexpr MosquitoArea mosquito_block(int bx, int by) { return MosquitoArea{bx, by, bx + 1, by + 1}.samples(); }
 
 /// True if the block is to be smoothed where it is flat.
 inline bool is_ringing(const MoxiDenoiseMosquitoState& state, int bx, int by) {
