@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <type_traits>
 
@@ -191,6 +192,7 @@ struct DeblockEdge {
   }
 
   /// Filters the lines from byte `first` of a row on. False if none passes the thresholds.
+  template <bool kStrong>
   MOX_INLINE bool filter(Lines& s, int first) const {
     const V b = deblock_splat<V>(beta);
     const V slope = max(deblock_distance(s.p[1], s.p[0]), deblock_distance(s.q[1], s.q[0]));
@@ -198,31 +200,34 @@ struct DeblockEdge {
     const V passed = min(room, spread<1>(quarters(active), first));
     if (is_zero(simd::as<simd::u16>(passed))) return false;
     const V off = equal(passed, deblock_splat<V>(0));
-    if (strong == 0) {
+    if constexpr (!kStrong) {
       deblock_normal(s, off, b, limits(first), largest);
-      return true;
+    } else {
+      const V strongLines = spread<1>(quarters(strong), first);
+      if (strong != 0xFFFFFFFF) deblock_normal(s, off | strongLines, b, limits(first), largest);
+      deblock_strong(s, andnot(off, strongLines), deblock_splat<V>((alpha >> 2) + 2), b);
     }
-    const V strongLines = spread<1>(quarters(strong), first);
-    if (strong != 0xFFFFFFFF) deblock_normal(s, off | strongLines, b, limits(first), largest);
-    deblock_strong(s, andnot(off, strongLines), deblock_splat<V>((alpha >> 2) + 2), b);
     return true;
   }
 
-  /// Lines side by side; `step` leads across the edge.
+  /// Lines side by side; `step` leads across the edge. Only the strong rule needs the samples farthest from it.
+  template <bool kStrong>
   static MOX_INLINE void load_rows(Lines& s, const T* q0, std::ptrdiff_t step) {
     const auto row = [](const T* p) -> V {
       if constexpr (kPart == 8) return {simd::raw8(p)};
       if constexpr (kPart >= 16) return {simd::load_row<simd::u8, B>(p).r};
     };
-    for (int k = 0; k < Lines::kReach; ++k) s.p[k] = row(q0 - (k + 1) * step), s.q[k] = row(q0 + k * step);
+    for (int k = 0; k < (kLuma && !kStrong ? 3 : Lines::kReach); ++k)
+      s.p[k] = row(q0 - (k + 1) * step), s.q[k] = row(q0 + k * step);
   }
-  MOX_INLINE void store_rows(const Lines& s, T* q0, std::ptrdiff_t step) const {
+  template <bool kStrong>
+  static MOX_INLINE void store_rows(const Lines& s, T* q0, std::ptrdiff_t step) {
     const auto row = [](V v, T* p) {
       if constexpr (kPart == 8) simd::raw_store8(p, v.r);
       if constexpr (kPart >= 16) simd::store_row(v, p);
     };
-    const int changed = !kLuma ? 1 : strong == 0 ? 2 : 3;
-    for (int k = 0; k < changed; ++k) row(s.p[k], q0 - (k + 1) * step), row(s.q[k], q0 + k * step);
+    for (int k = 0; k < (!kLuma ? 1 : !kStrong ? 2 : 3); ++k)
+      row(s.p[k], q0 - (k + 1) * step), row(s.q[k], q0 + k * step);
   }
 
   /// Chroma lines below each other; `step` leads from one to the next.
@@ -248,30 +253,34 @@ struct DeblockEdge {
   }
 };
 
-/// Filters one edge: a chroma edge where it is, a luma edge whose lines lie side by side, `step` leading across it.
-/// True if a line passed the thresholds.
-template <EdgeForm kForm, class T>
-bool filter_edge(T* edge, Mox32s step, Mox32u alpha, Mox32u beta, const T* tc0, const Mox8u* bs, bool outer,
-                 Mox32s largest) {
+template <bool kStrong, EdgeForm kForm, class T>
+MOX_INLINE bool filter_edge_lines(const DeblockEdge<kForm, T>& rule, T* edge, Mox32s step) {
   using Edge = DeblockEdge<kForm, T>;
-  const Mox32u strong = deblock_strong_quarters<kForm>(bs, outer);
-  const Edge rule = {static_cast<int>(alpha), static_cast<int>(beta), tc0, strong, load<Mox32u>(bs) | strong, largest};
   bool any = false;
   for (int first = 0; first < Edge::kBytes; first += Edge::kPart) {
     typename Edge::Lines s;
     if constexpr (Edge::kTransposed) {
       T* const q0 = edge + first / Edge::kSample * std::ptrdiff_t{step};
       Edge::load_columns(s, q0, step);
-      if (rule.filter(s, first)) Edge::store_columns(s, q0, step);
+      if (rule.template filter<kStrong>(s, first)) Edge::store_columns(s, q0, step);
     } else {
       T* const q0 = edge + first / static_cast<int>(sizeof(T));
-      Edge::load_rows(s, q0, step);
-      if (!rule.filter(s, first)) continue;
-      rule.store_rows(s, q0, step);
+      Edge::template load_rows<kStrong>(s, q0, step);
+      if (!rule.template filter<kStrong>(s, first)) continue;
+      Edge::template store_rows<kStrong>(s, q0, step);
       any = true;
     }
   }
   return any;
+}
+/// Filters one edge: a chroma edge where it is, a luma edge whose lines lie side by side, `step` leading across it.
+/// True if a line of luma passed the thresholds.
+template <EdgeForm kForm, class T>
+bool filter_edge(T* edge, Mox32s step, Mox32u alpha, Mox32u beta, const T* tc0, const Mox8u* bs, bool outer,
+                 Mox32s largest) {
+  const Mox32u strong = deblock_strong_quarters<kForm>(bs, outer), active = load<Mox32u>(bs) | strong;
+  const DeblockEdge<kForm, T> rule = {static_cast<int>(alpha), static_cast<int>(beta), tc0, strong, active, largest};
+  return strong == 0 ? filter_edge_lines<false>(rule, edge, step) : filter_edge_lines<true>(rule, edge, step);
 }
 
 /// The edge kernels of the 8-bit 4:2:0 forms.
@@ -290,7 +299,7 @@ inline constexpr auto deblocking_chroma_horz_edge_nv12_h264_sse2 = &filter_edge_
 /// Filters `count` vertical luma edges that follow each other; `filter(edge, step, i)` filters edge i of them in the
 /// buffer. Exactly the samples of these edges are read: four columns to the left of each, and four behind the last.
 template <EdgeForm kForm, class T, class Filter>
-[[gnu::noinline]] void filter_columns(T* edge, Mox32s step, int count, Filter filter) {
+MOX_INLINE void filter_columns(T* edge, Mox32s step, int count, Filter filter) {
   using Eight = simd::Transposition<kForm.lines, 8, sizeof(T)>;
   using Four = simd::Transposition<kForm.lines, 4, sizeof(T)>;
   alignas(32) T buffer[kForm.lines * (4 * kForm.edges + 4)];
@@ -314,16 +323,10 @@ constexpr bool fits_samples(Mox32s largest) {
   return largest == static_cast<T>(largest);
 }
 
-/// Filters the edges of a block in order, vertical ones of luma by runs of edges that have something to do.
+/// Filters vertical luma edges by runs of edges that have something to do.
 template <EdgeForm kForm, auto kKernel, class T, class... Max>
-MoxStatus filter_block(T* block, Mox32s step, const T* alpha, const T* beta, const T* tc0, const Mox8u* bs,
-                       Max... max) {
-  if constexpr (sizeof...(max) == 1) {
-    if (!fits_samples<T>(max...))
-      return px::filter_block<kForm, px::filter_edge<kForm, T>>(block, step, alpha, beta, tc0, bs, max...);
-  }
-  if constexpr (kForm.direction == Direction::kHorizontal || !kForm.luma())
-    return px::filter_block<kForm, kKernel>(block, step, alpha, beta, tc0, bs, max...);
+[[gnu::noinline]] MoxStatus filter_runs(T* block, Mox32s step, const T* alpha, const T* beta, const T* tc0,
+                                        const Mox8u* bs, Max... max) {
   const auto off = [=](int e) { return load<Mox32u>(bs + e * kForm.bsRow) == 0; };
   for (int first = 0, end; first < kForm.edges; first = end) {
     end = first + 1;
@@ -335,6 +338,22 @@ MoxStatus filter_block(T* block, Mox32s step, const T* alpha, const T* beta, con
     });
   }
   return moxStsOk;
+}
+
+/// Filters the edges of a block in order.
+template <EdgeForm kForm, auto kKernel, class T, class... Max>
+MoxStatus filter_block(T* block, Mox32s step, const T* alpha, const T* beta, const T* tc0, const Mox8u* bs,
+                       Max... max) {
+  if constexpr (sizeof...(max) == 1) {
+    if (!fits_samples<T>(max...))
+      return px::filter_block<kForm, px::filter_edge<kForm, T>>(block, step, alpha, beta, tc0, bs, max...);
+  }
+  if constexpr (kForm.direction == Direction::kHorizontal || !kForm.luma()) {
+    return px::filter_block<kForm, kKernel>(block, step, alpha, beta, tc0, bs, max...);
+  } else {
+    if ((load<std::uint64_t>(bs) | load<std::uint64_t>(bs + 8)) == 0) return moxStsOk;
+    return filter_runs<kForm, kKernel>(block, step, alpha, beta, tc0, bs, max...);
+  }
 }
 
 /// Filters the one edge of a mixed frame and field pair. The four lines of chroma are not worth a vector.
