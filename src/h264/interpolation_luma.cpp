@@ -1,5 +1,6 @@
 #include "frame/arguments.hpp"
 #include "frame/generation.hpp"
+#include "h264/interpolation_luma_high_vec.hpp"
 #include "h264/interpolation_luma_vec.hpp"
 #include "moxvc/h264_interpolation.h"
 
