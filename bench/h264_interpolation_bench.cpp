@@ -26,9 +26,12 @@ std::vector<Row> luma_rows() {
                           kStep, kDst_8u, 16, dx, dy, MoxiSize{size, size}));
     }
   }
-  for (auto [dx, dy] : {std::pair{0, 0}, {2, 0}, {0, 2}, {1, 1}, {2, 2}}) {
-    auto* region = new MoxiInterpRegion_16u{kSource_16u + kBlock, kStep, kDst_16u, 16, dx, dy, 16, 16, 10};
-    rows.push_back(call(MOX_FN(moxiInterpolateLuma_H264_16u_C1R), variant(16, 16, dx, dy), region));
+  for (auto [size, depth] : {std::pair{8, 10}, {16, 10}, {16, 16}}) {
+    for (auto [dx, dy] : {std::pair{0, 0}, {2, 0}, {0, 2}, {1, 1}, {2, 2}}) {
+      auto* region = new MoxiInterpRegion_16u{kSource_16u + kBlock, kStep, kDst_16u, 16, dx, dy, size, size, depth};
+      rows.push_back(call(MOX_FN(moxiInterpolateLuma_H264_16u_C1R),
+                          variant(size, size, dx, dy) + " depth " + std::to_string(depth), region));
+    }
   }
   return rows;
 }

@@ -1,6 +1,7 @@
 #include "frame/arguments.hpp"
 #include "frame/generation.hpp"
 #include "h264/interpolation_chroma.hpp"
+#include "h264/interpolation_luma_high_vec.hpp"
 #include "h264/interpolation_luma_vec.hpp"
 #include "h264/placed_block.hpp"
 #include "moxvc/h264_interpolation.h"

@@ -1,5 +1,6 @@
 #include "frame/arguments.hpp"
 #include "frame/generation.hpp"
+#include "h264/interpolation_luma_high_vec.hpp"
 #include "h264/interpolation_luma_vec.hpp"
 #include "moxvc/h264_interpolation.h"
 
@@ -16,6 +17,7 @@ InterpKernel<Mox16u> kernel_16u(const MoxiInterpRegion_16u& r) {
   return active::InterpolFnTbl_16u[luma_position_by_column(r.dx, r.dy)];
 }
 
+/// A block with the width that is written, which the ways across the picture edges copy.
 MoxiInterpKernelArgs<Mox8u> block_of(const Mox8u* src, Mox32s srcStep, Mox8u* dst, Mox32s dstStep, Mox32s dx, Mox32s dy,
                                      MoxiSize size) {
   return block_8u(src, srcStep, dst, dstStep, dx, dy, luma_width_8u(size.width), size.height);
@@ -33,7 +35,8 @@ MoxStatus moxiInterpolateLuma_H264_8u_C1R(const Mox8u* pSrc, Mox32s srcStep, Mox
   if (any_null(pSrc, pDst)) return moxStsNullPointer;
   if (outside(dx | dy, 0, 3)) return moxStsBadArg;
   if (!is_luma_size_8u(roiSize)) return moxStsBadSize;
-  return kernel_8u(roiSize, dx, dy)(block_of(pSrc, srcStep, pDst, dstStep, dx, dy, roiSize));
+  // The kernel itself knows its width.
+  return kernel_8u(roiSize, dx, dy)(block_8u(pSrc, srcStep, pDst, dstStep, dx, dy, roiSize.width, roiSize.height));
 }
 
 MoxStatus moxiInterpolateLumaTop_H264_8u_C1R(const Mox8u* pSrc, Mox32s srcStep, Mox8u* pDst, Mox32s dstStep, Mox32s dx,

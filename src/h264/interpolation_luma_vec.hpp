@@ -139,7 +139,7 @@ class LumaSumsDown {
   Bytes first_, second_, third_, fourth_, last_;  ///< pairs of rows -2 and -1 to 1 and 2, and row 2
 };
 
-/// `height` rows, 16 at most, of a block as wide as the shape.
+/// `height` rows of a block as wide as the shape: 16 at most for positions with the centre half sample.
 template <LumaPosition kPosition, class Shape>
 MOX_INLINE void interpolate_luma_part(const Mox8u* src, std::ptrdiff_t step, Mox8u* dst, std::ptrdiff_t dstStep,
                                       int height) {
@@ -174,26 +174,54 @@ MOX_INLINE void interpolate_luma_part(const Mox8u* src, std::ptrdiff_t step, Mox
   }
 }
 
-/// Interpolates a block W columns wide. Blocks higher than 16 rows are done in parts.
+/// Interpolates a block W columns wide. Where rows of sums are kept, blocks higher than 16 rows are done in parts.
 template <int W, LumaPosition kPosition>
 MoxStatus interpolate_luma_8u(const MoxiInterpKernelArgs<Mox8u>& a) {
   constexpr int B = W == 4 ? 1 : simd::kBlocks, kColumns = W == 16 && B == 1 ? 8 : W;
   const std::ptrdiff_t step = a.srcStep, dstStep = a.dstStep;
   const Mox8u* src = a.pSrc;
   Mox8u* dst = a.pDst;
-  for (int left = a.height; left > 0; left -= kLocalHeight, src += kLocalHeight * step, dst += kLocalHeight * dstStep) {
+  const auto run = [&](int height) {
     for (int x = 0; x < W; x += kColumns)
-      interpolate_luma_part<kPosition, LumaShape<kColumns, B>>(src + x, step, dst + x, dstStep,
-                                                               std::min(left, kLocalHeight));
+      interpolate_luma_part<kPosition, LumaShape<kColumns, B>>(src + x, step, dst + x, dstStep, height);
+  };
+  if constexpr (kPosition.has(LumaSample::kJ)) {
+    for (int left = a.height; left > 0; left -= kLocalHeight) {
+      run(std::min(left, kLocalHeight));
+      src += kLocalHeight * step, dst += kLocalHeight * dstStep;
+    }
+  } else {
+    run(a.height);
   }
   return moxStsOk;
 }
 
+/// Copies a block W columns wide, four rows at a time.
+template <int W>
+MoxStatus copy_luma_8u(const MoxiInterpKernelArgs<Mox8u>& a) {
+  const std::ptrdiff_t step = a.srcStep, dstStep = a.dstStep;
+  const Mox8u* src = a.pSrc;
+  Mox8u* dst = a.pDst;
+  const auto copy = [](const Mox8u* from, Mox8u* to) {
+    if constexpr (W == 16)
+      simd::store_row(simd::load_row<simd::u8, 1>(from), to);
+    else
+      simd::store_rows<W, 1>(simd::load_rows<W, 1>(from, 0), to, 0);
+  };
+  for (int y = a.height; y > 0; y -= 4, src += 4 * step, dst += 4 * dstStep) {
+    for (int i = 0; i < 4; ++i) copy(src + i * step, dst + i * dstStep);
+  }
+  return moxStsOk;
+}
+
+/// Width of a row of luma_index_8u.
+constexpr int luma_row_width(std::size_t row) { return row == 0 ? 4 : row == 1 ? 8 : 16; }
+
 /// [row of luma_index_8u | dy * 4 | dx]; rows of widths 4, 8, 16, 16
 inline constexpr auto h264_interpolate_luma_type_table_8u_v8u8 =
     make_table<64>([]<std::size_t I>() -> InterpKernel<Mox8u> {
-      if constexpr (I % 16 == 0) return px::h264_interpolate_luma_type_table_8u_v8u8[I];
-      return &interpolate_luma_8u<(I / 16 == 0 ? 4 : I / 16 == 1 ? 8 : 16), luma_points::kPositions[I % 16]>;
+      if constexpr (I % 16 == 0) return &copy_luma_8u<luma_row_width(I / 16)>;
+      return &interpolate_luma_8u<luma_row_width(I / 16), luma_points::kPositions[I % 16]>;
     });
 
 }  // namespace mox::vec

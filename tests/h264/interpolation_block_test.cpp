@@ -134,7 +134,7 @@ class InterpolationBlock : public PerGeneration {
     each([&]<class T>(const BlockForm<T>& form) {
       int count = 0;
       for (MoxiSize size : form.sizes())
-        visit(form, BlockCase{frame, size, {}, {}, sizeof(T) == 1 ? 8 : 8 + count++ % 7});
+        visit(form, BlockCase{frame, size, {}, {}, sizeof(T) == 1 ? 8 : 8 + count++ % 9});
     });
   }
 };

@@ -122,7 +122,7 @@ void check_all(const Library& lib, std::span<const MoxiSize> sizes) {
           if (form == Form::kPlain && out > 1) break;
           if (form == Form::kTop && out < 0 && sizeof(T) == 1 && !Family::kNegativeTop_8u) continue;
           c.form = form, c.out = out;
-          c.depth = sizeof(T) == 1 ? 8 : 8 + count % 7;
+          c.depth = sizeof(T) == 1 ? 8 : 8 + count % 9;
           c.content = Content(count / 2 % 3), c.atEnd = count % 2;
           c.extra = count % 5 == 0 ? 0 : count % 31, c.upsideDown = sizeof(T) == 1 && count % 3 == 0;
           check<Family, T>(lib, c, random);

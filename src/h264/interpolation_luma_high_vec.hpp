@@ -1,0 +1,181 @@
+/// Vector kernels of H.264 luma interpolation, 16-bit.
+///
+/// The arithmetic goes by the bit depth. Words hold half samples along one axis of up to 14 bits, and sums for the
+/// centre half sample of up to 10 bits; anything deeper is done in doublewords. One body over the positions' data
+/// serves both.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+
+#include "frame/generation.hpp"
+#include "h264/interpolation_luma_px.hpp"
+#include "simd/vec.hpp"
+
+namespace mox::vec {
+
+/// Pairs of taps of one weight, added: 1, -5 and 20.
+template <class Vector>
+struct LumaTaps {
+  Vector outer, middle, inner;
+};
+template <class At>
+MOX_INLINE auto luma_taps(At at) {
+  return LumaTaps<decltype(at(0))>{at(-2) + at(3), at(-1) + at(2), at(0) + at(1)};
+}
+
+/// 8 words a block: a strip of 8 columns, or two of 4. Strips lie one below the other, `gap` bytes apart.
+template <int kColumns, int Blocks>
+struct LumaWords {
+  static constexpr int B = Blocks, kStrips = kColumns == 4 ? 2 * B : B;
+  using Vector = simd::s16<B>;
+
+  MOX_INLINE static Vector load(const Mox16u* p, std::ptrdiff_t gap) {
+    if constexpr (kColumns == 4)
+      return simd::load8x2<simd::s16, B>(p, gap, simd::strips<B>(2 * gap));
+    else
+      return simd::load16<simd::s16, B>(p, simd::strips<B>(gap));
+  }
+  MOX_INLINE static void store(Vector v, Mox16u* p, std::ptrdiff_t gap) {
+    if constexpr (kColumns == 4)
+      simd::store8x2(v, p, gap, simd::strips<B>(2 * gap));
+    else
+      simd::store16(v, p, simd::strips<B>(gap));
+  }
+  MOX_INLINE static Vector limit(Vector v, Mox32s max) {
+    return simd::min(simd::max(v, simd::zero<simd::s16, B>()), simd::splat<simd::s16, B>(max));
+  }
+  MOX_INLINE static Vector mean(Vector a, Vector b) {
+    return simd::as<simd::s16>(avg(simd::as<simd::u16>(a), simd::as<simd::u16>(b)));
+  }
+  /// Half samples along one axis, up to 14 bits: taps are 32766 at most. Divided by 16 in two steps, which come to
+  /// -40958..40957 between and at the end; what saturates there is outside the samples' range by then.
+  MOX_INLINE static Vector half(const LumaTaps<Vector>& t) {
+    const Vector between = adds(t.inner - t.middle, simd::shr<2>(t.outer - t.middle));
+    const Vector sixteenth = adds(simd::shr<2>(between), t.inner);
+    return mean(simd::max(sixteenth, simd::zero<simd::s16, B>()), simd::zero<simd::s16, B>());
+  }
+  /// Sums of taps less 16384, up to 10 bits: -26614..26582. Wraps on the way.
+  MOX_INLINE static Vector sum(const LumaTaps<Vector>& t) {
+    const Vector fifth = simd::shl<2>(t.inner) - t.middle;
+    return t.outer + simd::shl<2>(fifth) + fifth - simd::splat<simd::s16, B>(16384);
+  }
+  MOX_INLINE static Vector half_of_sum(Vector sum) {
+    return simd::shr<5>(sum + simd::splat<simd::s16, B>(16)) + simd::splat<simd::s16, B>(512);
+  }
+  /// Centre half samples from the sums of six rows, and 32 times what these lack.
+  MOX_INLINE static Vector centre(const Vector* sums) {
+    const auto weights = [](int first, int second) {
+      return simd::as<simd::s16>(simd::splat<simd::s32, B>((first & 0xFFFF) | shl32(second, 16)));
+    };
+    const auto bias = simd::splat<simd::s32, B>(32 * 16384 + 512);
+    const auto low = madd(lo16(sums[0], sums[1]), weights(1, -5)) + madd(lo16(sums[2], sums[3]), weights(20, 20)) +
+                     madd(lo16(sums[4], sums[5]), weights(-5, 1)) + bias;
+    const auto high = madd(hi16(sums[0], sums[1]), weights(1, -5)) + madd(hi16(sums[2], sums[3]), weights(20, 20)) +
+                      madd(hi16(sums[4], sums[5]), weights(-5, 1)) + bias;
+    return packs(simd::shr<10>(low), simd::shr<10>(high));
+  }
+};
+
+/// 4 doublewords a block: a strip of 4 columns. Sums of sums are 115,603,740 at most.
+template <int Blocks>
+struct LumaDoublewords {
+  static constexpr int B = Blocks, kStrips = B;
+  using Vector = simd::s32<B>;
+
+  MOX_INLINE static Vector load(const Mox16u* p, std::ptrdiff_t gap) {
+    return wide_lo(simd::load8<simd::u16, B>(p, simd::strips<B>(gap)));
+  }
+  MOX_INLINE static void store(Vector v, Mox16u* p, std::ptrdiff_t gap) {
+    simd::store8(packus(v, v), p, simd::strips<B>(gap));
+  }
+  MOX_INLINE static Vector limit(Vector v, Mox32s max) {
+    return simd::min(simd::max(v, simd::zero<simd::s32, B>()), simd::splat<simd::s32, B>(max));
+  }
+  MOX_INLINE static Vector mean(Vector a, Vector b) { return simd::shr<1>(a + b + simd::splat<simd::s32, B>(1)); }
+  MOX_INLINE static Vector sum(const LumaTaps<Vector>& t) {
+    const Vector fifth = simd::shl<2>(t.inner) - t.middle;
+    return t.outer + simd::shl<2>(fifth) + fifth;
+  }
+  MOX_INLINE static Vector half_of_sum(Vector sum) { return simd::shr<5>(sum + simd::splat<simd::s32, B>(16)); }
+  MOX_INLINE static Vector half(const LumaTaps<Vector>& t) { return half_of_sum(sum(t)); }
+  MOX_INLINE static Vector centre(const Vector* sums) {
+    const Vector v = sum(luma_taps([sums](int i) { return sums[i + 2]; }));
+    return simd::shr<10>(v + simd::splat<simd::s32, B>(512));
+  }
+};
+
+/// `height` rows, 16 at most, of the columns that the lanes take.
+template <LumaPosition kPosition, class Lanes>
+MOX_INLINE void interpolate_luma_lanes(const Mox16u* src, std::ptrdiff_t step, Mox16u* dst, std::ptrdiff_t dstStep,
+                                       int height, Mox32s max) {
+  constexpr bool kCentre = kPosition.has(LumaSample::kJ);
+  const int rows = height / Lanes::kStrips;
+  const std::ptrdiff_t gap = 2 * rows * step, dstGap = 2 * rows * dstStep;
+  const auto taps = [gap](const Mox16u* p, std::ptrdiff_t distance) {
+    return luma_taps([=](int i) { return Lanes::load(p + i * distance, gap); });
+  };
+  typename Lanes::Vector sums[kCentre ? kLocalRows : 1];  // across, from two rows above the block on
+  if constexpr (kCentre) {
+    const Mox16u* p = src - 2 * step;
+    for (int y = 0; y < rows + 5; ++y, p += step) sums[y] = Lanes::sum(taps(p, 1));
+  }
+  const auto value = [&]<LumaPoint kPoint>(int y) {
+    const Mox16u* const p = src + kPoint.right + kPoint.down * step;
+    if constexpr (kPoint.sample == LumaSample::kG) return Lanes::load(p, gap);
+    if constexpr (kPoint.sample == LumaSample::kB && !kCentre) return Lanes::limit(Lanes::half(taps(p, 1)), max);
+    if constexpr (kPoint.sample == LumaSample::kB && kCentre)
+      return Lanes::limit(Lanes::half_of_sum(sums[y + 2 + kPoint.down]), max);
+    if constexpr (kPoint.sample == LumaSample::kH) return Lanes::limit(Lanes::half(taps(p, step)), max);
+    if constexpr (kPoint.sample == LumaSample::kJ) return Lanes::limit(Lanes::centre(sums + y), max);
+  };
+  for (int y = 0; y < rows; ++y, src += step, dst += dstStep) {
+    auto samples = value.template operator()<kPosition.u>(y);
+    if constexpr (kPosition.v.sample != LumaSample::kNone)
+      samples = Lanes::mean(samples, value.template operator()<kPosition.v>(y));
+    Lanes::store(samples, dst, dstGap);
+  }
+}
+
+/// Greatest bit depth that words do for a position.
+constexpr Mox32s luma_word_depth(const LumaPosition& position) {
+  if (position.has(LumaSample::kJ)) return 10;
+  return position.has(LumaSample::kB) || position.has(LumaSample::kH) ? 14 : 16;
+}
+
+/// Interpolates a block of any width that is a multiple of 4, 16 rows at a time.
+template <LumaPosition kPosition>
+MoxStatus interpolate_luma_16u(const MoxiInterpKernelArgs<Mox16u>& a) {
+  constexpr int B = simd::kBlocks;
+  const std::ptrdiff_t step = a.srcStep, dstStep = a.dstStep;
+  const int width = a.width;
+  const Mox32s depth = a.bitDepth, max = sample_max(depth);
+  const Mox16u* src = a.pSrc;
+  Mox16u* dst = a.pDst;
+  for (int left = a.height; left > 0; left -= kLocalHeight, src += kLocalHeight * step, dst += kLocalHeight * dstStep) {
+    const int height = std::min(left, kLocalHeight);
+    int x = 0;
+    const auto run = [&]<class Lanes>(int columns, Lanes) {
+      for (; x + columns <= width; x += columns)
+        interpolate_luma_lanes<kPosition, Lanes>(src + x, step, dst + x, dstStep, height, max);
+    };
+    if (depth <= luma_word_depth(kPosition)) {
+      run(8, LumaWords<8, B>{});
+      run(4, LumaWords<4, B>{});
+    } else {
+      run(4, LumaDoublewords<B>{});
+    }
+  }
+  return moxStsOk;
+}
+
+/// [dy * 4 | dx], any width
+inline constexpr auto h264_interpolate_luma_type_table_16u_pxmx = make_table<16>(
+    []<std::size_t I>() -> InterpKernel<Mox16u> { return &interpolate_luma_16u<luma_points::kPositions[I]>; });
+
+/// [dx * 4 | dy], any width
+inline constexpr auto InterpolFnTbl_16u = make_table<16>([]<std::size_t I>() -> InterpKernel<Mox16u> {
+  return h264_interpolate_luma_type_table_16u_pxmx[luma_position(I / 4, I % 4)];
+});
+
+}  // namespace mox::vec
