@@ -69,7 +69,7 @@ void draw(const Plane<Mox8u>& plane, int edge, int flat, Random& random) {
 
 TEST_P(DenoiseMosquito, EqualsOracle) {
   Random random;
-  int smoothed = 0, textures = 0, away = 0;
+  std::ptrdiff_t smoothed = 0, textures = 0, away = 0;
   for (int round = 0; round < 250; ++round) {
     const MoxiSize size = {random(1, round % 3 ? 40 : 100), random(1, 36)};
     const int extra = random(0, 9), step = round % 5 ? size.width + extra : -size.width - extra;
