@@ -41,7 +41,7 @@ TEST_P(DenoiseCast, EqualsOracle) {
   Random random;
   std::array<int, 17> spatial{}, temporal{};  // how often each weight was met
   for (int round = 0; round < 500; ++round) {
-    const int width = random(1, round % 3 ? 24 : 90), height = random(1, 9), extra = random(0, 2);
+    const int width = random(1, round % 4 ? 36 : 90), height = random(1, 9), extra = random(0, 2);
     const Placement placement = kPlacements[round % 3];
     const int step = round % 5 ? width + extra : -width - extra, noise = random(1, 32);
     const Plane<Mox8u> src(width, height, step, placement), prev(width, height, width + extra, placement);
@@ -96,6 +96,8 @@ TEST_P(DenoiseCast, LiteralSamples) {
       {4, 16, 0, {100, 100, 100, 100, 113, 100, 100, 100, 100}, 100, 113},  // and 13 is not
       // e = 24: a = (8 * 256) >> 8. s = (1600 + 12 - 132 + 8) >> 4 = 93, f = (8 * 93 + 8 * 100 + 8) >> 4
       {4, 16, 0, {88, 88, 88, 88, 100, 88, 88, 88, 112}, 100, 97},
+      // e = 131: a = (125 * 32) >> 8 = 15, s = (400 + 341 + 162 + 8) >> 4 = 56, f = (15 * 56 + 100 + 8) >> 4
+      {32, 16, 0, {31, 31, 31, 31, 100, 31, 31, 31, 162}, 100, 59},
       // m = 72: (24 * 86) >> 8 = 8, t = 12 * 8 >> 4 = 6: (6 * 92 + 10 * 100 + 8) >> 4
       {4, 16, 12, {100, 100, 100, 100, 100, 100, 100, 100, 100}, 92, 97},
       // m = 90: t = 12 * (516 >> 8) >> 4 = 1: (90 + 15 * 100 + 8) >> 4

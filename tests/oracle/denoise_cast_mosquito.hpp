@@ -60,7 +60,7 @@ inline int mean_of_near(const std::vector<int>& samples, const std::vector<int>&
 /// Sixteenths: all of `most` up to half of `end`, none from `end` on.
 inline int cast_sixteenths(int value, int end, int most) {
   if (value >= end) return 0;
-  const double slope = std::ceil(4096.0 / (end / 2 * 4) * 4 - 1e-9), share = std::floor((end - value) * slope / 256.0);
+  const double slope = std::ceil(4096.0 / (end / 2)), share = std::floor((end - value) * slope / 256.0);
   return static_cast<int>(std::floor(most * std::min(16.0, share) / 16.0));
 }
 
