@@ -14,6 +14,11 @@ file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/moxvc.map
   CONTENT "{\n  global:\n    @moxvc_export_lines@\n  local:\n    *;\n};\n" @ONLY)
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/exports.txt)
 
+# The one file with a parallel loop, and its runtime.
+find_package(OpenMP REQUIRED COMPONENTS CXX)
+set_source_files_properties(${CMAKE_SOURCE_DIR}/src/filters/lowpass.cpp PROPERTIES
+  COMPILE_OPTIONS "${OpenMP_CXX_FLAGS}")
+
 function(moxvc_add_generation generation)
   if(NOT DEFINED moxvc_march_${generation})
     message(FATAL_ERROR "unknown generation '${generation}': choose from e9, px, v3")
@@ -29,7 +34,7 @@ function(moxvc_add_generation generation)
   target_compile_options(${target} PRIVATE -march=${moxvc_march_${generation}} -ffp-contract=off
     $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics>
     -fno-semantic-interposition -fno-plt)
-  target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:moxvc_options> moxcore)
+  target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:moxvc_options> moxcore ${OpenMP_CXX_LIBRARIES})
   target_link_options(${target} PRIVATE
     -Wl,--version-script=${CMAKE_BINARY_DIR}/moxvc.map -Wl,-soname,libmoxvc.so.6
     -Wl,-z,relro,-z,now -Wl,--as-needed -Wl,-Bsymbolic)

@@ -11,7 +11,9 @@ dynamic() { sed -n "s/^ *0x[0-9a-f]* ($1) *//p" <<<"$dynamic"; }
 # size_of SECTION: in bytes, 0 if there is no such section.
 size_of() { awk -v name="$1" '$1 == name { size = $5 } END { print "0x0" size }' <<<"$sections"; }
 
-check 'needed libraries' $'Shared library: [libc.so.6]\nShared library: [libmoxcore.so.6]' "$(dynamic NEEDED | sort)"
+# The OpenMP runtime is that of the compiler, clang's or GCC's.
+check 'needed libraries' $'Shared library: [OpenMP]\nShared library: [libc.so.6]\nShared library: [libmoxcore.so.6]' \
+  "$(dynamic NEEDED | sed -E 's/lib(omp\.so\.5|gomp\.so\.1)/OpenMP/' | sort)"
 check 'name' 'Library soname: [libmoxvc.so.6]' "$(dynamic SONAME)"
 # shellcheck disable=SC2016
 check_match 'places of the core library' 'Library runpath: \[\$ORIGIN[^:]*(:\$ORIGIN[^:]*)*\]' "$(dynamic RUNPATH)"
@@ -22,7 +24,8 @@ check 'tables of pointers made read-only' 1 "$(readelf -lW "$library" | grep -c 
 check 'stack without the right to execute' 'RW' "$(readelf -lW "$library" | awk '$1 == "GNU_STACK" { print $7 }')"
 
 check 'foreign imports' '' "$(nm -D --undefined-only "$library" | awk '$1 == "U" { sub(/@.*/, "", $2); print $2 }' |
-  grep -vxE 'moxMalloc|moxFree|moxGetMaxCacheSizeB|ownGetNumThreads|memcpy|memmove|memset' || true)"
+  grep -vxE 'moxMalloc|moxFree|moxGetMaxCacheSizeB|ownGetNumThreads|memcpy|memmove|memset|omp_get_(num_threads|thread_num)|__kmpc_.*|GOMP_parallel' ||
+  true)"
 check 'imports of the loader' '' "$(nm -D --undefined-only "$library" | awk '$1 != "U" { sub(/@.*/, "", $2); print $2 }' |
   grep -vxE '_ITM_(de)?registerTMCloneTable|__cxa_finalize|__gmon_start__' || true)"
 
