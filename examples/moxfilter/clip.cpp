@@ -56,12 +56,11 @@ FramePtr add_noise(const Frame& clean, int deviation, std::mt19937& random) {
 std::shared_ptr<Frame> blank_like(const Frame& frame) {
   const moxdec::FrameFormat& format = frame.format();
   // Whole samples of chroma, whatever its shifts.
-  return std::make_shared<Frame>(
-      format, moxdec::FrameLayout{(format.width + 3) / 4 * 4, (format.height + 1) / 2 * 2, 0, 0, 0});
+  return std::make_shared<Frame>(format,
+                                 moxdec::FrameLayout{(format.width + 3) / 4 * 4, (format.height + 1) / 2 * 2, 0, 0, 0});
 }
 
-Reader::Reader(const std::string& path)
-    : data_(moxdec::read_file(path)), decoder_(moxdec::open_video(data_, path)) {}
+Reader::Reader(const std::string& path) : data_(moxdec::read_file(path)), decoder_(moxdec::open_video(data_, path)) {}
 
 FramePtr Reader::next() {
   const auto decoded = decoder_->next();

@@ -20,9 +20,9 @@ PlaneFilter open_edge(const Setup& setup) {
     for (int y = kept; y < height; y += 2) copy_row(job, y, y);
     // With an odd height the top field has one more row, so that each row of a bottom field lies between two.
     const bool odd = height % 2 != 0, border = !(odd && kept == kTop);
-    const MoxStatus status = moxiDeinterlaceEdgeDetect_8u_C1R(
-        job.source() + kept * job.step, 2 * job.step, job.result + missing * job.step, 2 * job.step,
-        {job.size.width, height / 2}, missing, border);
+    const MoxStatus status =
+        moxiDeinterlaceEdgeDetect_8u_C1R(job.source() + kept * job.step, 2 * job.step, job.result + missing * job.step,
+                                         2 * job.step, {job.size.width, height / 2}, missing, border);
     if (status == moxStsOk && odd && kept == kBottom) copy_row(job, height - 2, height - 1);
     return status;
   };

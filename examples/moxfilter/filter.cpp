@@ -7,16 +7,11 @@ namespace {
 
 std::string text_of(MoxStatus status) {
   switch (status) {
-    case moxStsBadSize:
-      return "the size is not one it takes";
-    case moxStsRegionTooSmall:
-      return "it is too small";
-    case moxStsOutOfRange:
-      return "a parameter is out of range";
-    case moxStsNoMemory:
-      return "there is no memory";
-    default:
-      return "status " + std::to_string(status);
+    case moxStsBadSize: return "the size is not one it takes";
+    case moxStsRegionTooSmall: return "it is too small";
+    case moxStsOutOfRange: return "a parameter is out of range";
+    case moxStsNoMemory: return "there is no memory";
+    default: return "status " + std::to_string(status);
   }
 }
 

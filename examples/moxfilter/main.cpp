@@ -130,16 +130,17 @@ class Results {
     after_.add(*result, *pair.original);
   }
   void finish() {
-    moxdec::require(count_ > 0, options_.clip.interlace ? "there are no two pictures to weave" : "there are no pictures");
+    moxdec::require(count_ > 0,
+                    options_.clip.interlace ? "there are no two pictures to weave" : "there are no pictures");
     if (writer_) writer_->finish();
     if (drawn_) moxdec::write_png(side_by_side(shown_, *shown_result_), options_.output);
   }
   void report(double seconds) const {
     std::FILE* out = options_.output == "-" ? stderr : stdout;
     const moxdec::FrameFormat& format = shown_result_->format();
-    std::fprintf(out, "%s: %s, %dx%d, %d pictures, %.3f ms a picture, library %s\n", options_.input.c_str(),
+    std::fprintf(out, "%s: %s, %dx%d, %d picture%s, %.3f ms a picture, library %s\n", options_.input.c_str(),
                  std::string(options_.filter.filter->name).c_str(), format.width, format.height, count_,
-                 1000 * seconds / count_, moxvcGetLibVersion()->name);
+                 count_ == 1 ? "" : "s", 1000 * seconds / count_, moxvcGetLibVersion()->name);
     if (!shown_.original) return;
     std::fprintf(out, "  before  %s\n  after   %s\n", before_.text().c_str(), after_.text().c_str());
   }

@@ -30,8 +30,8 @@ void Stage::filter_plane(const Window& window, const Frame& result, int plane) {
   job.size = {result.format().plane_width(plane), result.format().plane_height(plane)};
   PlaneFilter& filter = planes_[static_cast<std::size_t>(plane)];
   if (!filter) {
-    filter = options_.filter->open(
-        {options_.filter->parameters, options_.values, options_.first, options_.kept, job.size});
+    filter =
+        options_.filter->open({options_.filter->parameters, options_.values, options_.first, options_.kept, job.size});
   }
   require_ok(filter(job));
 }
