@@ -72,7 +72,7 @@ std::span<const Filter> denoisers() {
       {"smooth",
        "mean of the 3x3 samples around, but for edges",
        Kind::kDenoiser,
-       {{"--threshold", 0, 256, 10, "step of the mean from which on there is an edge"}},
+       {{"--threshold", 0, 256, 8, "step of the mean from which on there is an edge"}},
        open_smooth},
       {"cast",
        "recursion in time where nothing moves, mean in space where the picture is smooth",
