@@ -72,15 +72,17 @@ MOX_API MoxStatus moxiFilterDenoiseAdaptiveFree_8u_C1(MoxiDenoiseAdaptiveState* 
 /** Averages each sample with its neighbours, where neither lies on an edge.
  *
  *  For the source region of W x H samples S:
- *  -# L(x, y), for x of 1 to W - 2 and y of 1 to H - 2, is the mean of S in the 3x3 samples around, the fraction cut
- * off. The outermost rows and columns of L repeat the ones next to them.
- *  -# (x, y) lies on an edge unless |L(x, y) - L(x+1, y+1)| and |L(x+1, y) - L(x, y+1)| are both below threshold. All
- *     of row H - 1 and of column W - 1 lies on an edge.
+ *  -# L(x, y), for x of 1 to W - 2 and y of 1 to H - 2, is the mean of S in the 3x3 samples around, without fraction.
+ *     The outermost rows and columns of these are repeated outwards.
+ *  -# (x, y) lies on an edge unless |L(x, y) - L(x+1, y+1)| and |L(x+1, y) - L(x, y+1)| are both below threshold. If
+ *     the destination rectangle ends with row H - 1 all of that row lies on an edge, and so does all of column W - 1 if
+ *     the rectangle ends with it.
  *  -# A sample on an edge, or in the first or last row or column of the source region, is copied. Any other becomes
  *     (sum * r) >> 16, at most 255, with the sum and the count of it and of those of its eight neighbours that do not
  * lie on an edge, and r by the count, 1 to 9: 65535, 32768, 21845, 16384, 13107, 10923, 9362, 8192, 7282.
  *
- *  So a threshold of 0 or less copies all. Counts of 1, 3, 5 and 7 make a flat area darker by 1.
+ *  So a threshold of 0 or less copies all. Counts of 1, 3, 5 and 7 make a flat area darker by 1. A region may be cut
+ *  into rectangles freely, with the same samples, as long as none ends one row or column before the region does.
  *  @param[in]  pSrc       first sample of the source region
  *  @param      srcStep    bytes between source rows
  *  @param[out] pDst       first sample of the destination rectangle

@@ -154,11 +154,14 @@ struct AdaptiveRowAny : AdaptiveRow {
       ColumnSums<B> sums;
       auto count = simd::zero<simd::u8, B>();
       const Mox8u* const p = frame + row * filter.step + x;
-      for (std::ptrdiff_t column = -filter.mask.width; column <= filter.mask.width; ++column) {
+      const auto take = [&](std::ptrdiff_t column) {
         const auto v = load_columns<B>(p + column), mask = admitted(v);
-        sums.add(v & mask);
         count = count - mask;
-      }
+        return v & mask;
+      };
+      const std::ptrdiff_t reach = filter.mask.width;
+      for (std::ptrdiff_t column = -reach; column < reach; column += 2) sums.add(take(column), take(column + 1));
+      sums.add(take(reach));
       total.add(sums, count);
     }
   }

@@ -93,7 +93,8 @@ TEST_P(Deinterlace, MotionAdaptive) {
   const auto filter = lib(MOX_FN(moxiDeinterlaceMotionAdaptive_8u_C1));
   shapes(1, 1, [&](int width, int height) {
     for (int flags = 0; flags < 16; ++flags) {
-      for (int threshold : kThresholds) {
+      for (int repeat = 0; repeat < 2; ++repeat) {
+        const int threshold = kThresholds[random(0, 7)];
         const oracle::AdaptiveSettings set{threshold, flags & 1, flags >> 1 & 1, (flags & 4) != 0, (flags & 8) != 0};
         Filtering{4, width, {0, height}, {0, height}}.run(
             random,
@@ -126,7 +127,8 @@ TEST_P(Deinterlace, Blend) {
     ASSERT_EQ(lib(MOX_FN(moxiDeinterlaceBlendInitAlloc_8u_C1))({3, 3}, points.threshold, points.constant, &state),
               moxStsOk);
     shapes(3, 3, [&](int width, int height) {
-      for (int flags = 0; flags < 8; ++flags) {
+      for (int repeat = 0; repeat < 3; ++repeat) {
+        const int flags = random(0, 7);
         const oracle::BlendSettings set{flags & 1, flags >> 1 & 1, (flags & 4) != 0};
         Filtering{3, width, {0, height}, {0, height}}.run(
             random,

@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <deque>
+#include <filesystem>
 #include <functional>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <vector>
@@ -50,6 +52,12 @@ inline void fill_frames(const std::deque<Rows>& frames, Random& random) {
   }
 }
 
+/// How many threads this process has.
+inline int threads_of_this_process() {
+  const std::filesystem::directory_iterator tasks("/proc/self/task");
+  return static_cast<int>(std::distance(begin(tasks), end(tasks)));
+}
+
 using Look = std::function<int(int frame, int x, int y)>;
 
 /// Widths around those of a block, a wide block and both.
@@ -60,24 +68,27 @@ inline constexpr int kWidths[] = {1, 2, 3, 4, 15, 16, 17, 18, 19, 31, 32, 33, 34
 struct Filtering {
   int count, width;
   RowSpan source, destination;
-  int sourceExtra = 0;  ///< columns of memory behind the width, in which expected may look, too
+  int sourceExtra = 0;       ///< columns of memory behind the width, in which expected may look, too
+  int destinationWidth = 0;  ///< if it is another one
+  bool upright = false;      ///< no negative steps
 
   template <class Call, class Expected>
   void run(Random& random, Call call, Expected expected) const {
     const int all = width + sourceExtra, extra = sourceExtra > 0 ? 0 : random(0, 2) * 7;
-    const int way = sourceExtra == 0 && random.chance(0.3) ? -1 : 1, step = way * (all + extra);
+    const int outWidth = destinationWidth > 0 ? destinationWidth : all;
+    const int way = upright || sourceExtra > 0 || random.chance(0.7) ? 1 : -1, step = way * (all + extra);
     const Placement placement = random.chance(0.5) ? Placement::at_end() : Placement::at_start();
     std::deque<Rows> frames;
     for (int i = 0; i < count; ++i) frames.emplace_back(all, source, step, placement);
     fill_frames(frames, random);
     std::vector<const Mox8u*> origins;
     for (const Rows& frame : frames) origins.push_back(frame.origin());
-    const Rows out(all, destination, way * (all + random(0, 1) * 3), placement);
-    const Rows wanted(all, destination, out.plane().step(), placement);
+    const Rows out(outWidth, destination, way * (outWidth + random(0, 1) * 3), placement);
+    const Rows wanted(outWidth, destination, out.plane().step(), placement);
     ASSERT_EQ(call(origins.data(), step, out.origin(), out.plane().step()), moxStsOk);
     const Look look = [&](int frame, int x, int y) { return frames[static_cast<std::size_t>(frame)](x, y); };
     for (int y = destination.first; y < destination.end; ++y) {
-      for (int x = 0; x < all; ++x) {
+      for (int x = 0; x < outWidth; ++x) {
         if (const std::optional<int> value = expected(look, x, y)) wanted(x, y) = static_cast<Mox8u>(*value);
       }
     }
