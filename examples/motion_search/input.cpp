@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <vector>
 
-#include "moxdec/codec.hpp"
 #include "moxdec/error.hpp"
 #include "moxdec/file.hpp"
 #include "moxdec/y4m.hpp"
@@ -11,7 +10,7 @@
 namespace motion_search {
 FramePair read_frames(const std::string& path, int reference, int current) {
   const std::vector<std::uint8_t> data = moxdec::read_file(path);
-  const auto decoder = moxdec::is_y4m(data) ? moxdec::open_y4m(data) : moxdec::find_codec(data, path).open(data);
+  const auto decoder = moxdec::open_video(data, path);
   FramePair pair;
   for (int i = 0; i <= std::max(reference, current); ++i) {
     auto frame = decoder->next();

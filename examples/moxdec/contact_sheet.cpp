@@ -53,12 +53,18 @@ RgbImage small_copy_of(const Frame& frame, int scale) {
   return copy;
 }
 
-/// Copies in reading order, in a grid about as wide as it is high.
-RgbImage arrange(const std::vector<RgbImage>& copies) {
+}  // namespace
+
+RgbImage small_copy(const Frame& frame, int scale) {
+  return frame.format().sample_bytes() == 1 ? small_copy_of<std::uint8_t>(frame, scale)
+                                            : small_copy_of<std::uint16_t>(frame, scale);
+}
+
+RgbImage arrange(const std::vector<RgbImage>& copies, int columns) {
   int width = 0, height = 0;
   for (const RgbImage& copy : copies) width = std::max(width, copy.width), height = std::max(height, copy.height);
   const int count = static_cast<int>(copies.size());
-  const int columns = static_cast<int>(std::ceil(std::sqrt(count))), rows = (count + columns - 1) / columns;
+  const int rows = (count + columns - 1) / columns;
   RgbImage sheet(columns * (width + kGap) + kGap, rows * (height + kGap) + kGap);
   for (int i = 0; i < count; ++i) {
     const RgbImage& copy = copies[static_cast<std::size_t>(i)];
@@ -69,13 +75,6 @@ RgbImage arrange(const std::vector<RgbImage>& copies) {
     }
   }
   return sheet;
-}
-
-}  // namespace
-
-RgbImage small_copy(const Frame& frame, int scale) {
-  return frame.format().sample_bytes() == 1 ? small_copy_of<std::uint8_t>(frame, scale)
-                                            : small_copy_of<std::uint16_t>(frame, scale);
 }
 
 void write_png(const RgbImage& image, const std::string& path) {
@@ -101,7 +100,8 @@ void ContactSheet::write(const Frame& frame, FrameRate) {
 
 void ContactSheet::finish() {
   if (copies_.empty()) throw OutputError(path_ + ": there is no frame to show");
-  write_png(arrange(copies_), path_);
+  const int columns = static_cast<int>(std::ceil(std::sqrt(copies_.size())));  // about as wide as it is high
+  write_png(arrange(copies_, columns), path_);
 }
 
 }  // namespace moxdec

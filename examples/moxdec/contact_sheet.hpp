@@ -12,8 +12,13 @@ namespace moxdec {
 /// 8-bit RGB rows without padding.
 struct RgbImage {
   RgbImage(int image_width, int image_height)
-      : width(image_width), height(image_height), pixels(static_cast<std::size_t>(3 * width * height)) {}
-  std::uint8_t* at(int x, int y) { return &pixels[static_cast<std::size_t>(3 * (y * width + x))]; }
+      : width(image_width),
+        height(image_height),
+        pixels(std::size_t{3} * static_cast<std::size_t>(width) * static_cast<std::size_t>(height)) {}
+  std::uint8_t* at(int x, int y) {
+    return &pixels[std::size_t{3} *
+                   (static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x))];
+  }
 
   int width;
   int height;
@@ -22,6 +27,9 @@ struct RgbImage {
 
 /// The frame in RGB (BT.601, limited range), each pixel the mean of `scale` x `scale` samples.
 RgbImage small_copy(const Frame& frame, int scale);
+
+/// Pictures in reading order, in a grid of so many columns.
+RgbImage arrange(const std::vector<RgbImage>& copies, int columns);
 
 /// Throws OutputError.
 void write_png(const RgbImage& image, const std::string& path);

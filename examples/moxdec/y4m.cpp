@@ -110,4 +110,8 @@ bool is_y4m(Bytes data) { return text_of(data).starts_with(kSignature); }
 
 std::unique_ptr<Decoder> open_y4m(Bytes data) { return std::make_unique<Y4mReader>(data); }
 
+std::unique_ptr<Decoder> open_video(Bytes data, std::string_view file_name) {
+  return is_y4m(data) ? open_y4m(data) : find_codec(data, file_name).open(data);
+}
+
 }  // namespace moxdec

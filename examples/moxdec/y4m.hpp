@@ -10,4 +10,7 @@ bool is_y4m(Bytes data);
 /// Frames of a file that is_y4m. The data must outlive the decoder. Throws DecodeError.
 std::unique_ptr<Decoder> open_y4m(Bytes data);
 
+/// Frames of a Y4M file, or of a stream of a known codec. The data must outlive the decoder. Throws DecodeError.
+std::unique_ptr<Decoder> open_video(Bytes data, std::string_view file_name);
+
 }  // namespace moxdec
