@@ -43,6 +43,7 @@ const Family kCopies("mpeg4_motion quarter samples", kCopyRows);
 const std::vector<Row> kOverlapRows = [] {
   std::vector<Row> rows;
   overlaps(rows, MOX_FN(moxiOBMC16x16HP_MPEG4_8u_C1R));
+  overlaps(rows, MOX_FN(moxiOBMC16x16QP_MPEG4_8u_C1R));
   overlaps(rows, MOX_FN(moxiOBMC8x8HP_MPEG4_8u_C1R));
   overlaps(rows, MOX_FN(moxiOBMC8x8QP_MPEG4_8u_C1R));
   return rows;

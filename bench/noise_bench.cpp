@@ -18,12 +18,11 @@ const Mox8u *const kNow = scene(), *const kBefore = scene();
 Mox8u* const kResult = buffer<Mox8u>(256 * 128, 0, 0);
 
 Row cast(MoxiSize size, const char* variant) {
-  return loop(MOX_FN(moxiFilterDenoiseCAST_8u_C1R), variant,
-              [=, memory = std::vector<Mox8u>(128)](decltype(moxiFilterDenoiseCAST_8u_C1R)* filter) mutable {
-                auto* const state = reinterpret_cast<MoxiDenoiseCASTState*>(memory.data());
-                Library::portable()[MOX_FN(moxiFilterDenoiseCASTInit)](state, 3, 16, 12);
-                return filter(kNow, 256, kBefore, 256, kResult, 256, size, state);
-              });
+  return loop(MOX_FN(moxiFilterDenoiseCAST_8u_C1R), variant, [=](decltype(moxiFilterDenoiseCAST_8u_C1R)* filter) {
+    MoxiDenoiseCASTState state;
+    Library::portable()[MOX_FN(moxiFilterDenoiseCASTInit)](&state, 3, 16, 12);
+    return filter(kNow, 256, kBefore, 256, kResult, 256, size, &state);
+  });
 }
 
 /// The threshold of edges tells how many blocks ring: three of eight, or none.

@@ -32,16 +32,12 @@ PlaneFilter open_smooth(const Setup& setup) {
 
 /// Its own result for the picture before is its memory.
 PlaneFilter open_cast(const Setup& setup) {
-  Mox32s size = 0;
-  require_ok(moxiFilterDenoiseCASTGetSize(&size));
-  // Not to be copied: the state's place in its memory hangs on where that lies.
-  const auto memory = std::make_shared<std::vector<Mox8u>>(static_cast<std::size_t>(size));
-  auto* const state = reinterpret_cast<MoxiDenoiseCASTState*>(memory->data());
-  require_ok(moxiFilterDenoiseCASTInit(state, setup.value("--noise-level"), setup.value("--spatial"),
+  MoxiDenoiseCASTState state;
+  require_ok(moxiFilterDenoiseCASTInit(&state, setup.value("--noise-level"), setup.value("--spatial"),
                                        setup.value("--temporal")));
-  return [memory, state](const Job& job) {
+  return [state](const Job& job) {
     return moxiFilterDenoiseCAST_8u_C1R(job.source(), job.step, job.last_result, job.step, job.result, job.step,
-                                        job.size, state);
+                                        job.size, &state);
   };
 }
 

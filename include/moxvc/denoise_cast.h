@@ -25,16 +25,15 @@
  *  For a first frame, give the frame itself as the previous result. A sequence needs two result planes, in turn.
  *
  *  Memory. A call reads the regions of pSrc and pPrev and writes that of pDst, which must not overlap them. Steps count
- *  bytes, may be negative and are not tested; any alignment. The state holds parameters only and is not written, so
- *  threads may share it. It lies in memory of the caller of any alignment, of the size that
- *  moxiFilterDenoiseCASTGetSize tells; a copy must keep its distance to the next multiple of 16:
+ *  bytes, may be negative and are not tested; any alignment. The state is a small record of the caller's that holds
+ *  parameters only: moxiFilterDenoiseCASTInit fills it, the filter does not write it, so threads may share it, and it
+ *  may be copied. It has no tag: a record that was never filled is not refused. With any other contents than those of
+ *  Init the result is not defined, but no memory other than that named is touched.
  *
- *      Mox8u memory[64];                                  what moxiFilterDenoiseCASTGetSize gives, or more
- *      MoxiDenoiseCASTState* state = (MoxiDenoiseCASTState*)memory;
- *      moxiFilterDenoiseCASTInit(state, 4, 16, 12);
+ *      MoxiDenoiseCASTState state;
+ *      moxiFilterDenoiseCASTInit(&state, 4, 16, 12);
  *
- *  Status. Null pointers in the order of the arguments, then the state's tag, sizes and parameters; nothing is written
- *  then. */
+ *  Status. Null pointers in the order of the arguments, then sizes and parameters; nothing is written then. */
 #ifndef MOXVC_DENOISE_CAST_H
 #define MOXVC_DENOISE_CAST_H
 
@@ -42,16 +41,19 @@
 
 MOX_BEGIN_DECLS
 
-/** Parameters of the filter, in the caller's memory. */
-typedef struct MoxiDenoiseCASTState MoxiDenoiseCASTState;
-
-/** Size of a state.
- *  @param[out] pSize bytes of memory that it needs at any alignment
- *  @retval moxStsNullPointer pSize is null */
-MOX_API MoxStatus moxiFilterDenoiseCASTGetSize(Mox32s* pSize);
+/** Parameters of the filter, in the form in which it needs them. */
+typedef struct MoxiDenoiseCASTState {
+  Mox32s nearest;     /**< 3 N: a neighbour that differs by more has no part in the mean */
+  Mox32s edgeEnd;     /**< 8 N: no mean from this edge on */
+  Mox32s edgeScale;   /**< 256ths of its weight for each level below that */
+  Mox32s motionEnd;   /**< 24 N: no previous result from this motion on */
+  Mox32s motionScale; /**< 256ths of its weight for each level below that */
+  Mox32s spatial;     /**< S */
+  Mox32s temporal;    /**< K */
+} MoxiDenoiseCASTState;
 
 /** Fills a state.
- *  @param[out] pState           memory of that size
+ *  @param[out] pState           record to fill
  *  @param      noiseLevel       N, about the standard deviation of the noise, 1 to 32
  *  @param      spatialStrength  S, sixteenths that the mean has at most, 0 to 16
  *  @param      temporalStrength K, sixteenths that the previous result has at most, 0 to 15
@@ -70,7 +72,6 @@ MOX_API MoxStatus moxiFilterDenoiseCASTInit(MoxiDenoiseCASTState* pState, Mox32s
  *  @param      roiSize  columns and rows of all three, from 1
  *  @param[in]  pState   state that moxiFilterDenoiseCASTInit has filled
  *  @retval moxStsNullPointer pSrc, pPrev, pDst or pState is null
- *  @retval moxStsBadContext  the state does not carry the tag of its kind
  *  @retval moxStsBadSize     a width or height is below 1 */
 MOX_API MoxStatus moxiFilterDenoiseCAST_8u_C1R(const Mox8u* pSrc, Mox32s srcStep, const Mox8u* pPrev, Mox32s prevStep,
                                                Mox8u* pDst, Mox32s dstStep, MoxiSize roiSize,

@@ -115,6 +115,11 @@ MOX_API MoxStatus moxiOBMC16x16HP_MPEG4_8u_C1R(const Mox8u* pSrc, Mox32s srcStep
                                                MoxiMotionVector vector, const MoxiMotionVector* pNeighbours,
                                                Mox32s roundControl);
 
+/** As moxiOBMC16x16HP_MPEG4_8u_C1R by quarter-sample vectors: the same as four calls of moxiOBMC8x8QP_MPEG4_8u_C1R. */
+MOX_API MoxStatus moxiOBMC16x16QP_MPEG4_8u_C1R(const Mox8u* pSrc, Mox32s srcStep, Mox8u* pDst, Mox32s dstStep,
+                                               MoxiMotionVector vector, const MoxiMotionVector* pNeighbours,
+                                               Mox32s roundControl);
+
 MOX_END_DECLS
 
 #endif

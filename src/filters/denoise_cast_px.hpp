@@ -1,4 +1,4 @@
-/// State record and portable kernel of the CAST noise filter.
+/// Parameters and portable kernel of the CAST noise filter.
 #pragma once
 
 #include <algorithm>
@@ -7,15 +7,6 @@
 
 #include "frame/arithmetic.hpp"
 #include "moxvc/denoise_cast.h"
-
-/// Parameters in the form in which the kernels need them.
-struct MoxiDenoiseCASTState {
-  Mox32u tag;
-  Mox32s nearest;                 ///< a neighbour that differs by more has no part in the mean
-  Mox32s edgeEnd, edgeScale;      ///< no mean from this edge on; 256ths a level below it
-  Mox32s motionEnd, motionScale;  ///< no previous result from this motion on; 256ths a level below it
-  Mox32s spatial, temporal;       ///< greatest weights, in sixteenths
-};
 
 namespace mox {
 
@@ -39,7 +30,7 @@ namespace mox::px {
 constexpr MoxiDenoiseCASTState cast_parameters(Mox32s noise, Mox32s spatial, Mox32s temporal) {
   const auto scale = [](Mox32s half) { return (4095 + half) / half; };
   const Mox32s edge = 4 * noise, motion = 12 * noise;
-  return {0, 3 * noise, 2 * edge, scale(edge), 2 * motion, scale(motion), spatial, temporal};
+  return {3 * noise, 2 * edge, scale(edge), 2 * motion, scale(motion), spatial, temporal};
 }
 
 /// Sixteenths of `greatest` by how far a value lies below the end of its range.

@@ -54,3 +54,10 @@ MoxStatus moxiOBMC16x16HP_MPEG4_8u_C1R(const Mox8u* pSrc, Mox32s srcStep, Mox8u*
   if (any_null(pSrc, pDst, pNeighbours)) return moxStsNullPointer;
   return active::ownvc_OBMC16x16HP_8u_C1R(pSrc, srcStep, pDst, dstStep, vector, pNeighbours, roundControl);
 }
+
+MoxStatus moxiOBMC16x16QP_MPEG4_8u_C1R(const Mox8u* pSrc, Mox32s srcStep, Mox8u* pDst, Mox32s dstStep,
+                                       MoxiMotionVector vector, const MoxiMotionVector* pNeighbours,
+                                       Mox32s roundControl) {
+  if (any_null(pSrc, pDst, pNeighbours)) return moxStsNullPointer;
+  return active::ownvc_OBMC16x16QP_8u_C1R(pSrc, srcStep, pDst, dstStep, vector, pNeighbours, roundControl);
+}

@@ -106,15 +106,26 @@ inline MoxStatus ownvc_OBMC8x8QP_8u_C1R(const Mox8u* src, Mox32s srcStep, Mox8u*
   return overlap_block<ownvc_Copy8x8QP_8u_C1R, 2>(src, srcStep, dst, dstStep, vector, {n[0], n[1], n[2], n[3]},
                                                   rounding);
 }
-inline MoxStatus ownvc_OBMC16x16HP_8u_C1R(const Mox8u* src, Mox32s srcStep, Mox8u* dst, Mox32s dstStep,
-                                          MoxiMotionVector vector, const MoxiMotionVector* n, Mox32s rounding) {
+/// The four blocks of a macroblock, each by itself.
+template <const auto& kCopies, int kFractionBits>
+MoxStatus overlap_macroblock(const Mox8u* src, Mox32s srcStep, Mox8u* dst, Mox32s dstStep, MoxiMotionVector vector,
+                             const MoxiMotionVector* n, Mox32s rounding) {
   const auto neighbours = around_macroblock(vector, n);
   for (std::size_t i = 0; i < 4; ++i) {
     const std::ptrdiff_t x = 8 * (i & 1), y = 8 * (i >> 1);
-    overlap_block<ownvc_Copy8x8HP_8u_C1R, 1>(src + x + y * srcStep, srcStep, dst + x + y * dstStep, dstStep, vector,
-                                             neighbours[i], rounding);
+    overlap_block<kCopies, kFractionBits>(src + x + y * srcStep, srcStep, dst + x + y * dstStep, dstStep, vector,
+                                          neighbours[i], rounding);
   }
   return moxStsOk;
+}
+
+inline MoxStatus ownvc_OBMC16x16HP_8u_C1R(const Mox8u* src, Mox32s srcStep, Mox8u* dst, Mox32s dstStep,
+                                          MoxiMotionVector vector, const MoxiMotionVector* n, Mox32s rounding) {
+  return overlap_macroblock<ownvc_Copy8x8HP_8u_C1R, 1>(src, srcStep, dst, dstStep, vector, n, rounding);
+}
+inline MoxStatus ownvc_OBMC16x16QP_8u_C1R(const Mox8u* src, Mox32s srcStep, Mox8u* dst, Mox32s dstStep,
+                                          MoxiMotionVector vector, const MoxiMotionVector* n, Mox32s rounding) {
+  return overlap_macroblock<ownvc_Copy8x8QP_8u_C1R, 2>(src, srcStep, dst, dstStep, vector, n, rounding);
 }
 
 }  // namespace mox::px

@@ -74,21 +74,20 @@ MOX_INLINE void overlap_block(PredictedBlock own, const Mox8u* src, Mox32s srcSt
 
 template <const auto& kCopies, int kFractionBits>
 MoxStatus overlap8x8(const Mox8u* src, Mox32s srcStep, Mox8u* dst, Mox32s dstStep, MoxiMotionVector vector,
-                     const MoxiMotionVector* n, Mox32s rounding) {
+                     const AroundBlock& around, Mox32s rounding) {
   alignas(16) Mox8u own[64];
   copy_by_vector<kCopies, kFractionBits>(src, srcStep, vector, rounding, own, 8);
-  overlap_block<kCopies, kFractionBits>({own, 8}, src, srcStep, dst, dstStep, vector, {n[0], n[1], n[2], n[3]},
-                                        rounding);
+  overlap_block<kCopies, kFractionBits>({own, 8}, src, srcStep, dst, dstStep, vector, around, rounding);
   return moxStsOk;
 }
 
 inline MoxStatus ownvc_OBMC8x8HP_8u_C1R(const Mox8u* src, Mox32s srcStep, Mox8u* dst, Mox32s dstStep,
                                         MoxiMotionVector vector, const MoxiMotionVector* n, Mox32s rounding) {
-  return overlap8x8<ownvc_Copy8x8HP_8u_C1R, 1>(src, srcStep, dst, dstStep, vector, n, rounding);
+  return overlap8x8<ownvc_Copy8x8HP_8u_C1R, 1>(src, srcStep, dst, dstStep, vector, {n[0], n[1], n[2], n[3]}, rounding);
 }
 inline MoxStatus ownvc_OBMC8x8QP_8u_C1R(const Mox8u* src, Mox32s srcStep, Mox8u* dst, Mox32s dstStep,
                                         MoxiMotionVector vector, const MoxiMotionVector* n, Mox32s rounding) {
-  return overlap8x8<ownvc_Copy8x8QP_8u_C1R, 2>(src, srcStep, dst, dstStep, vector, n, rounding);
+  return overlap8x8<ownvc_Copy8x8QP_8u_C1R, 2>(src, srcStep, dst, dstStep, vector, {n[0], n[1], n[2], n[3]}, rounding);
 }
 inline MoxStatus ownvc_OBMC16x16HP_8u_C1R(const Mox8u* src, Mox32s srcStep, Mox8u* dst, Mox32s dstStep,
                                           MoxiMotionVector vector, const MoxiMotionVector* n, Mox32s rounding) {
@@ -99,6 +98,18 @@ inline MoxStatus ownvc_OBMC16x16HP_8u_C1R(const Mox8u* src, Mox32s srcStep, Mox8
     const std::ptrdiff_t x = 8 * (i & 1), y = 8 * (i >> 1);
     overlap_block<ownvc_Copy8x8HP_8u_C1R, 1>({own + x + 16 * y, 16}, src + x + y * srcStep, srcStep,
                                              dst + x + y * dstStep, dstStep, vector, neighbours[i], rounding);
+  }
+  return moxStsOk;
+}
+
+/// A quarter-sample copy of 16x16 is not four of 8x8: those mirror at borders of their own.
+inline MoxStatus ownvc_OBMC16x16QP_8u_C1R(const Mox8u* src, Mox32s srcStep, Mox8u* dst, Mox32s dstStep,
+                                          MoxiMotionVector vector, const MoxiMotionVector* n, Mox32s rounding) {
+  const auto neighbours = around_macroblock(vector, n);
+  for (std::size_t i = 0; i < 4; ++i) {
+    const std::ptrdiff_t x = 8 * (i & 1), y = 8 * (i >> 1);
+    overlap8x8<ownvc_Copy8x8QP_8u_C1R, 2>(src + x + y * srcStep, srcStep, dst + x + y * dstStep, dstStep, vector,
+                                          neighbours[i], rounding);
   }
   return moxStsOk;
 }

@@ -45,6 +45,7 @@ class Mpeg4Motion : public PerGeneration {
   };
   std::vector<Overlap> overlaps() const {
     return {{"16x16HP", 16, 1, lib(MOX_FN(moxiOBMC16x16HP_MPEG4_8u_C1R))},
+            {"16x16QP", 16, 2, lib(MOX_FN(moxiOBMC16x16QP_MPEG4_8u_C1R))},
             {"8x8HP", 8, 1, lib(MOX_FN(moxiOBMC8x8HP_MPEG4_8u_C1R))},
             {"8x8QP", 8, 2, lib(MOX_FN(moxiOBMC8x8QP_MPEG4_8u_C1R))}};
   }

@@ -68,9 +68,9 @@ class MacroblockFilter {
     for (int plane = 1; plane < 3; ++plane) call(chroma, plane, thresholds, strengths);
   }
 
-  void call(Filter filter, int plane, const Thresholds& thresholds, const std::array<Mox8u, 4>& strengths) const {
+  void call(Filter kernel, int plane, const Thresholds& thresholds, const std::array<Mox8u, 4>& strengths) const {
     const int size = plane == 0 ? 16 : 8;
-    filter(picture_.sample(plane, size * mb_x_, size * mb_y_), picture_.frame->step(plane), thresholds.alpha.data(),
+    kernel(picture_.sample(plane, size * mb_x_, size * mb_y_), picture_.frame->step(plane), thresholds.alpha.data(),
            thresholds.beta.data(), thresholds.clip.data(), strengths.data());
   }
 
