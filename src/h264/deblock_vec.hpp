@@ -1,9 +1,11 @@
 /// Vector kernels of the H.264 deblocking filter.
 ///
-/// A line is an element of each of eight vectors, p3 to q3: bytes, or words for 16-bit samples. All arithmetic is of
+/// A line is an element of each of eight vectors, p3 to q3: a byte, or a word for 16-bit samples. All arithmetic is of
 /// sums that fit an element or of means with their lost bits put back, so one source serves both and no sample, even
-/// one above the bit depth, overflows. Lines of a horizontal edge lie side by side as they are. Vertical edges are
-/// transposed into a buffer on the stack, filtered there as horizontal ones, and written back if anything changed.
+/// one above the bit depth, overflows. Lines of a horizontal edge lie side by side as they are. Vertical chroma edges,
+/// which do not touch each other, are transposed in registers one by one. Vertical luma edges do: those that follow
+/// each other are transposed together into a buffer on the stack, filtered there as horizontal ones, and written back
+/// if anything changed.
 #pragma once
 
 #include <algorithm>

@@ -352,17 +352,18 @@ TEST_P(Deblock, ReadsOnlyTheEdgesThatAreOn) {
 
 TEST_P(Deblock, ThresholdsByValueAreUnsigned32Bit) {
   const Guarded<Mox8u> tc0(4), bs({4, 4, 4, 4});
-  const auto line_after = [&](Mox32u threshold) {
+  const auto line_after = [&](Mox32u alpha, Mox32u beta) {
     const Plane<Mox8u> plane(8, 8, 8);
     for (int i = 0; i < 64; ++i) plane.memory()[i] = i % 8 < 4 ? 0 : 255;
-    EXPECT_EQ(lib(MOX_FN(moxiFilterDeblockingLuma_VerEdge_MBAFF_H264_8u_C1IR))(plane.at(4, 0), 8, threshold, threshold,
+    EXPECT_EQ(lib(MOX_FN(moxiFilterDeblockingLuma_VerEdge_MBAFF_H264_8u_C1IR))(plane.at(4, 0), 8, alpha, beta,
                                                                                tc0.data(), bs.data()),
               moxStsOk);
     return std::vector<int>(plane.at(0, 7), plane.at(0, 7) + 8);
   };
-  EXPECT_EQ(line_after(255), (std::vector<int>{0, 0, 0, 0, 255, 255, 255, 255}));
-  EXPECT_EQ(line_after(256), (std::vector<int>{0, 0, 0, 64, 191, 255, 255, 255}));
-  EXPECT_EQ(line_after(0xFFFFFFFF), (std::vector<int>{0, 32, 64, 96, 159, 191, 223, 255}));
+  EXPECT_EQ(line_after(255, 255), (std::vector<int>{0, 0, 0, 0, 255, 255, 255, 255}));
+  EXPECT_EQ(line_after(256, 256), (std::vector<int>{0, 0, 0, 64, 191, 255, 255, 255}));
+  EXPECT_EQ(line_after(256, 1), (std::vector<int>{0, 0, 0, 64, 191, 255, 255, 255}));
+  EXPECT_EQ(line_after(0xFFFFFFFF, 0xFFFFFFFF), (std::vector<int>{0, 32, 64, 96, 159, 191, 223, 255}));
 }
 
 /// Memory for calls that would change samples: a chequered plane with room around the block, bS 3, tc0 and
