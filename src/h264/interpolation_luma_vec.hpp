@@ -190,7 +190,7 @@ MoxStatus interpolate_luma_8u(const MoxiInterpKernelArgs<Mox8u>& a) {
       run(std::min(left, kLocalHeight));
       src += kLocalHeight * step, dst += kLocalHeight * dstStep;
     }
-  } else {
+  } else if (a.height > 0) {  // sums down are begun with rows that a block of no rows does not have
     run(a.height);
   }
   return moxStsOk;
