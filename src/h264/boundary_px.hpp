@@ -6,7 +6,6 @@
 #include <cstddef>
 #include <cstring>
 
-#include "frame/generation.hpp"
 #include "frame/table.hpp"
 #include "h264/interpolation.hpp"
 
@@ -74,17 +73,3 @@ inline constexpr auto read_data_through_boundary_table_nv12_8u_pxmx =
     make_table<16>([]<std::size_t I>() -> InterpKernel<Mox8u> { return &read_data_through_boundary<Mox8u, 2, I>; });
 
 }  // namespace mox::px
-
-namespace mox {
-
-inline MoxStatus moxiReadDataBlockThroughBoundary_8u(unsigned flags, const MoxiInterpKernelArgs<Mox8u>& args) {
-  return active::read_data_through_boundary_table_8u_pxmx[flags](args);
-}
-inline MoxStatus moxiReadDataBlockThroughBoundary_16u(unsigned flags, const MoxiInterpKernelArgs<Mox16u>& args) {
-  return active::read_data_through_boundary_table_16u_pxmx[flags](args);
-}
-inline MoxStatus moxiReadDataBlockThroughBoundary_NV12_8u(unsigned flags, const MoxiInterpKernelArgs<Mox8u>& args) {
-  return active::read_data_through_boundary_table_nv12_8u_pxmx[flags](args);
-}
-
-}  // namespace mox

@@ -24,23 +24,23 @@ MOX_INLINE auto luma_taps(At at) {
   return LumaTaps<decltype(at(0))>{at(-2) + at(3), at(-1) + at(2), at(0) + at(1)};
 }
 
-/// 8 words a block: a strip of 8 columns, or two of 4. Strips lie one below the other, `gap` bytes apart.
-template <int kColumns, int Blocks>
+/// Columns as words: 8 a block, or 4 of two strips, one `gap` bytes below the other.
+template <int Columns>
 struct LumaWords {
-  static constexpr int B = Blocks, kStrips = kColumns == 4 ? 2 * B : B;
+  static constexpr int kColumns = Columns, B = kColumns == 16 ? 2 : 1, kStrips = kColumns == 4 ? 2 : 1;
   using Vector = simd::s16<B>;
 
   MOX_INLINE static Vector load(const Mox16u* p, std::ptrdiff_t gap) {
-    if constexpr (kColumns == 4)
-      return simd::load8x2<simd::s16, B>(p, gap, simd::strips<B>(2 * gap));
+    if constexpr (kStrips == 2)
+      return simd::load8x2<simd::s16, B>(p, gap, simd::strips<B>(0));
     else
-      return simd::load16<simd::s16, B>(p, simd::strips<B>(gap));
+      return simd::load_row<simd::s16, B>(p);
   }
   MOX_INLINE static void store(Vector v, Mox16u* p, std::ptrdiff_t gap) {
-    if constexpr (kColumns == 4)
-      simd::store8x2(v, p, gap, simd::strips<B>(2 * gap));
+    if constexpr (kStrips == 2)
+      simd::store8x2(v, p, gap, simd::strips<B>(0));
     else
-      simd::store16(v, p, simd::strips<B>(gap));
+      simd::store_row(v, p);
   }
   MOX_INLINE static Vector limit(Vector v, Mox32s max) {
     return simd::min(simd::max(v, simd::zero<simd::s16, B>()), simd::splat<simd::s16, B>(max));
@@ -77,17 +77,19 @@ struct LumaWords {
   }
 };
 
-/// 4 doublewords a block: a strip of 4 columns. Sums of sums are 115,603,740 at most.
-template <int Blocks>
+/// Columns as doublewords, 4 a block. Sums of sums are 115,603,740 at most.
+template <int Columns>
 struct LumaDoublewords {
-  static constexpr int B = Blocks, kStrips = B;
+  static constexpr int kColumns = Columns, B = kColumns / 4, kStrips = 1;
   using Vector = simd::s32<B>;
 
-  MOX_INLINE static Vector load(const Mox16u* p, std::ptrdiff_t gap) {
-    return wide_lo(simd::load8<simd::u16, B>(p, simd::strips<B>(gap)));
-  }
-  MOX_INLINE static void store(Vector v, Mox16u* p, std::ptrdiff_t gap) {
-    simd::store8(packus(v, v), p, simd::strips<B>(gap));
+  MOX_INLINE static Vector load(const Mox16u* p, std::ptrdiff_t) { return simd::load_row_doublewords<B>(p); }
+  MOX_INLINE static void store(Vector v, Mox16u* p, std::ptrdiff_t) {
+    const auto samples = simd::part<0>(simd::regroup(packus(v, v)));
+    if constexpr (B == 1)
+      simd::store_rows<8, 1>(simd::as<simd::u8>(samples), p, 0);
+    else
+      simd::store_row(samples, p);
   }
   MOX_INLINE static Vector limit(Vector v, Mox32s max) {
     return simd::min(simd::max(v, simd::zero<simd::s32, B>()), simd::splat<simd::s32, B>(max));
@@ -105,7 +107,7 @@ struct LumaDoublewords {
   }
 };
 
-/// `height` rows, 16 at most, of the columns that the lanes take.
+/// `height` rows of the columns that the lanes take: 16 at most for positions with the centre half sample.
 template <LumaPosition kPosition, class Lanes>
 MOX_INLINE void interpolate_luma_lanes(const Mox16u* src, std::ptrdiff_t step, Mox16u* dst, std::ptrdiff_t dstStep,
                                        int height, Mox32s max) {
@@ -143,28 +145,37 @@ constexpr Mox32s luma_word_depth(const LumaPosition& position) {
   return position.has(LumaSample::kB) || position.has(LumaSample::kH) ? 14 : 16;
 }
 
-/// Interpolates a block of any width that is a multiple of 4, 16 rows at a time.
+/// Takes as many columns as there are for whole vectors, from x on.
+template <LumaPosition kPosition, class Lanes>
+MOX_INLINE void interpolate_luma_columns(const MoxiInterpKernelArgs<Mox16u>& a, int& x, int top, int height) {
+  const Mox16u* const src = a.pSrc + top * a.srcStep;
+  Mox16u* const dst = a.pDst + top * a.dstStep;
+  for (; x + Lanes::kColumns <= a.width; x += Lanes::kColumns)
+    interpolate_luma_lanes<kPosition, Lanes>(src + x, a.srcStep, dst + x, a.dstStep, height, sample_max(a.bitDepth));
+}
+
+/// `height` rows from `top` on of a block of any width that is a multiple of 4.
+template <LumaPosition kPosition>
+MOX_INLINE void interpolate_luma_rows(const MoxiInterpKernelArgs<Mox16u>& a, int top, int height) {
+  int x = 0;
+  if (a.bitDepth <= luma_word_depth(kPosition)) {
+    if constexpr (simd::kBlocks == 2) interpolate_luma_columns<kPosition, LumaWords<16>>(a, x, top, height);
+    interpolate_luma_columns<kPosition, LumaWords<8>>(a, x, top, height);
+    interpolate_luma_columns<kPosition, LumaWords<4>>(a, x, top, height);
+  } else {
+    if constexpr (simd::kBlocks == 2) interpolate_luma_columns<kPosition, LumaDoublewords<8>>(a, x, top, height);
+    interpolate_luma_columns<kPosition, LumaDoublewords<4>>(a, x, top, height);
+  }
+}
+
+/// Where rows of sums are kept, blocks higher than 16 rows are done in parts.
 template <LumaPosition kPosition>
 MoxStatus interpolate_luma_16u(const MoxiInterpKernelArgs<Mox16u>& a) {
-  constexpr int B = simd::kBlocks;
-  const std::ptrdiff_t step = a.srcStep, dstStep = a.dstStep;
-  const int width = a.width;
-  const Mox32s depth = a.bitDepth, max = sample_max(depth);
-  const Mox16u* src = a.pSrc;
-  Mox16u* dst = a.pDst;
-  for (int left = a.height; left > 0; left -= kLocalHeight, src += kLocalHeight * step, dst += kLocalHeight * dstStep) {
-    const int height = std::min(left, kLocalHeight);
-    int x = 0;
-    const auto run = [&]<class Lanes>(int columns, Lanes) {
-      for (; x + columns <= width; x += columns)
-        interpolate_luma_lanes<kPosition, Lanes>(src + x, step, dst + x, dstStep, height, max);
-    };
-    if (depth <= luma_word_depth(kPosition)) {
-      run(8, LumaWords<8, B>{});
-      run(4, LumaWords<4, B>{});
-    } else {
-      run(4, LumaDoublewords<B>{});
-    }
+  if constexpr (kPosition.has(LumaSample::kJ)) {
+    for (int top = 0; top < a.height; top += kLocalHeight)
+      interpolate_luma_rows<kPosition>(a, top, std::min(a.height - top, kLocalHeight));
+  } else {
+    interpolate_luma_rows<kPosition>(a, 0, a.height);
   }
   return moxStsOk;
 }

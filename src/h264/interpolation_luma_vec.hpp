@@ -143,9 +143,9 @@ class LumaSumsDown {
 template <LumaPosition kPosition, class Shape>
 MOX_INLINE void interpolate_luma_part(const Mox8u* src, std::ptrdiff_t step, Mox8u* dst, std::ptrdiff_t dstStep,
                                       int height) {
-  constexpr int B = Shape::B, kUnrolled = 4 / Shape::kStrips;
   constexpr LumaPoint kU = kPosition.u, kV = kPosition.v;
   constexpr bool kCentre = kPosition.has(LumaSample::kJ);
+  constexpr int B = Shape::B, kUnrolled = kCentre ? 1 : 4 / Shape::kStrips;
   const int rows = height / Shape::kStrips;
   const std::ptrdiff_t gap = rows * step, dstGap = rows * dstStep;
 
@@ -190,7 +190,7 @@ MoxStatus interpolate_luma_8u(const MoxiInterpKernelArgs<Mox8u>& a) {
       run(std::min(left, kLocalHeight));
       src += kLocalHeight * step, dst += kLocalHeight * dstStep;
     }
-  } else {
+  } else if (a.height > 0) {  // sums down are begun with rows that a block of no rows does not have
     run(a.height);
   }
   return moxStsOk;

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "h264/boundary_px.hpp"
+#include "h264/boundary_vec.hpp"
 #include "h264/interpolation.hpp"
 
 namespace mox {
@@ -65,9 +65,11 @@ MoxStatus run_on_copy(MoxStatus (*read)(unsigned, const MoxiInterpKernelArgs<T>&
   constexpr int kWidest = 48;  // samples: 28 columns of luma and their margins, rounded up
   alignas(64) T local[kLocalRows * kWidest];
   const std::ptrdiff_t localStep = (a.extWidth * channels + 15) & ~15;
-  MoxiInterpKernelArgs<T> copy = a;
-  copy.pDst = local, copy.dstStep = localStep;
-  read(flags, copy);
+  T* const dst = a.pDst;
+  const std::ptrdiff_t dstStep = a.dstStep;
+  a.pDst = local, a.dstStep = localStep;
+  read(flags, a);
+  a.pDst = dst, a.dstStep = dstStep;
   a.pSrc = local + margin(reach, a.dy != 0) * localStep + margin(reach, a.dx != 0);
   a.srcStep = localStep;
   a.height = std::min(a.height, kLocalHeight);

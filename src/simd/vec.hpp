@@ -387,6 +387,12 @@ MOX_INLINE void store_row(V<B> v, void* p) {
   if constexpr (B == 1) _mm_storeu_si128(static_cast<__m128i*>(p), v.r);
   MOX_WIDE(else _mm256_storeu_si256(static_cast<__m256i*>(p), v.r);)
 }
+/// 4 B consecutive words as doublewords.
+template <int B>
+MOX_INLINE s32<B> load_row_doublewords(const void* p) {
+  if constexpr (B == 1) return {_mm_cvtepu16_epi32(raw8(p))};
+  MOX_WIDE(else return {_mm256_cvtepu16_epi32(raw16(p))};)
+}
 /// 8 B consecutive bytes, 8 a block, in both halves of it.
 template <int B>
 MOX_INLINE u8<B> load_row8_twice(const void* p) {
