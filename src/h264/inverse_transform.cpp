@@ -3,6 +3,7 @@
 #include "frame/arguments.hpp"
 #include "frame/generation.hpp"
 #include "h264/inverse_transform_px.hpp"
+#include "h264/inverse_transform_vec.hpp"
 
 using namespace mox;
 

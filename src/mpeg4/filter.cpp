@@ -33,11 +33,10 @@ MoxStatus moxiFilterDeringingThreshold_MPEG4_8u_P3R(const Mox8u* pSrcY, Mox32s s
                                                     Mox32s qpStep) {
   if (any_null(pSrcY, pSrcU, pSrcV, pDstY, pDstU, pDstV, pQP)) return moxStsNullPointer;
   if (no_macroblocks(roiSize.width) || no_macroblocks(roiSize.height)) return moxStsBadSize;
-  return active::ownFilterDeringingThreshold_MPEG4({{{{pSrcY, srcYStep, pDstY, dstYStep},
-                                                      {pSrcU, srcUStep, pDstU, dstUStep},
-                                                      {pSrcV, srcVStep, pDstV, dstVStep}}},
-                                                    roiSize.width / 16,
-                                                    roiSize.height / 16,
-                                                    pQP,
-                                                    qpStep});
+  return active::ownFilterDeringingThreshold_MPEG4(
+      {{{{pSrcY, srcYStep, pDstY, dstYStep}, {pSrcU, srcUStep, pDstU, dstUStep}, {pSrcV, srcVStep, pDstV, dstVStep}}},
+       roiSize.width / 16,
+       roiSize.height / 16,
+       pQP,
+       qpStep});
 }

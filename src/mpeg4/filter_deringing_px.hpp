@@ -93,8 +93,8 @@ inline void dering_macroblock(const RingingPicture& picture, MoxiPoint at, Mox32
   };
   const RingingPlane& luma = picture.planes[0];
   const int x = 16 * at.x, y = 16 * at.y;
-  const auto thresholds = luma_thresholds(
-      {levels(luma, x, y), levels(luma, x + 8, y), levels(luma, x, y + 8), levels(luma, x + 8, y + 8)});
+  const auto thresholds =
+      luma_thresholds({levels(luma, x, y), levels(luma, x + 8, y), levels(luma, x, y + 8), levels(luma, x + 8, y + 8)});
   for (std::size_t i = 0; i < 4; ++i) {
     dering_block(luma, x + 8 * static_cast<int>(i % 2), y + 8 * static_cast<int>(i / 2), 2 * width, 2 * height,
                  thresholds[i], limit);

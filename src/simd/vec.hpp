@@ -207,11 +207,21 @@ MOX_INLINE s32<B> wide_hi(s16<B> v) {
   return shr<16>(as<s32>(hi16(v, v)));
 }
 
-/// Words and doublewords shifted to the right by any number of bits.
+/// Words and doublewords shifted by any number of bits.
 MOX_INLINE s16<1> shr(s16<1> v, int n) { return {_mm_sra_epi16(v.r, _mm_cvtsi32_si128(n))}; }
 MOX_WIDE(MOX_INLINE s16<2> shr(s16<2> v, int n) { return {_mm256_sra_epi16(v.r, _mm_cvtsi32_si128(n))}; })
+MOX_INLINE s16<1> shl(s16<1> v, int n) { return {_mm_sll_epi16(v.r, _mm_cvtsi32_si128(n))}; }
+MOX_WIDE(MOX_INLINE s16<2> shl(s16<2> v, int n) { return {_mm256_sll_epi16(v.r, _mm_cvtsi32_si128(n))}; })
+MOX_INLINE s32<1> shl(s32<1> v, int n) { return {_mm_sll_epi32(v.r, _mm_cvtsi32_si128(n))}; }
+MOX_WIDE(MOX_INLINE s32<2> shl(s32<2> v, int n) { return {_mm256_sll_epi32(v.r, _mm_cvtsi32_si128(n))}; })
 MOX_INLINE s32<1> shr(s32<1> v, int n) { return {_mm_sra_epi32(v.r, _mm_cvtsi32_si128(n))}; }
 MOX_WIDE(MOX_INLINE s32<2> shr(s32<2> v, int n) { return {_mm256_sra_epi32(v.r, _mm_cvtsi32_si128(n))}; })
+
+/// The same by a number that is known once the call is inlined.
+MOX_INLINE s16<1> operator>>(s16<1> v, int n) { return {_mm_srai_epi16(v.r, n)}; }
+MOX_WIDE(MOX_INLINE s16<2> operator>>(s16<2> v, int n) { return {_mm256_srai_epi16(v.r, n)}; })
+MOX_INLINE s32<1> operator>>(s32<1> v, int n) { return {_mm_srai_epi32(v.r, n)}; }
+MOX_WIDE(MOX_INLINE s32<2> operator>>(s32<2> v, int n) { return {_mm256_srai_epi32(v.r, n)}; })
 
 // Blocks: B single blocks to one vector, and one block out of it.
 template <int B>
@@ -497,6 +507,8 @@ MOX_INLINE Smallest smallest(u16<1> v) {
   const int both = _mm_cvtsi128_si32(_mm_minpos_epu16(v.r));
   return {both & 0xFFFF, both >> 16};
 }
+/// v with another word 0.
+MOX_INLINE s16<1> with_first_word(s16<1> v, int word) { return {_mm_insert_epi16(v.r, word, 0)}; }
 /// True if no bit is set.
 MOX_INLINE bool is_zero(u16<1> v) { return _mm_testz_si128(v.r, v.r); }
 MOX_WIDE(MOX_INLINE bool is_zero(u16<2> v) { return _mm256_testz_si256(v.r, v.r); })
