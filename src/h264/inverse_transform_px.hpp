@@ -113,6 +113,16 @@ inline void dequant_transform_residual_and_add_h264_sse2(const Mox8u* pPred, Mox
   }
 }
 
+/// A quadrant with given DC values, those of each couple dcStep behind those of the one before.
+inline void dequant_transform_residual_and_add_quadrant(Mox8u* pSrcDst, Mox32s step, const Mox16s* pDC, int dcStep,
+                                                        Mox16s* pCoeff, Mox32s qp) {
+  for (int i = 0; i < 4; ++i) {
+    Mox8u* const block = pSrcDst + i / 2 * 4 * std::ptrdiff_t{step} + i % 2 * 4;
+    Mox16s* const coeff = pCoeff + 16 * i;
+    add_block(block, step, block, step, pDC + i / 2 * dcStep + i % 2, coeff, coeff, qp);
+  }
+}
+
 /// multiplier InvQuantLuma16x16DCTable[qp]; rightShift 2, 1 or 0, rounded.
 inline void dequant_transform_luma_dc_h264_sse2(Mox16s* pDC, Mox32s multiplier, Mox32s rightShift) {
   hadamard_4x4<Wrap16>(pDC);

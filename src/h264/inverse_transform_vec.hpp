@@ -15,8 +15,7 @@ namespace mox::vec {
 
 /// The sum of samples and residuals of two rows, limited.
 template <int B>
-MOX_INLINE simd::u8<B> limited_sum(simd::s16<B> first, simd::s16<B> residual, simd::s16<B> second,
-                                   simd::s16<B> more) {
+MOX_INLINE simd::u8<B> limited_sum(simd::s16<B> first, simd::s16<B> residual, simd::s16<B> second, simd::s16<B> more) {
   return packus(adds(first, residual), adds(second, more));
 }
 
@@ -144,8 +143,8 @@ template <int B>
 MOX_INLINE void add_dc_couples(const Mox8u* pred, std::ptrdiff_t predStep, Mox8u* dst, std::ptrdiff_t dstStep,
                                const Mox16s* pDC, std::ptrdiff_t dcStep) {
   alignas(16) static constexpr Mox8u kSpread[16] = {0, 1, 0, 1, 0, 1, 0, 1, 2, 3, 2, 3, 2, 3, 2, 3};
-  const auto dcs = simd::gather<simd::s16, B>(pDC, simd::strips<B>(dcStep * std::ptrdiff_t{sizeof(Mox16s)}),
-                                              simd::raw4);
+  const auto dcs =
+      simd::gather<simd::s16, B>(pDC, simd::strips<B>(dcStep * std::ptrdiff_t{sizeof(Mox16s)}), simd::raw4);
   const auto rounded = mulhrs(dcs, simd::splat<simd::s16, B>(512));
   const auto r = simd::as<simd::s16>(lookup(simd::as<simd::u8>(rounded), simd::table<simd::u8, B>(kSpread)));
   const auto from = simd::strips<B>(4 * predStep), to = simd::strips<B>(4 * dstStep);
@@ -213,6 +212,12 @@ inline void dequant_transform_residual_and_add_h264_sse2(const Mox8u* pPred, Mox
   }
 }
 
+/// The residual replaces the coefficients. The DC values of the couples are dcStep apart.
+inline void dequant_transform_residual_and_add_quadrant(Mox8u* pSrcDst, Mox32s step, const Mox16s* pDC, int dcStep,
+                                                        Mox16s* pCoeff, Mox32s qp) {
+  add_quadrant<true>(pSrcDst, step, pDC, dcStep, pCoeff, FlatScale(qp));
+}
+
 inline MoxStatus dequant_transform_residual(Mox16s* pSrcDst, Mox32s step, const Mox16s* pDC, Mox32s ac, Mox32s qp) {
   const auto dc = px::dc_of(pDC, pSrcDst, qp);
   const auto flat = simd::splat<simd::s16, 1>(px::round6<Wrap32>(dc));
@@ -246,18 +251,36 @@ inline MoxStatus scaled_residual_add_16s(const Mox8u* pPred, Mox32s predStep, Mo
   return moxStsOk;
 }
 
+/// Luma DC values. P rules the transform and the values that were shifted to the right.
+template <class P>
+MOX_INLINE void scale_luma_dc(Mox16s* pDC, int scale, const px::Rescale& by) {
+  const auto block = hadamard<P>(load_block_4x4(pDC));
+  const auto factor = simd::splat<simd::s16, 1>(scale);
+  store_block_4x4({rescaled<P>(block.upper, factor, by), rescaled<P>(block.lower, factor, by)}, pDC);
+}
+
+inline void dequant_transform_luma_dc_h264_sse2(Mox16s* pDC, Mox32s multiplier, Mox32s rightShift) {
+  scale_luma_dc<Wrap16>(pDC, multiplier, {(1 << rightShift) >> 1, rightShift, 0});
+}
+
 /// 8 rows of 8 words.
 MOX_INLINE void load_block_8x8(const Mox16s* p, simd::s16<1> (&x)[8]) {
   for (int y = 0; y < 8; ++y) x[y] = simd::load_row<simd::s16, 1>(p + 8 * y);
+}
+
+/// Dequantised coefficients to their residual, which is stored and added.
+MOX_INLINE void add_residual_8x8(const Mox8u* pred, std::ptrdiff_t predStep, Mox8u* dst, std::ptrdiff_t dstStep,
+                                 simd::s16<1> (&x)[8], Mox16s* residual) {
+  inverse_transform<Sat16>(x);
+  for (int y = 0; y < 8; ++y) store_row(x[y], residual + 8 * y);
+  add_to_prediction_8x8(pred, predStep, dst, dstStep, x);
 }
 
 inline MoxStatus residual_8x8_add_16s(const Mox8u* pPred, Mox32s predStep, Mox16s* pSrcDst, Mox8u* pDst,
                                       Mox32s dstStep) {
   simd::s16<1> x[8];
   load_block_8x8(pSrcDst, x);
-  inverse_transform<Sat16>(x);
-  for (int y = 0; y < 8; ++y) store_row(x[y], pSrcDst + 8 * y);
-  add_to_prediction_8x8(pPred, predStep, pDst, dstStep, x);
+  add_residual_8x8(pPred, predStep, pDst, dstStep, x, pSrcDst);
   return moxStsOk;
 }
 

@@ -12,13 +12,18 @@ namespace {
 struct FlatResidual {
   using Coeff = Mox16s;
   static constexpr Mox32s depth = 8;
+  static constexpr bool kQuadrants = true;
   Mox32s qp;
+  static constexpr bool lossless() { return false; }
 
   void add_4x4(Mox8u* block, Mox32s step, Mox16s* coeffs) const {
     active::dequant_transform_residual_and_add_no_dc_h264_mmp(block, step, block, step, coeffs, qp);
   }
   void add_4x4(Mox8u* block, Mox32s step, const Mox16s* dc, Mox16s* coeffs) const {
     active::dequant_transform_residual_and_add_h264_sse2(block, coeffs, dc, block, step, step, qp, coeffs != nullptr);
+  }
+  void add_quadrant(Mox8u* block, Mox32s step, const Mox16s* dc, int dcStep, Mox16s* coeffs) const {
+    active::dequant_transform_residual_and_add_quadrant(block, step, dc, dcStep, coeffs, qp);
   }
   void chroma_dc(Mox16s* dc) const { active::dequant_transform_chroma_dc_h264_sse2(dc, InvQuantTable[qp][0]); }
 };

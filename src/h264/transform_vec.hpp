@@ -87,25 +87,46 @@ MOX_INLINE void store_block_4x4(WordBlock4x4 block, Mox16s* p) {
   store_row(block.upper, p), store_row(block.lower, p + 8);
 }
 
-/// Calls pass(x) on the columns, a row a lane, and then on the rows; the upper halves of the lanes do not count.
-template <class Pass>
-MOX_INLINE WordBlock4x4 both_passes(WordBlock4x4 block, Pass pass) {
-  const auto even = lo16(block.upper, block.lower), odd = hi16(block.upper, block.lower);
-  const auto left = lo16(even, odd), right = hi16(even, odd);
-  simd::s16<1> x[4] = {left, hi64(left, left), right, hi64(right, right)};
-  pass(x);
-  const auto first = lo16(x[0], x[1]), second = lo16(x[2], x[3]);
-  const auto upper = lo32(first, second), lower = hi32(first, second);
-  x[0] = upper, x[1] = hi64(upper, upper), x[2] = lower, x[3] = hi64(lower, lower);
-  pass(x);
-  return {lo64(x[0], x[1]), lo64(x[2], x[3])};
+// The rows or the columns of a block, a vector each, whose upper halves do not count; and columns back to a block.
+struct WordLines4x4 {
+  simd::s16<1> x[4];
+};
+MOX_INLINE WordLines4x4 rows_of(WordBlock4x4 block) {
+  return {{block.upper, hi64(block.upper, block.upper), block.lower, hi64(block.lower, block.lower)}};
 }
+MOX_INLINE WordLines4x4 columns_of(WordBlock4x4 block) {
+  const auto even = lo16(block.upper, block.lower), odd = hi16(block.upper, block.lower);
+  return rows_of({lo16(even, odd), hi16(even, odd)});
+}
+MOX_INLINE WordBlock4x4 block_of_columns(const simd::s16<1> (&x)[4]) {
+  const auto first = lo16(x[0], x[1]), second = lo16(x[2], x[3]);
+  return {lo32(first, second), hi32(first, second)};
+}
+MOX_INLINE WordBlock4x4 block_of_rows(const simd::s16<1> (&x)[4]) { return {lo64(x[0], x[1]), lo64(x[2], x[3])}; }
 
 template <class P>
 MOX_INLINE WordBlock4x4 inverse_transform(WordBlock4x4 block) {
   using Lanes = TransformLanes<P, 1>;
-  const auto y = both_passes(block, [](auto& x) { inverse_pass<P, 1>(x); });
+  auto lines = columns_of(block);
+  inverse_pass<P, 1>(lines.x);
+  lines = rows_of(block_of_columns(lines.x));
+  inverse_pass<P, 1>(lines.x);
+  const auto y = block_of_rows(lines.x);
   return {px::round6<Lanes>(y.upper), px::round6<Lanes>(y.lower)};
+}
+
+/// H4 * M * H4, columns first.
+template <class P, int B, class V>
+[[gnu::flatten]] MOX_INLINE void hadamard_pass(V (&x)[4]) {
+  px::hadamard_4<TransformLanes<P, B>>(x, 1);
+}
+template <class P>
+MOX_INLINE WordBlock4x4 hadamard(WordBlock4x4 block) {
+  auto lines = rows_of(block);
+  hadamard_pass<P, 1>(lines.x);
+  lines = columns_of(block_of_rows(lines.x));
+  hadamard_pass<P, 1>(lines.x);
+  return block_of_columns(lines.x);
 }
 
 }  // namespace mox::vec
