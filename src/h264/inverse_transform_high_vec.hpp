@@ -122,7 +122,8 @@ MoxStatus dequant_8x8(typename P::Value* pSrcDst, Mox32s qpPer, const Mox16s* pI
     }
   } else {
     for (int i = 0; i < 64; i += 8 * B) {
-      const auto v = simd::load_row<simd::s16, B>(pSrcDst + i), scale = simd::load_row<simd::s16, B>(pInvLevelScale + i);
+      const auto v = simd::load_row<simd::s16, B>(pSrcDst + i),
+                 scale = simd::load_row<simd::s16, B>(pInvLevelScale + i);
       store_row(rescaled<S>(v, scale, by), pSrcDst + i);
     }
   }

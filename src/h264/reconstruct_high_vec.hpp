@@ -20,9 +20,8 @@ inline void high_add_dc_4x4(Mox16u* pSrcDst, Mox32s step, Mox32s dc, Mox32s limi
 
 /// The sum of samples and the residual, in place.
 MOX_INLINE void add_in_place(Mox16u* pSrcDst, std::ptrdiff_t step, const LongBlock8x8& residual, Mox32s limit) {
-  store_samples(residual, pSrcDst, step, limit, [=](auto v, int y, int x) {
-    return v + simd::load_row_wide<LongBlock8x8::B>(pSrcDst + y * step + x);
-  });
+  store_samples(residual, pSrcDst, step, limit,
+                [=](auto v, int y, int x) { return v + simd::load_row_wide<LongBlock8x8::B>(pSrcDst + y * step + x); });
 }
 
 inline void high_add_8x8(Mox16u* pSrcDst, Mox32s step, Mox32s* pCoeff, Mox32s qp, const Mox16s* pQuantTable,
