@@ -2,7 +2,9 @@
 
 #include "frame/arguments.hpp"
 #include "frame/generation.hpp"
+#include "h264/inverse_transform_high_vec.hpp"
 #include "h264/inverse_transform_px.hpp"
+#include "h264/inverse_transform_vec.hpp"
 
 using namespace mox;
 

@@ -68,11 +68,27 @@ inline void dequant_transform_residual_and_add_dc_ac_h264_mmp(const Mox8u* pPred
   add_block(pPred, predStep, pDst, dstStep, pDC, pCoeff, block, qp);
 }
 
+/// A quadrant is two couples, one below the other, in place. DC values stand in the 4x4 array of a macroblock's.
+inline void dequant_transform_residual_and_add_no_dc_quadrant(Mox8u* pSrcDst, Mox32s step, Mox16s* pCoeff, Mox32s qp) {
+  for (int i = 0; i < 2; ++i) {
+    Mox8u* const rows = pSrcDst + 4 * i * std::ptrdiff_t{step};
+    dequant_transform_residual_and_add_no_dc_couple_h264_sse2(rows, step, rows, step, pCoeff + 32 * i, qp);
+  }
+}
+
 inline void dequant_transform_residual_and_add_dc_ac_couple_h264_sse2(const Mox8u* pPred, Mox32s predStep, Mox8u* pDst,
                                                                       Mox32s dstStep, const Mox16s* pDC, Mox16s* pCoeff,
                                                                       Mox32s qp) {
   dequant_transform_residual_and_add_dc_ac_h264_mmp(pPred, predStep, pDst, dstStep, pDC, pCoeff, qp);
   dequant_transform_residual_and_add_dc_ac_h264_mmp(pPred + 4, predStep, pDst + 4, dstStep, pDC + 1, pCoeff + 16, qp);
+}
+
+inline void dequant_transform_residual_and_add_dc_ac_quadrant(Mox8u* pSrcDst, Mox32s step, const Mox16s* pDC,
+                                                              Mox16s* pCoeff, Mox32s qp) {
+  for (int i = 0; i < 2; ++i) {
+    Mox8u* const rows = pSrcDst + 4 * i * std::ptrdiff_t{step};
+    dequant_transform_residual_and_add_dc_ac_couple_h264_sse2(rows, step, rows, step, pDC + 4 * i, pCoeff + 32 * i, qp);
+  }
 }
 
 inline void dequant_transform_residual_and_add_no_ac_h264_mmp(const Mox8u* pPred, Mox32s predStep, Mox8u* pDst,
@@ -94,6 +110,16 @@ inline void dequant_transform_residual_and_add_h264_sse2(const Mox8u* pPred, Mox
     add_block(pPred, predStep, pDst, dstStep, pDC, pSrcDst, pSrcDst, qp);
   } else {
     add_dc(pPred, predStep, pDst, dstStep, dc_of(pDC, pSrcDst, qp));
+  }
+}
+
+/// A quadrant with given DC values, those of each couple dcStep behind those of the one before.
+inline void dequant_transform_residual_and_add_quadrant(Mox8u* pSrcDst, Mox32s step, const Mox16s* pDC, int dcStep,
+                                                        Mox16s* pCoeff, Mox32s qp) {
+  for (int i = 0; i < 4; ++i) {
+    Mox8u* const block = pSrcDst + i / 2 * 4 * std::ptrdiff_t{step} + i % 2 * 4;
+    Mox16s* const coeff = pCoeff + 16 * i;
+    add_block(block, step, block, step, pDC + i / 2 * dcStep + i % 2, coeff, coeff, qp);
   }
 }
 

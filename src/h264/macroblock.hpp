@@ -16,9 +16,8 @@ struct BlockStep {
 /// From each 4x4 luma block to the next in coding order, which goes through the quadrants one after the other.
 inline constexpr BlockStep xyoff[16] = {{4, 0}, {-4, 4}, {4, 0}, {4, -4}, {4, 0}, {-4, 4}, {4, 0}, {-12, 4},
                                         {4, 0}, {-4, 4}, {4, 0}, {4, -4}, {4, 0}, {-4, 4}, {4, 0}, {0, 0}};
-/// The same for 8x8 blocks, and for the 4x4 blocks of a chroma plane of any height.
+/// The same for 8x8 blocks.
 inline constexpr BlockStep xyoff8[4] = {{8, 0}, {-8, 8}, {8, 0}, {0, 0}};
-inline constexpr BlockStep kChromaStep[2] = {{4, 0}, {-4, 4}};
 
 /// Where block i + 1 lies, given where block i lies.
 template <class Pixel>

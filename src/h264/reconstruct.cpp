@@ -2,6 +2,7 @@
 
 #include "frame/arguments.hpp"
 #include "h264/inverse_transform_px.hpp"
+#include "h264/inverse_transform_vec.hpp"
 #include "moxvc/h264_reconstruct.h"
 
 namespace mox {
@@ -11,13 +12,18 @@ namespace {
 struct FlatResidual {
   using Coeff = Mox16s;
   static constexpr Mox32s depth = 8;
+  static constexpr bool kQuadrants = true;
   Mox32s qp;
+  static constexpr bool lossless() { return false; }
 
   void add_4x4(Mox8u* block, Mox32s step, Mox16s* coeffs) const {
     active::dequant_transform_residual_and_add_no_dc_h264_mmp(block, step, block, step, coeffs, qp);
   }
   void add_4x4(Mox8u* block, Mox32s step, const Mox16s* dc, Mox16s* coeffs) const {
     active::dequant_transform_residual_and_add_h264_sse2(block, coeffs, dc, block, step, step, qp, coeffs != nullptr);
+  }
+  void add_quadrant(Mox8u* block, Mox32s step, const Mox16s* dc, int dcStep, Mox16s* coeffs) const {
+    active::dequant_transform_residual_and_add_quadrant(block, step, dc, dcStep, coeffs, qp);
   }
   void chroma_dc(Mox16s* dc) const { active::dequant_transform_chroma_dc_h264_sse2(dc, InvQuantTable[qp][0]); }
 };
@@ -28,26 +34,35 @@ ChromaPlane<Mox8u, FlatResidual> flat_chroma(Mox16s** ppSrcCoeff, Mox8u* first, 
   return {ppSrcCoeff, first, step, chroma_pattern(cbp4x4, plane), {qp}};
 }
 
-/// Calls pair(first block of a horizontal pair, its number in coding order) for the eight pairs of a macroblock.
-template <class Pair>
-void each_pair(Mox8u* block, Mox32s step, Pair pair) {
-  for (int i = 0; i < 16; i += 2) {
-    pair(block, i);
-    block = move(move(block, step, xyoff[i]), step, xyoff[i + 1]);
+/// Calls quadrant(first block, pattern) for the quadrants of a macroblock; where that leaves the work, pair(first block
+/// of a horizontal pair, its number in coding order, pattern) for both pairs.
+template <class Quadrant, class Pair>
+void each_quadrant(Mox8u* plane, Mox32s step, Mox32u cbp4x4, Quadrant quadrant, Pair pair) {
+  for (int i = 0; i < 16; i += 4) {
+    const Mox32u coded = cbp4x4 >> (kFirstLumaBlock + i) & 15;
+    if (!quadrant(plane, i, coded)) {
+      pair(plane, i, coded & 3);
+      pair(move(plane, step, {0, 4}), i + 2, coded >> 2);
+    }
+    plane = move(plane, step, xyoff8[i / 4]);
   }
 }
 
 MoxStatus luma_inter(Mox16s** ppSrcCoeff, Mox8u* plane, Mox32s step, Mox32u cbp4x4, Mox32s qp) {
   if (!(cbp4x4 & kLumaBlocks)) return moxStsOk;
   PackedCoeffs coeffs(ppSrcCoeff);
-  each_pair(plane, step, [&](Mox8u* block, int i) {
-    const Mox32u coded = cbp4x4 >> (kFirstLumaBlock + i) & 3;
+  const auto quadrant = [&](Mox8u* block, int, Mox32u coded) {
+    if (coded == 15) active::dequant_transform_residual_and_add_no_dc_quadrant(block, step, coeffs.take(64), qp);
+    return coded == 15 || coded == 0;
+  };
+  const auto pair = [&](Mox8u* block, int, Mox32u coded) {
     if (coded == 3) {
       active::dequant_transform_residual_and_add_no_dc_couple_h264_sse2(block, step, block, step, coeffs.take(32), qp);
     } else if (coded) {
       FlatResidual{qp}.add_4x4(block + (coded == 2 ? 4 : 0), step, coeffs.take(16));
     }
-  });
+  };
+  each_quadrant(plane, step, cbp4x4, quadrant, pair);
   return moxStsOk;
 }
 
@@ -63,9 +78,14 @@ MoxStatus luma_16x16(Mox16s** ppSrcCoeff, Mox8u* plane, Mox32s step, Mox32u cbp4
   if (!(cbp4x4 & (kLumaBlocks | kLumaDC))) return moxStsOk;
   PackedCoeffs coeffs(ppSrcCoeff);
   const Mox16s* const all_dc = luma_dc(coeffs, cbp4x4, qp);
-  each_pair(plane, step, [&](Mox8u* block, int i) {
+  const auto quadrant = [&](Mox8u* block, int i, Mox32u coded) {
+    if (coded != 15) return false;
+    active::dequant_transform_residual_and_add_dc_ac_quadrant(block, step, all_dc + block_subblock_mapping[i],
+                                                              coeffs.take(64), qp);
+    return true;
+  };
+  const auto pair = [&](Mox8u* block, int i, Mox32u coded) {
     const Mox16s* const dc = all_dc + block_subblock_mapping[i];
-    const Mox32u coded = cbp4x4 >> (kFirstLumaBlock + i) & 3;
     if (coded == 0) {
       active::dequant_transform_residual_and_add_no_ac_couple_h264_sse2(block, step, block, step, dc);
     } else if (coded == 3) {
@@ -79,7 +99,8 @@ MoxStatus luma_16x16(Mox16s** ppSrcCoeff, Mox8u* plane, Mox32s step, Mox32u cbp4
                                                                 coeffs.take(16), qp);
       active::dequant_transform_residual_and_add_no_ac_h264_mmp(without_ac, step, without_ac, step, dc + without);
     }
-  });
+  };
+  each_quadrant(plane, step, cbp4x4, quadrant, pair);
   return moxStsOk;
 }
 

@@ -7,6 +7,8 @@
 ///   add_4x4(block, step, coeffs)            adds a block that has all its coefficients
 ///   add_4x4(block, step, dc, coeffs)        adds a block whose DC is given; null coeffs: nothing but the DC
 ///   add_8x8(block, step, coeffs)            adds an 8x8 block
+///   kQuadrants                              whether it takes four 4x4 blocks at once, unless lossless():
+///   add_quadrant(block, step, dc, dcStep, coeffs)   they have all their coefficients; dc null or as below
 ///   luma_dc(dc), chroma_dc(dc)              makes the DC values of a plane, in place
 /// The residual is added to the prediction that the plane holds. Not kernels: they call the generation's kernels.
 #pragma once
@@ -16,6 +18,26 @@
 #include "h264/macroblock.hpp"
 
 namespace mox {
+
+/// The blocks of a quadrant that `coded` has. dc null, or the DC values of all four, the lower ones dcStep behind the
+/// upper ones: then a block that is not coded gets its DC.
+template <class Pixel, class Residual>
+void add_quadrant(Pixel* first, Mox32s step, Mox32u coded, const typename Residual::Coeff* dc, int dcStep,
+                  const PackedCoeffs<typename Residual::Coeff>& coeffs, const Residual& residual) {
+  if constexpr (Residual::kQuadrants) {
+    if (coded == 15 && !residual.lossless()) return residual.add_quadrant(first, step, dc, dcStep, coeffs.take(64));
+  }
+  if (!(dc || coded)) return;
+  for (int i = 0; i < 4; ++i) {
+    const bool ac = coded >> i & 1;
+    Pixel* const block = move(first, step, {i % 2 * 4, i / 2 * 4});
+    if (dc) {
+      residual.add_4x4(block, step, dc + i / 2 * dcStep + i % 2, ac ? coeffs.take(16) : nullptr);
+    } else if (ac) {
+      residual.add_4x4(block, step, coeffs.take(16));
+    }
+  }
+}
 
 /// Blocks 0 to Blocks - 1 of an Intra 4x4 macroblock, each predicted from the finished ones before it. `coded` has bit
 /// i for block i. A substituted edge is reported after all blocks are done.
@@ -53,9 +75,9 @@ template <class Pixel, class Residual>
 MoxStatus inter_4x4(typename Residual::Coeff** ppSrcCoeff, Pixel* block, Mox32s step, Mox32u coded,
                     const Residual& residual) {
   PackedCoeffs coeffs(ppSrcCoeff);
-  for (int i = 0; i < 16; ++i) {
-    if (coded >> i & 1) residual.add_4x4(block, step, coeffs.take(16));
-    block = move(block, step, xyoff[i]);
+  for (int i = 0; i < 4; ++i) {
+    add_quadrant(block, step, coded >> 4 * i & 15, nullptr, 0, coeffs, residual);
+    block = move(block, step, xyoff8[i]);
   }
   return moxStsOk;
 }
@@ -84,10 +106,10 @@ MoxStatus residual_16x16(typename Residual::Coeff** ppSrcCoeff, Pixel* block, Mo
     residual.luma_dc(own);
     dc = own;
   }
-  for (int i = 0; i < 16; ++i) {
-    const bool ac = coded >> (kFirstLumaBlock + i) & 1;
-    residual.add_4x4(block, step, dc + block_subblock_mapping[i], ac ? coeffs.take(16) : nullptr);
-    block = move(block, step, xyoff[i]);
+  for (int i = 0; i < 4; ++i) {
+    const Mox32u ac = coded >> (kFirstLumaBlock + 4 * i) & 15;
+    add_quadrant(block, step, ac, dc + block_subblock_mapping[4 * i], 4, coeffs, residual);
+    block = move(block, step, xyoff8[i]);
   }
   return moxStsOk;
 }
@@ -115,11 +137,9 @@ const typename Residual::Coeff* take_chroma_dc(const ChromaPlane<Pixel, Residual
 template <int H, class Pixel, class Residual>
 void add_chroma(const ChromaPlane<Pixel, Residual>& plane, const typename Residual::Coeff* dc) {
   const PackedCoeffs coeffs(plane.ppSrcCoeff);
-  Pixel* block = plane.first;
-  for (int i = 0; i < H / 2; ++i) {
-    const bool ac = plane.coded >> (i + 1) & 1;
-    plane.residual.add_4x4(block, plane.step, dc + i, ac ? coeffs.take(16) : nullptr);
-    block = move(block, plane.step, kChromaStep[i % 2]);
+  for (int i = 0; i < H / 8; ++i) {
+    Pixel* const block = move(plane.first, plane.step, {0, 8 * i});
+    add_quadrant(block, plane.step, plane.coded >> (4 * i + 1) & 15, dc + 4 * i, 2, coeffs, plane.residual);
   }
 }
 

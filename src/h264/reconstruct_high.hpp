@@ -3,6 +3,7 @@
 
 #include "frame/generation.hpp"
 #include "h264/reconstruct_high_px.hpp"
+#include "h264/reconstruct_high_vec.hpp"
 #include "h264/reconstruct_scaled.hpp"
 
 namespace mox {
@@ -11,6 +12,7 @@ namespace mox {
 class HighResidual {
  public:
   using Coeff = Mox32s;
+  static constexpr bool kQuadrants = false;
   Mox32s depth;
 
   HighResidual(Mox32s bitDepth, Mox32s qp, const Mox16s* pQuantTable, bool bypass)

@@ -3,6 +3,7 @@
 
 #include "frame/generation.hpp"
 #include "h264/reconstruct_scaled_px.hpp"
+#include "h264/reconstruct_scaled_vec.hpp"
 
 namespace mox {
 
@@ -11,6 +12,7 @@ class ScaledResidual {
  public:
   using Coeff = Mox16s;
   static constexpr Mox32s depth = 8;
+  static constexpr bool kQuadrants = true;
 
   /// `bypass` asks for lossless blocks, which QP 0 alone has.
   ScaledResidual(Mox32s qp, const Mox16s* pQuantTable, bool bypass)
@@ -27,6 +29,10 @@ class ScaledResidual {
                                                                                 coeffs != nullptr);
     }
     add_scaled(block, step, dc, coeffs);
+  }
+  void add_quadrant(Mox8u* block, Mox32s step, const Mox16s* dc, int dcStep, Mox16s* coeffs) const {
+    active::dequant_transform_residual_and_add_h264_high_quadrant(block, step, dc, dcStep, coeffs, scale_,
+                                                                  px::rescale_4x4(per_));
   }
   void add_8x8(Mox8u* block, Mox32s step, Mox16s* coeffs) const {
     if (lossless_) return active::lossless_transform_residual_and_add_8x8_h264_sse2(block, coeffs, step);

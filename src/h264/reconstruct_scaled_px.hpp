@@ -24,6 +24,19 @@ inline void dequant_transform_residual_and_add_h264_high_sse2(const Mox8u* pPred
   add_to_prediction<4>(pPred, predStep, pDst, dstStep, 255, [pCoeff](int x, int y) { return pCoeff[4 * y + x]; });
 }
 
+/// A quadrant of four blocks with AC coefficients. pDC or null: the values of the lower blocks are dcStep behind those
+/// of the upper ones.
+inline void dequant_transform_residual_and_add_h264_high_quadrant(Mox8u* pSrcDst, Mox32s step, const Mox16s* pDC,
+                                                                  int dcStep, Mox16s* pCoeff, const Mox16s* pQuantTable,
+                                                                  const Rescale& by) {
+  for (int i = 0; i < 4; ++i) {
+    Mox8u* const block = pSrcDst + i / 2 * 4 * std::ptrdiff_t{step} + i % 2 * 4;
+    const Mox16s* const dc = pDC ? pDC + i / 2 * dcStep + i % 2 : nullptr;
+    dequant_transform_residual_and_add_h264_high_sse2(block, pCoeff + 16 * i, pQuantTable, dc, block, step, step,
+                                                      by.rounding, by.right, by.left, 1);
+  }
+}
+
 /// Values that were shifted to the right saturate, others wrap. The residual replaces the coefficients.
 inline void dequant_transform_residual_and_add_8x8_h264_sse2(Mox8u* pDst, Mox16s* pCoeff, const Mox16s* pQuantTable,
                                                              Mox32s step, Mox32s rounding, Mox32s right, Mox32s left) {

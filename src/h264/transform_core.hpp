@@ -1,7 +1,8 @@
 /// The transforms of H.264 (ITU-T H.264 8.5.10 to 8.5.13), in place, for every way of keeping an intermediate value.
 ///
 /// The policy P (Wrap16, Sat16, Wrap32 of frame/arithmetic.hpp) rules each sum and difference. Where it saturates, the
-/// order of the sums shows in the result: it is the one written here, left to right.
+/// order of the sums shows in the result: it is the one written here, left to right. Passes over one row or column take
+/// vectors as well, a row or column a lane.
 #pragma once
 
 #include <cstddef>
@@ -49,7 +50,7 @@ constexpr void inverse_4x4(typename P::Value* block, std::ptrdiff_t row = 4) {
 /// Inverse transform of eight values that lie `stride` apart; the names are those of 8.5.13.
 template <class P>
 constexpr void inverse_8(typename P::Value* x, std::ptrdiff_t stride) {
-  const Mox32s x1 = x[stride], x3 = x[3 * stride], x5 = x[5 * stride], x7 = x[7 * stride];
+  const auto x1 = x[stride], x3 = x[3 * stride], x5 = x[5 * stride], x7 = x[7 * stride];
   const auto a0 = P::add(x[0], x[4 * stride]);
   const auto a2 = P::sub(x[0], x[4 * stride]);
   const auto a4 = P::sub(x[2 * stride] >> 1, x[6 * stride]);

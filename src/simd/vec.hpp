@@ -207,11 +207,21 @@ MOX_INLINE s32<B> wide_hi(s16<B> v) {
   return shr<16>(as<s32>(hi16(v, v)));
 }
 
-/// Words and doublewords shifted to the right by any number of bits.
+/// Words and doublewords shifted by any number of bits.
 MOX_INLINE s16<1> shr(s16<1> v, int n) { return {_mm_sra_epi16(v.r, _mm_cvtsi32_si128(n))}; }
 MOX_WIDE(MOX_INLINE s16<2> shr(s16<2> v, int n) { return {_mm256_sra_epi16(v.r, _mm_cvtsi32_si128(n))}; })
+MOX_INLINE s16<1> shl(s16<1> v, int n) { return {_mm_sll_epi16(v.r, _mm_cvtsi32_si128(n))}; }
+MOX_WIDE(MOX_INLINE s16<2> shl(s16<2> v, int n) { return {_mm256_sll_epi16(v.r, _mm_cvtsi32_si128(n))}; })
+MOX_INLINE s32<1> shl(s32<1> v, int n) { return {_mm_sll_epi32(v.r, _mm_cvtsi32_si128(n))}; }
+MOX_WIDE(MOX_INLINE s32<2> shl(s32<2> v, int n) { return {_mm256_sll_epi32(v.r, _mm_cvtsi32_si128(n))}; })
 MOX_INLINE s32<1> shr(s32<1> v, int n) { return {_mm_sra_epi32(v.r, _mm_cvtsi32_si128(n))}; }
 MOX_WIDE(MOX_INLINE s32<2> shr(s32<2> v, int n) { return {_mm256_sra_epi32(v.r, _mm_cvtsi32_si128(n))}; })
+
+/// The same by a number that is known once the call is inlined.
+MOX_INLINE s16<1> operator>>(s16<1> v, int n) { return {_mm_srai_epi16(v.r, n)}; }
+MOX_WIDE(MOX_INLINE s16<2> operator>>(s16<2> v, int n) { return {_mm256_srai_epi16(v.r, n)}; })
+MOX_INLINE s32<1> operator>>(s32<1> v, int n) { return {_mm_srai_epi32(v.r, n)}; }
+MOX_WIDE(MOX_INLINE s32<2> operator>>(s32<2> v, int n) { return {_mm256_srai_epi32(v.r, n)}; })
 
 // Blocks: B single blocks to one vector, and one block out of it.
 template <int B>
@@ -382,6 +392,17 @@ MOX_INLINE u16<B> load_row_wide(const void* p) {
   if constexpr (B == 1) return {_mm_cvtepu8_epi16(raw8(p))};
   MOX_WIDE(else return {_mm256_cvtepu8_epi16(raw16(p))};)
 }
+/// 4 B words, zero-extended or sign-extended by the type of the element.
+template <int B>
+MOX_INLINE s32<B> load_row_wide(const Mox16u* p) {
+  if constexpr (B == 1) return {_mm_cvtepu16_epi32(raw8(p))};
+  MOX_WIDE(else return {_mm256_cvtepu16_epi32(raw16(p))};)
+}
+template <int B>
+MOX_INLINE s32<B> load_row_wide(const Mox16s* p) {
+  if constexpr (B == 1) return {_mm_cvtepi16_epi32(raw8(p))};
+  MOX_WIDE(else return {_mm256_cvtepi16_epi32(raw16(p))};)
+}
 template <template <int> class V, int B>
 MOX_INLINE void store_row(V<B> v, void* p) {
   if constexpr (B == 1) _mm_storeu_si128(static_cast<__m128i*>(p), v.r);
@@ -509,6 +530,9 @@ MOX_INLINE Smallest smallest(u16<1> v) {
   const int both = _mm_cvtsi128_si32(_mm_minpos_epu16(v.r));
   return {both & 0xFFFF, both >> 16};
 }
+/// v with another first element.
+MOX_INLINE s16<1> with_first_word(s16<1> v, int word) { return {_mm_insert_epi16(v.r, word, 0)}; }
+MOX_INLINE s32<1> with_first_doubleword(s32<1> v, int value) { return {_mm_insert_epi32(v.r, value, 0)}; }
 /// True if no bit is set.
 MOX_INLINE bool is_zero(u16<1> v) { return _mm_testz_si128(v.r, v.r); }
 MOX_WIDE(MOX_INLINE bool is_zero(u16<2> v) { return _mm256_testz_si256(v.r, v.r); })

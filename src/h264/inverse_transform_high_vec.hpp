@@ -1,0 +1,201 @@
+/// Vector kernels of H.264 dequantisation and inverse transforms with 32-bit coefficients, and those kernels that serve
+/// both widths. Sums and products wrap.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+
+#include "frame/generation.hpp"
+#include "h264/inverse_transform_px.hpp"
+#include "h264/inverse_transform_vec.hpp"
+#include "h264/transform_vec.hpp"
+#include "simd/vec.hpp"
+
+namespace mox::vec {
+
+template <int B>
+MOX_INLINE simd::s32<B> rescaled(simd::s32<B> product, const px::Rescale& by) {
+  return shl(shr(product + simd::splat<simd::s32, B>(by.rounding), by.right), by.left);
+}
+
+template <int B>
+MOX_INLINE simd::s32<B> clip_lanes(simd::s32<B> v, Mox32s limit) {
+  return min(max(v, simd::zero<simd::s32, B>()), simd::splat<simd::s32, B>(limit));
+}
+
+/// The four rows of a 4x4 block.
+struct LongRows4x4 {
+  simd::s32<1> x[4];
+};
+MOX_INLINE LongRows4x4 load_rows_4x4(const Mox32s* p) {
+  LongRows4x4 rows;
+  for (int y = 0; y < 4; ++y) rows.x[y] = simd::load_row<simd::s32, 1>(p + 4 * y);
+  return rows;
+}
+MOX_INLINE void store_rows_4x4(const LongRows4x4& rows, Mox32s* p) {
+  for (int y = 0; y < 4; ++y) store_row(rows.x[y], p + 4 * y);
+}
+
+MOX_INLINE void add_to_prediction_4x4(const Mox16u* pred, std::ptrdiff_t predStep, Mox16u* dst, std::ptrdiff_t dstStep,
+                                      const LongRows4x4& residual, Mox32s limit) {
+  const auto row = [&](int y) {
+    return clip_lanes(simd::load_row_wide<1>(pred + y * predStep) + residual.x[y], limit);
+  };
+  const auto upper = packus(row(0), row(1)), lower = packus(row(2), row(3));
+  const std::ptrdiff_t bytes = dstStep * std::ptrdiff_t{sizeof(Mox16u)};
+  store8x2(upper, dst, bytes, simd::Strips<1>{});
+  store8x2(lower, dst + 2 * dstStep, bytes, simd::Strips<1>{});
+}
+
+/// A block whose residual replaces its coefficients. pDC or null.
+MOX_INLINE void add_scaled_4x4(const Mox16u* pred, std::ptrdiff_t predStep, Mox32s* coeff, const Mox32s* pDC,
+                               Mox16u* dst, std::ptrdiff_t dstStep, Mox32s qp, const Mox16s* scales, Mox32s limit) {
+  auto rows = load_rows_4x4(coeff);
+  const px::Rescale by = px::rescale_4x4(h264_qp6[qp]);
+  for (int y = 0; y < 4; ++y) rows.x[y] = rescaled(rows.x[y] * simd::load_row_wide<1>(scales + 4 * y), by);
+  if (pDC) rows.x[0] = simd::with_first_doubleword(rows.x[0], *pDC);
+  inverse_transform<Wrap32>(rows.x);
+  store_rows_4x4(rows, coeff);
+  add_to_prediction_4x4(pred, predStep, dst, dstStep, rows, limit);
+}
+
+inline MoxStatus scaled_residual_add_32s(const Mox16u* pPred, Mox32s predStep, Mox32s* pSrcDst, const Mox32s* pDC,
+                                         Mox16u* pDst, Mox32s dstStep, Mox32s qp, Mox32s ac, Mox32s bitDepth,
+                                         const Mox16s* pLevelScale) {
+  const Mox32s limit = sample_max(bitDepth);
+  if (ac & 1) {
+    const Mox16s* const scales = pLevelScale ? pLevelScale : InvLevelScale_4x4_default[h264_qp_rem[qp]].data();
+    add_scaled_4x4(pPred, predStep, pSrcDst, pDC, pDst, dstStep, qp, scales, limit);
+    return moxStsOk;
+  }
+  // Signed sums, then an unsigned limit, as in the portable add_dc_high.
+  const auto r = simd::splat<simd::s16, 1>(px::round6<Wrap32>(px::scaled_dc<Wrap32>(pSrcDst, pDC, qp, pLevelScale)));
+  const auto most = simd::splat<simd::u16, 1>(limit);
+  constexpr std::ptrdiff_t kSize = sizeof(Mox16u);
+  for (int y = 0; y < 4; y += 2) {
+    const auto samples = simd::load8x2<simd::s16, 1>(pPred + y * std::ptrdiff_t{predStep}, predStep * kSize, {});
+    store8x2(min(simd::as<simd::u16>(adds(samples, r)), most), pDst + y * std::ptrdiff_t{dstStep}, dstStep * kSize,
+             simd::Strips<1>{});
+  }
+  return moxStsOk;
+}
+
+template <class P>
+MoxStatus residual_4x4(const typename P::Value* pSrc, typename P::Value* pDst) {
+  if constexpr (std::is_same_v<P, Wrap32>) {
+    auto rows = load_rows_4x4(pSrc);
+    inverse_transform<P>(rows.x);
+    store_rows_4x4(rows, pDst);
+  } else {
+    store_block_4x4(inverse_transform<P>(load_block_4x4(pSrc)), pDst);
+  }
+  return moxStsOk;
+}
+
+template <class S, class P>
+MoxStatus luma_dc_4x4(typename P::Value* pSrcDst, Mox32s qp, const Mox16s* pLevelScale) {
+  const px::Rescale by = px::rescale_8x8(h264_qp6[qp]);
+  const Mox32s scale = px::dc_scale(pLevelScale, h264_qp_rem[qp]);
+  if constexpr (std::is_same_v<P, Wrap32>) {
+    auto rows = load_rows_4x4(pSrcDst);
+    hadamard_pass<P, 1>(rows.x);
+    transpose(rows.x);
+    hadamard_pass<P, 1>(rows.x);
+    transpose(rows.x);
+    for (auto& row : rows.x) row = rescaled(row * simd::splat<simd::s32, 1>(scale), by);
+    store_rows_4x4(rows, pSrcDst);
+  } else {
+    scale_luma_dc<S>(pSrcDst, scale, by);
+  }
+  return moxStsOk;
+}
+
+template <class S, class P>
+MoxStatus dequant_8x8(typename P::Value* pSrcDst, Mox32s qpPer, const Mox16s* pInvLevelScale) {
+  constexpr int B = simd::kBlocks;
+  const px::Rescale by = px::rescale_8x8(qpPer);
+  if constexpr (std::is_same_v<P, Wrap32>) {
+    for (int i = 0; i < 64; i += 4 * B) {
+      const auto v = min(max(simd::load_row<simd::s32, B>(pSrcDst + i), simd::splat<simd::s32, B>(-32768)),
+                         simd::splat<simd::s32, B>(32767));
+      store_row(rescaled(v * simd::load_row_wide<B>(pInvLevelScale + i), by), pSrcDst + i);
+    }
+  } else {
+    for (int i = 0; i < 64; i += 8 * B) {
+      const auto v = simd::load_row<simd::s16, B>(pSrcDst + i),
+                 scale = simd::load_row<simd::s16, B>(pInvLevelScale + i);
+      store_row(rescaled<S>(v, scale, by), pSrcDst + i);
+    }
+  }
+  return moxStsOk;
+}
+
+/// An 8x8 block: its rows in one vector each, or in two, of the left and of the right half.
+struct LongBlock8x8 {
+  static constexpr int B = simd::kBlocks, kParts = 2 / B;
+  simd::s32<B> part[kParts][8];
+};
+
+/// Makes row y what row(y, first column of the part) gives.
+template <class Row>
+MOX_INLINE LongBlock8x8 make_rows(Row row) {
+  LongBlock8x8 block;
+  for (int y = 0; y < 8; ++y) {
+    for (int i = 0; i < LongBlock8x8::kParts; ++i) block.part[i][y] = row(y, 4 * i);
+  }
+  return block;
+}
+
+template <int B, int kParts>
+MOX_INLINE void transpose(simd::s32<B> (&part)[kParts][8]) {
+  for (auto& x : part) {
+    simd::s32<B> upper[4], lower[4];
+    std::copy_n(x, 4, upper), std::copy_n(x + 4, 4, lower);
+    transpose(upper), transpose(lower);
+    if constexpr (B == 1) {
+      std::copy_n(upper, 4, x), std::copy_n(lower, 4, x + 4);
+    } else {
+      for (int i = 0; i < 4; ++i) {
+        x[i] = first_blocks(upper[i], lower[i]), x[4 + i] = second_blocks(upper[i], lower[i]);
+      }
+    }
+  }
+  if constexpr (B == 1) {
+    for (int i = 0; i < 4; ++i) std::swap(part[0][4 + i], part[1][i]);
+  }
+}
+
+/// Both passes, without the final rounding.
+MOX_INLINE void inverse_passes(LongBlock8x8& block) {
+  for (int pass = 0; pass < 2; ++pass) {
+    transpose(block.part);
+    for (auto& x : block.part) inverse_pass<Wrap32, LongBlock8x8::B>(x);
+  }
+}
+
+/// Samples are what sample(v, y, first column of the part) makes of the vectors, limited.
+template <class Sample>
+MOX_INLINE void store_samples(const LongBlock8x8& block, Mox16u* dst, std::ptrdiff_t dstStep, Mox32s limit,
+                              Sample sample) {
+  constexpr int B = LongBlock8x8::B;
+  const auto at = [&](int y, int part) { return clip_lanes(sample(block.part[part][y], y, 4 * part), limit); };
+  for (int y = 0; y < 8; y += B) {
+    const auto packed = B == 1 ? packus(at(y, 0), at(y, LongBlock8x8::kParts - 1)) : packus(at(y, 0), at(y + B - 1, 0));
+    store16(regroup(packed), dst + y * dstStep, simd::strips<B>(dstStep * std::ptrdiff_t{sizeof(Mox16u)}));
+  }
+}
+
+inline MoxStatus residual_8x8_add_32s(const Mox16u* pPred, Mox32s predStep, const Mox32s* pSrcDst, Mox16u* pDst,
+                                      Mox32s dstStep, Mox32s bitDepth) {
+  constexpr int B = LongBlock8x8::B;
+  auto block = make_rows([=](int y, int x) { return simd::load_row<simd::s32, B>(pSrcDst + 8 * y + x); });
+  inverse_passes(block);
+  const auto half = simd::splat<simd::s32, B>(32);
+  store_samples(block, pDst, dstStep, sample_max(bitDepth), [=](auto v, int y, int x) {
+    const auto samples = simd::load_row_wide<B>(pPred + y * std::ptrdiff_t{predStep} + x);
+    return simd::shr<6>(v + half + simd::shl<6>(samples));
+  });
+  return moxStsOk;
+}
+
+}  // namespace mox::vec
