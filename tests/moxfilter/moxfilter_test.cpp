@@ -174,13 +174,10 @@ TEST_F(Moxfilter, DenoisersGiveWhatTheLibraryGives) {
   EXPECT_TRUE(same(filtered(input + " --filter adaptive --mask-width 2 --mask-height 3 --threshold 30 --temporal 1"),
                    by_library(kSize, kFrames, raw, adaptive)));
   EXPECT_EQ(moxiFilterDenoiseAdaptiveFree_8u_C1(state), moxStsOk);
-  Mox32s bytes = 0;
-  ASSERT_EQ(moxiFilterDenoiseCASTGetSize(&bytes), moxStsOk);
-  std::vector<Mox8u> memory(static_cast<std::size_t>(bytes));
-  auto* const context = reinterpret_cast<MoxiDenoiseCASTState*>(memory.data());
-  ASSERT_EQ(moxiFilterDenoiseCASTInit(context, 9, 11, 13), moxStsOk);
+  MoxiDenoiseCASTState context;
+  ASSERT_EQ(moxiFilterDenoiseCASTInit(&context, 9, 11, 13), moxStsOk);
   const auto cast = [&](auto source, int step, const Mox8u* last, Mox8u* out, MoxiSize size) {
-    return moxiFilterDenoiseCAST_8u_C1R(source(0), step, last, step, out, step, size, context);
+    return moxiFilterDenoiseCAST_8u_C1R(source(0), step, last, step, out, step, size, &context);
   };
   EXPECT_TRUE(same(filtered(input + " --filter cast --noise-level 9 --spatial 11 --temporal 13"),
                    by_library(kSize, kFrames, raw, cast)));
