@@ -22,6 +22,7 @@
  *  a motion of 12 N and none from 24 N on: the range of 9 samples of noise alone is about 3 N, and they differ from the
  *  result before by about 9 N together. A neighbour across an edge of more than 3 N has no part in the mean at all.
  *
+ *  Halves are rounded upwards in every frame, which leaves a still noisy picture up to about half a level brighter.
  *  For a first frame, give the frame itself as the previous result. A sequence needs two result planes, in turn.
  *
  *  Memory. A call reads the regions of pSrc and pPrev and writes that of pDst, which must not overlap them. Steps count
