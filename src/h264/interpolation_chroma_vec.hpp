@@ -10,27 +10,10 @@
 #include "frame/generation.hpp"
 #include "frame/table.hpp"
 #include "h264/interpolation_chroma_px.hpp"
+#include "h264/row_blocks_vec.hpp"
 #include "simd/vec.hpp"
 
 namespace mox::vec {
-
-/// `kRows` short rows in each of B blocks, or one row of 16 bytes, `gap` bytes from one to the next.
-template <template <int> class V, int B, int kBytes, int kRows>
-MOX_INLINE V<B> load_chroma(const void* p, std::ptrdiff_t gap) {
-  if constexpr (kBytes == 16)
-    return simd::load16<V, B>(p, simd::strips<B>(gap));
-  else
-    return simd::gather<V, B>(p, simd::strips<B>(kRows * gap),
-                              [gap](const Mox8u* q) { return simd::load_rows<kBytes, kRows>(q, gap).r; });
-}
-template <int B, int kBytes, int kRows>
-MOX_INLINE void store_chroma(simd::u8<B> v, void* p, std::ptrdiff_t gap) {
-  if constexpr (kBytes == 16)
-    simd::store16(v, p, simd::strips<B>(gap));
-  else
-    simd::scatter<0, B>(v.r, p, simd::strips<B>(kRows * gap),
-                        [gap](Mox8u* q, auto one) { simd::store_rows<kBytes, kRows>({one}, q, gap); });
-}
 
 /// Pairs of neighbours, from the lower and the upper half of each block.
 template <class Vector>
@@ -47,7 +30,7 @@ struct ChromaBytes {
   using Vector = simd::u8<B>;
 
   MOX_INLINE static Vector load(const Mox8u* p, std::ptrdiff_t gap) {
-    return load_chroma<simd::u8, B, kBytes, kRows>(p, gap);
+    return load_row_blocks<simd::u8, B, kBytes, kRows>(p, gap);
   }
   MOX_INLINE static ChromaPairs<Vector> pairs(Vector a, Vector b) { return {lo8(a, b), hi8(a, b)}; }
   MOX_INLINE static Vector weights(int first, int second) {
@@ -63,12 +46,12 @@ struct ChromaBytes {
 
   MOX_INLINE static void store(Vector v, const MoxiInterpKernelArgs<Mox8u>& a, std::ptrdiff_t at, std::ptrdiff_t gap) {
     if constexpr (kChannels == 1) {
-      store_chroma<B, kBytes, kRows>(v, a.pDst + at, gap);
+      store_row_blocks<kBytes, kRows>(v, a.pDst + at, gap);
     } else {
       alignas(16) static constexpr Mox8u kApart[16] = {0, 2, 4, 6, 8, 10, 12, 14, 1, 3, 5, 7, 9, 11, 13, 15};
       const Vector both = lookup(v, simd::table<simd::u8, B>(kApart));
-      store_chroma<B, kBytes / 2, kRows>(both, a.pDst + at, gap);
-      store_chroma<B, kBytes / 2, kRows>(hi64(both, both), a.pDst2 + at, gap);
+      store_row_blocks<kBytes / 2, kRows>(both, a.pDst + at, gap);
+      store_row_blocks<kBytes / 2, kRows>(hi64(both, both), a.pDst2 + at, gap);
     }
   }
 };
@@ -83,7 +66,7 @@ struct ChromaWords {
 
   MOX_INLINE static Vector moved(Vector v) { return v ^ simd::splat<simd::s16, B>(-32768); }
   MOX_INLINE static Vector load(const Mox16u* p, std::ptrdiff_t gap) {
-    return moved(load_chroma<simd::s16, B, 2 * kColumns, kRows>(p, gap));
+    return moved(load_row_blocks<simd::s16, B, 2 * kColumns, kRows>(p, gap));
   }
   MOX_INLINE static ChromaPairs<Vector> pairs(Vector a, Vector b) { return {lo16(a, b), hi16(a, b)}; }
   MOX_INLINE static Vector weights(int first, int second) {
@@ -96,7 +79,7 @@ struct ChromaWords {
   }
   MOX_INLINE static Vector pack(simd::s32<B> low, simd::s32<B> high) { return packs(low, high); }
   MOX_INLINE static void store(Vector v, const MoxiInterpKernelArgs<Mox16u>& a, std::ptrdiff_t at, std::ptrdiff_t gap) {
-    store_chroma<B, 2 * kColumns, kRows>(simd::as<simd::u8>(moved(v)), a.pDst + at, gap);
+    store_row_blocks<2 * kColumns, kRows>(simd::as<simd::u8>(moved(v)), a.pDst + at, gap);
   }
 };
 

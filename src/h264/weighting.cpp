@@ -1,6 +1,6 @@
 #include "frame/arguments.hpp"
 #include "frame/generation.hpp"
-#include "h264/weighting_px.hpp"
+#include "h264/weighting_vec.hpp"
 #include "moxvc/h264_weighting.h"
 
 using namespace mox;
