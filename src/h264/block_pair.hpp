@@ -44,7 +44,7 @@ MoxStatus combine(BlockPair<T> at, MoxiSize size, Rule rule) {
 
 /// The mean of two blocks, halves upwards.
 template <int W, int H, class T>
-MoxStatus average_block(BlockPair<T> at, MoxiSize size) {
+MoxStatus average_block(const BlockPair<T>& at, MoxiSize size) {
   return combine<W, H>(at, size, [](Mox32s a, Mox32s b) { return static_cast<T>(avg_up(a, b)); });
 }
 

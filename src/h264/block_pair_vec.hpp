@@ -57,7 +57,7 @@ MOX_INLINE MoxStatus combine_block(BlockPair<T> at, MoxiSize size, const Rule& r
 
 /// The mean of two blocks, halves upwards.
 template <int W, int H, class T>
-MoxStatus average_block(BlockPair<T> at, MoxiSize size) {
+MoxStatus average_block(const BlockPair<T>& at, MoxiSize size) {
   const auto mean = []<int B>(simd::u8<B> a, simd::u8<B> b) {
     if constexpr (sizeof(T) == 1) return avg(a, b);
     return simd::as<simd::u8>(avg(simd::as<simd::u16>(a), simd::as<simd::u16>(b)));

@@ -12,7 +12,7 @@ namespace mox::vec {
 
 /// A width and height of 0 stand for those of `size`.
 template <int W, int H>
-MoxStatus interpolate_block_h264_mmp(BlockPair<Mox8u> at, MoxiSize size) {
+MoxStatus interpolate_block_h264_mmp(const BlockPair<Mox8u>& at, MoxiSize size) {
   return average_block<W, H>(at, size);
 }
 

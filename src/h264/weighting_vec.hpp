@@ -80,27 +80,29 @@ using WeightedSamples = std::conditional_t<sizeof(T) == 1, WeightedBytes, Weight
 
 /// Two blocks. A width and height of 0 stand for those of `size`.
 template <int W, int H, class T>
-MoxStatus weight_pair(BlockPair<T> at, Weighting by, MoxiSize size) {
+MoxStatus weight_pair(const BlockPair<T>& at, const Weighting& by, MoxiSize size) {
   using Samples = WeightedSamples<T>;
   const auto portable = [&] { return px::weight_pair<0, 0>(at, by, size); };
   if (!Samples::fits(by)) return portable();
   const Samples samples(by);
-  return combine_block<W, H>(at, size, [&](auto a, auto b) { return samples(a, b); }, portable);
+  return combine_block<W, H>(
+      at, size, [&](auto a, auto b) { return samples(a, b); }, portable);
 }
 
 /// One block, in place.
 template <int W, class T>
-MoxStatus weight_single(T* block, std::ptrdiff_t step, Weighting by, MoxiSize size) {
+MoxStatus weight_single(T* block, std::ptrdiff_t step, const Weighting& by, MoxiSize size) {
   using Samples = WeightedSamples<T>;
   const auto portable = [&] { return px::weight_single<0>(block, step, by, size); };
   if (!Samples::fits(by)) return portable();
   const Samples samples(by);
   const BlockPair<T> at = {block, step, block, step, block, step};
-  return combine_block<W, 0>(at, size, [&](auto a) { return samples(a, a); }, portable);
+  return combine_block<W, 0>(
+      at, size, [&](auto a) { return samples(a, a); }, portable);
 }
 
 template <int W, int H>
-MoxStatus bidir_weight_block_H264_P3P1(BlockPair<Mox8u> at, Weighting by, MoxiSize size) {
+MoxStatus bidir_weight_block_H264_P3P1(const BlockPair<Mox8u>& at, const Weighting& by, MoxiSize size) {
   return weight_pair<W, H>(at, by, size);
 }
 
