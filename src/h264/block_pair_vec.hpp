@@ -32,37 +32,44 @@ MOX_INLINE void combine_rows(BlockPair<T> at, int height, const Rule& rule) {
   if constexpr (kRows > 1) combine_rows<W, kRows / 2>(at, height, rule);
 }
 
-/// Stores what the rule makes of each vector of samples. A width or height of 0 is taken from `size`; blocks of other
-/// widths than 2, 4, 8 and 16 are left to portable().
-template <int W, int H, class T, class Rule, class Portable>
-MOX_INLINE MoxStatus combine_block(BlockPair<T> at, MoxiSize size, const Rule& rule, const Portable& portable) {
-  if constexpr (W == 0) {
-    switch (size.width) {
-      case 2: return combine_block<2, H>(at, size, rule, portable);
-      case 4: return combine_block<4, H>(at, size, rule, portable);
-      case 8: return combine_block<8, H>(at, size, rule, portable);
-      case 16: return combine_block<16, H>(at, size, rule, portable);
-      default: return portable();
-    }
-  } else {
-    constexpr int kVector = 16 * simd::kBlocks, kSize = sizeof(T), kColumns = std::min(W, kVector / kSize);
-    constexpr int kBytes = kColumns * kSize, kRows = (kBytes < 16 ? 16 : kVector) / kBytes;
-    for (int x = 0; x < W; x += kColumns) {
-      combine_rows<kColumns, kRows>(at, H > 0 ? H : size.height, rule);
-      at.src1 += kColumns, at.src2 += kColumns, at.dst += kColumns;
-    }
-    return moxStsOk;
+/// The first W columns. `at` moves on behind them.
+template <int W, class T, class Rule>
+MOX_INLINE void combine_columns(BlockPair<T>& at, int height, const Rule& rule) {
+  constexpr int kVector = 16 * simd::kBlocks, kSize = sizeof(T), kColumns = std::min(W, kVector / kSize);
+  constexpr int kBytes = kColumns * kSize, kRows = (kBytes < 16 ? 16 : kVector) / kBytes;
+  for (int x = 0; x < W; x += kColumns) {
+    combine_rows<kColumns, kRows>(at, height, rule);
+    at.src1 += kColumns, at.src2 += kColumns, at.dst += kColumns;
   }
 }
 
-/// The mean of two blocks, halves upwards.
+/// Stores what the rule makes of each vector of samples of a block W wide. If W is 0, `size` tells the width, and a
+/// last odd column is left: `at` moves on to it.
+template <int W, class T, class Rule>
+MOX_INLINE MoxStatus combine_block(BlockPair<T>& at, MoxiSize size, const Rule& rule) {
+  if constexpr (W > 0) {
+    combine_columns<W>(at, size.height, rule);
+  } else if (size.width > 0) {
+    for (int x = 16; x <= size.width; x += 16) combine_columns<16>(at, size.height, rule);
+    if (size.width & 8) combine_columns<8>(at, size.height, rule);
+    if (size.width & 4) combine_columns<4>(at, size.height, rule);
+    if (size.width & 2) combine_columns<2>(at, size.height, rule);
+  }
+  return moxStsOk;
+}
+
+/// The mean of two blocks, halves upwards. A width or height of 0 is taken from `size`.
 template <int W, int H, class T>
-MoxStatus average_block(const BlockPair<T>& at, MoxiSize size) {
+MoxStatus average_block(const BlockPair<T>& blocks, MoxiSize size) {
   const auto mean = []<int B>(simd::u8<B> a, simd::u8<B> b) {
     if constexpr (sizeof(T) == 1) return avg(a, b);
     return simd::as<simd::u8>(avg(simd::as<simd::u16>(a), simd::as<simd::u16>(b)));
   };
-  return combine_block<W, H>(at, size, mean, [&] { return px::average_block<0, 0>(at, size); });
+  BlockPair<T> at = blocks;
+  if constexpr (H > 0) size.height = H;
+  combine_block<W>(at, size, mean);
+  if (W == 0 && size.width % 2 != 0) return px::average_block<1, 0>(at, size);
+  return moxStsOk;
 }
 
 }  // namespace mox::vec

@@ -92,4 +92,21 @@ inline constexpr auto bidir_weight_16u =
 inline constexpr auto bidir_average_16u =
     make_table<17>([]<std::size_t I>() { return &average_block<fixed_width(I), 0, Mox16u>; });
 
+/// Blocks of the sizes in the tables.
+inline MoxStatus weight_blocks(const BlockPair<Mox8u>& at, Weighting by, MoxiSize size) {
+  return bidir_weight_block_H264_8u_P3P1[bidir_index(size)](at, by, size);
+}
+inline MoxStatus weight_blocks(const BlockPair<Mox16u>& at, Weighting by, MoxiSize size) {
+  return bidir_weight_16u[size.width](at, by, size);
+}
+inline MoxStatus weight_blocks_of_any_size(const BlockPair<Mox8u>& at, Weighting by, MoxiSize size) {
+  return bidir_weight_block_H264_P3P1<0, 0>(at, by, size);
+}
+inline MoxStatus weight_block(Mox8u* block, std::ptrdiff_t step, Weighting by, MoxiSize size) {
+  return unidir_weight_8u[size.width](block, step, by, size);
+}
+inline MoxStatus weight_block(Mox16u* block, std::ptrdiff_t step, Weighting by, MoxiSize size) {
+  return unidir_weight_16u[size.width](block, step, by, size);
+}
+
 }  // namespace mox::px
