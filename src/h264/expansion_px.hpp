@@ -63,16 +63,21 @@ inline MoxStatus expand_plane(const ExpandedRows& at) {
 
 /// A width and height of 0 stand for those of `size`.
 template <int W, int H>
-MoxStatus interpolate_block_h264_mmp(BlockPair<Mox8u> at, MoxiSize size) {
+MoxStatus interpolate_block_h264_mmp(const BlockPair<Mox8u>& at, MoxiSize size) {
   return average_block<W, H>(at, size);
+}
+
+/// The size of the fixed kernel at an average_index, zero where there is none.
+constexpr MoxiSize fixed_average_size(std::size_t index) {
+  constexpr std::array kSide = {2, 4, 8, 0, 16};
+  const int width = kSide[index / 5], height = kSide[index % 5];
+  return width > 0 && height > 0 && is_partition(width, height) ? MoxiSize{width, height} : MoxiSize{0, 0};
 }
 
 /// [average_index]. Kernels of fixed size write that size and no other.
 inline constexpr auto interpolate_block_h264_function_table = make_table<25>([]<std::size_t I>() {
-  constexpr std::array kSide = {2, 4, 8, 0, 16};
-  constexpr int kWidth = kSide[I / 5], kHeight = kSide[I % 5];
-  constexpr bool kFixed = kWidth > 0 && kHeight > 0 && is_partition(kWidth, kHeight);
-  return &interpolate_block_h264_mmp < kFixed ? kWidth : 0, kFixed ? kHeight : 0 > ;
+  constexpr MoxiSize kSize = fixed_average_size(I);
+  return &interpolate_block_h264_mmp<kSize.width, kSize.height>;
 });
 
 }  // namespace mox::px
