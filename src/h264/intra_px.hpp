@@ -113,24 +113,24 @@ void predict_chroma_plane_h264(Pixel* pSrcDst, Mox32s step, Mox32s depth = 8) {
   predict_plane<8, H>(Block<Pixel>{pSrcDst, step}, depth);
 }
 
-/// The DC of the 4x4 block at (x, y) of a chroma plane. The first block and those of the right column take both edges,
-/// but the top right one prefers the row above, and the left column below the first block the samples beside it.
-template <class Pixel>
-Mox32s chroma_dc(Block<Pixel> plane, int x, int y, bool top, bool left, Mox32s depth) {
-  const bool use_top = top && !(x == 0 && y > 0 && left), use_left = left && !(x > 0 && y == 0 && top);
-  return mean_of_edges<4>(use_top ? &plane(x, -1) : nullptr, use_left ? &plane(-1, y) : nullptr, plane.step, depth);
-}
-
-/// The left edge may be there for one half of the rows alone.
+/// A DC for each 4x4 block. The first block and those of the right column take both edges, but the top right one
+/// prefers the row above, and the left column below the first block the samples beside it. The left edge may be there
+/// for one half of the rows alone.
 template <int H, class Pixel>
 void predict_chroma_dc_h264(Pixel* pSrcDst, Mox32s step, bool top, bool leftOfUpperHalf, bool leftOfLowerHalf,
                             Mox32s depth = 8) {
   const Block<Pixel> plane{pSrcDst, step};
+  Mox32s dc[H / 4][2];
   for (int y = 0; y < H; y += 4) {
     const bool left = y < H / 2 ? leftOfUpperHalf : leftOfLowerHalf;
-    const Mox32s dc[2] = {chroma_dc(plane, 0, y, top, left, depth), chroma_dc(plane, 4, y, top, left, depth)};
-    each_sample<8, 4>(Block<Pixel>{&plane(0, y), step}, [&](int x, int) { return dc[x / 4]; });
+    for (int x = 0; x < 8; x += 4) {
+      const bool use_top = top && !(x == 0 && y > 0 && left);
+      const bool use_left = left && !(x > 0 && y == 0 && top);
+      dc[y / 4][x / 4] =
+          mean_of_edges<4>(use_top ? &plane(x, -1) : nullptr, use_left ? &plane(-1, y) : nullptr, step, depth);
+    }
   }
+  each_sample<8, H>(plane, [&](int x, int y) { return dc[y / 4][x / 4]; });
 }
 
 }  // namespace mox::px

@@ -13,8 +13,8 @@
 
 namespace mox::vec {
 
-/// The neighbours of a 4x4 block as they are. `available` are those that the mode uses; all but the ones above and right
-/// are there.
+/// The neighbours of a 4x4 block as they are. `available` are those that the mode uses; all but the ones above and
+/// right are there.
 template <class Pixel>
 struct RawEdges {
   px::Block<Pixel> block;
@@ -85,11 +85,7 @@ void predict_luma_16x16_dc_h264_sse2(Pixel* pSrcDst, Mox32s step, Mox32s topUnav
     const IntraLine<Pixel> first{load_samples<8>(&block(0, -1))}, last{load_samples<8>(&block(8, -1))};
     sum += sum_of<16>(joined<8>(first, last));
   }
-  if (!leftUnavailable) {
-    const IntraLine<Pixel> upper{load_column<8>(&block(-1, 0), block.step)};
-    const IntraLine<Pixel> lower{load_column<8>(&block(-1, 8), block.step)};
-    sum += sum_of<16>(joined<8>(upper, lower));
-  }
+  if (!leftUnavailable) sum += px::sum_along<16>(&block(-1, 0), block.step);
   const Mox32s dc = rounded_mean<16>(sum, !topUnavailable + !leftUnavailable, depth);
   fill_block<16, 16>(block, all_samples(static_cast<Pixel>(dc)));
 }
@@ -156,14 +152,22 @@ MOX_INLINE IntraBytes fours(Pixel a, Pixel b) {
   return {sizeof(Pixel) == 1 ? lo32(left, right).r : lo64(left, right).r};
 }
 
+/// Every DC is the mean of two sums of four neighbours, which may be the same.
 template <int H, class Pixel>
 void predict_chroma_dc_h264(Pixel* pSrcDst, Mox32s step, bool top, bool leftOfUpperHalf, bool leftOfLowerHalf,
                             Mox32s depth = 8) {
   const px::Block<Pixel> plane{pSrcDst, step};
+  const Mox32s missing = 4 * mid_sample(depth);
+  Mox32s above[2] = {missing, missing};
+  if (top) above[0] = px::sum_along<4>(&plane(0, -1), 1), above[1] = px::sum_along<4>(&plane(4, -1), 1);
   for (int y = 0; y < H; y += 4) {
     const bool left = y < H / 2 ? leftOfUpperHalf : leftOfLowerHalf;
-    const auto dc = [&](int x) { return static_cast<Pixel>(px::chroma_dc(plane, x, y, top, left, depth)); };
-    fill_block<8, 4>(px::Block<Pixel>{&plane(0, y), step}, fours(dc(0), dc(4)));
+    const Mox32s beside = left ? px::sum_along<4>(&plane(-1, y), plane.step) : missing;
+    const auto dc = [=](int x) {
+      const bool use_top = top && !(x == 0 && y > 0 && left), use_left = left && !(x > 0 && y == 0 && top);
+      return static_cast<Pixel>(((use_top ? above[x] : beside) + (use_left ? beside : above[x]) + 4) >> 3);
+    };
+    fill_block<8, 4>(px::Block<Pixel>{&plane(0, y), step}, fours(dc(0), dc(1)));
   }
 }
 
