@@ -47,19 +47,23 @@ static_assert(average_index(2, 2) == 0 && average_index(16, 8) == 22 && average_
 
 namespace mox::px {
 
-/// Corners come from the order: rows below before the sides, rows above after them.
-inline MoxStatus expand_plane(const ExpandedRows& at) {
+/// Corners come from the order: rows below before the sides, rows above after them. set(value, first, count) fills a
+/// side of a row.
+template <class Set>
+MoxStatus expand_rows(const ExpandedRows& at, Set set) {
   for (std::ptrdiff_t y = 0; y < at.below; ++y) moxsCopy_8u(at.row(at.rows - 1), at.row(at.rows + y), at.width);
   for (std::ptrdiff_t y = 0; y < at.rows + at.below; ++y) {
     Mox8u* const row = at.row(y);
-    moxsSet_8u(row[0], row - at.side, at.side);
-    moxsSet_8u(row[at.width - 1], row + at.width, at.side);
+    set(row[0], row - at.side, at.side);
+    set(row[at.width - 1], row + at.width, at.side);
   }
   for (std::ptrdiff_t y = 1; y <= at.above; ++y) {
     moxsCopy_8u(at.row(0) - at.side, at.row(-y) - at.side, at.width + 2 * at.side);
   }
   return moxStsOk;
 }
+
+inline MoxStatus expand_plane(const ExpandedRows& at) { return expand_rows(at, moxsSet_8u); }
 
 /// A width and height of 0 stand for those of `size`.
 template <int W, int H>
