@@ -4,6 +4,7 @@
 #include "frame/generation.hpp"
 #include "h264/forward_transform_px.hpp"
 #include "h264/forward_transform_quant_px.hpp"
+#include "h264/forward_transform_quant_vec.hpp"
 #include "h264/forward_transform_scale_px.hpp"
 #include "h264/forward_transform_vec.hpp"
 
