@@ -7,6 +7,7 @@
 #include "h264/forward_transform_quant_px.hpp"
 #include "h264/forward_transform_quant_vec.hpp"
 #include "h264/forward_transform_scale_px.hpp"
+#include "h264/forward_transform_scale_vec.hpp"
 #include "h264/forward_transform_vec.hpp"
 
 using namespace mox;

@@ -601,6 +601,9 @@ MOX_INLINE f32<1> to_float(s32<1> v) { return {_mm_castps_si128(_mm_cvtepi32_ps(
 MOX_INLINE f32<1> operator*(f32<1> a, f32<1> b) {
   return {_mm_castps_si128(_mm_mul_ps(_mm_castsi128_ps(a.r), _mm_castsi128_ps(b.r)))};
 }
+MOX_INLINE f32<1> operator/(f32<1> a, f32<1> b) {
+  return {_mm_castps_si128(_mm_div_ps(_mm_castsi128_ps(a.r), _mm_castsi128_ps(b.r)))};
+}
 /// Towards zero; what 32 bits cannot hold becomes the least integer.
 MOX_INLINE s32<1> truncate(f32<1> v) { return {_mm_cvttps_epi32(_mm_castsi128_ps(v.r))}; }
 MOX_WIDE(MOX_INLINE f32<2> to_float(s32<2> v) { return {_mm256_castps_si256(_mm256_cvtepi32_ps(v.r))}; })
