@@ -86,18 +86,31 @@ void DirectPredictor::find_scales(PicturePart part, const SliceHeader& slice, co
   }
 }
 
+const MbMotion* DirectPredictor::facing_row(const Place& place) const {
+  const int row = is_field_at(place) ? 2 * pair_of(place) + parity_of_fields(place) : place.y;
+  return colocated_->motion.data() + std::ptrdiff_t{row} * mb_width_;
+}
+
+/// Motion that was written some pictures ago is far away in memory: the processor gets it while other macroblocks are
+/// in work.
+void DirectPredictor::fetch_early(const Place& place) const {
+  constexpr int kAhead = 2;
+  if (place.x + kAhead >= mb_width_) return;
+  const MbMotion* motion = facing_row(place) + place.x + kAhead;
+  __builtin_prefetch(&motion->references);
+  __builtin_prefetch(&motion->vectors[0].back());
+}
+
 /// Where frames and fields meet, a macroblock faces two of the other kind or a half of one, and the corners of
 /// quadrants move to the nearest block there.
 DirectPredictor::Facing DirectPredictor::find_facing(const Place& place) const {
-  const int pair = field_pic_ ? place.y : place.y / 2;
+  const MbMotion* same = facing_row(place) + place.x;
   const bool field = is_field_at(place);
-  const int parity = place.part != PicturePart::kWhole ? parity_of(place.part) : colocated_parity_;
-  const MbMotion* column = &colocated_->motion[static_cast<std::size_t>(place.x)];
-  const auto macroblock = [=, this](int row) { return column + std::ptrdiff_t{row} * mb_width_; };
-  const MbMotion* same = macroblock(field ? 2 * pair + parity : place.y);
   if (same->field == field) return {{same, same}};
-  if (field) return {{macroblock(2 * pair), macroblock(2 * pair + 1)}, true, 0, 8};
-  const MbMotion* nearer = macroblock(2 * pair + parity);
+  const MbMotion* upper = &colocated_->motion[static_cast<std::size_t>(2 * pair_of(place) * mb_width_ + place.x)];
+  const MbMotion* lower = upper + mb_width_;
+  if (field) return {{upper, lower}, true, 0, 8};
+  const MbMotion* nearer = parity_of_fields(place) == kTop ? upper : lower;
   return {{nearer, nearer}, true, 8 * (place.y & 1), 4};
 }
 
@@ -138,6 +151,7 @@ void DirectPredictor::for_each_rect(unsigned quadrants, Work work) const {
 void DirectPredictor::derive(std::array<MotionWindow, 2>& windows, const Place& place, unsigned quadrants,
                              std::array<Split, 4>& splits) const {
   require(colocated_ != nullptr, kMissing);
+  fetch_early({place.x + 2, place.y, place.part});
   spatial_ ? derive_spatial(windows, place, quadrants) : derive_temporal(windows, place, quadrants);
   for (int i = 0; i < 4; ++i) {
     if (!(quadrants >> i & 1)) continue;

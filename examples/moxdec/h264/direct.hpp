@@ -49,6 +49,14 @@ class DirectPredictor {
     int next = 0;
   };
   bool is_field_at(const Place& place) const { return field_pic_ || place.part != PicturePart::kWhole; }
+  /// Of macroblocks.
+  int pair_of(const Place& place) const { return field_pic_ ? place.y : place.y / 2; }
+  int parity_of_fields(const Place& place) const {
+    return place.part != PicturePart::kWhole ? parity_of(place.part) : colocated_parity_;
+  }
+  /// The row there that a macroblock faces if both pictures are of the same kind.
+  const MbMotion* facing_row(const Place& place) const;
+  void fetch_early(const Place& place) const;
   Facing find_facing(const Place& place) const;
   Colocated colocated(const Facing& facing, int block) const;
   int map_to_list0(const Colocated& there, PicturePart part) const;
