@@ -1,7 +1,6 @@
 """The streams that decoders are timed on: bundled ones, repeated until they are long enough, and two large ones."""
 
 import math
-import re
 import subprocess
 from pathlib import Path
 from typing import NamedTuple
@@ -24,7 +23,7 @@ BUNDLED = [Clip(title, VECTORS / file) for title, file in (
     ("MPEG-4 interlaced", "mpeg4_int_altscan.m4v"),
     ("H.261", "h261_cif.261"),
     ("H.263", "h263_4cif_groups.263"),
-    ("AVS", "avs_ip.avs"),
+    ("AVS", "avs_ip.avs"),  # without weights, which ffmpeg would leave out
     ("DV25", "dv25_ntsc.dv"),
     ("DV100", "dv100_720p60.dv"),
 )]
@@ -39,8 +38,8 @@ LARGE_PICTURES = ["ffmpeg", "-v", "error", "-nostdin"] + [part for source in (
     "[a][b]overlay=x='320+200*sin(t)':y='180+100*cos(1.3*t)',noise=alls=6:allf=t,format=yuv420p"),
     "-frames:v", "300", "-f", "yuv4mpegpipe", "-"]
 LARGE = {
-    Clip("H.264 720p I P", Path("large_ip.264")): "--bframes 0 --ref 3 --bitrate 10000 --keyint 100",
-    Clip("H.264 720p I P B", Path("large_ipb.264")): "--bframes 2 --b-pyramid normal --ref 3 --weightp 2 --bitrate 8000",
+    Clip("H.264 720p I P", Path("large_ip.264")): "--bframes 0 --bitrate 10000 --keyint 100",
+    Clip("H.264 720p I P B", Path("large_ipb.264")): "--bframes 2 --b-pyramid normal --weightp 2 --bitrate 8000",
 }
 
 
@@ -58,18 +57,14 @@ def make_large(folder):
 
 def encode(path, options):
     part = path.with_suffix(".part.264")
-    x264 = ["x264", "--quiet", "--no-progress", "--profile", "high", "--no-cabac", "--threads", "3", *options,
-            "--demuxer", "y4m", "-o", str(part), "-"]
+    x264 = ["x264", "--quiet", "--no-progress", "--profile", "high", "--no-cabac", "--threads", "3", "--ref", "3",
+            *options, "--demuxer", "y4m", "-o", str(part), "-"]
     with subprocess.Popen(LARGE_PICTURES, stdout=subprocess.PIPE) as pictures:
         subprocess.run(x264, stdin=pictures.stdout, check=True)
         pictures.stdout.close()
     if pictures.returncode:
         raise RuntimeError("ffmpeg could not make the pictures of " + path.name)
     part.rename(path)
-
-
-def matching(clips, pattern):
-    return [clip for clip in clips if re.search(pattern, clip.path.name)]
 
 
 def repeated(path, copies, folder):
@@ -80,7 +75,7 @@ def repeated(path, copies, folder):
 
 
 def more_copies(copies, seconds, wanted):
-    """So many copies should take the wanted time if this many have taken `seconds`; at most eightfold at once, since
-    short times are not exact."""
+    """So many copies should take the wanted time and some more, if this many have taken `seconds`, which are fewer; at
+    most eightfold at once, since short times are not exact."""
     factor = 1.25 * wanted / seconds if seconds else math.inf
-    return max(copies + 1, math.ceil(copies * min(8, factor)))
+    return math.ceil(copies * min(8, factor))

@@ -41,7 +41,7 @@ class Decoder(NamedTuple):
         process.returncode = os.waitstatus_to_exitcode(status)
         counts = re.findall(self.count, report)
         if process.returncode or not counts:
-            raise RuntimeError(f"{self.name} on {stream}: {report.strip()}")
+            raise RuntimeError(f"{self.name} fails on {stream}: " + "".join(report.splitlines()[-1:]))
         return Run(usage.ru_utime, int(counts[-1]), report)
 
 

@@ -15,7 +15,8 @@ COLOURS = {"px": "#8c959f", "e9": "#3a86d0", "v3": "#e0862a", "ffmpeg SSE4.1": "
 STYLE = """
 text { font: 11px sans-serif; fill: #24292f } .title { font-size: 14px; font-weight: bold } .note { fill: #57606a }
 .number { font-size: 9px }
-.end { text-anchor: end } .middle { text-anchor: middle } .card { fill: #fff; stroke: #d0d7de } .grid { stroke: #d8dee4 }
+.end { text-anchor: end } .middle { text-anchor: middle }
+.card { fill: #fff; stroke: #d0d7de } .grid { stroke: #d8dee4 }
 @media (prefers-color-scheme: dark) {
   text { fill: #e6edf3 } .note { fill: #9ba5b0 } .card { fill: #161b22; stroke: #30363d } .grid { stroke: #343b44 }
 }

@@ -27,7 +27,7 @@ STREAMS = RESULTS / "streams"
 PART = RESULTS / "part"  # of runs on a part, which leave the results of the last whole run alone
 STREAMS_HEADING = """
 moxdec with each generation, and ffmpeg with one thread where it is installed: pictures a second of user time, without
-what a run on the first picture alone takes. Median of {} runs in turn; bundled streams are repeated to be long enough."""
+what a run on the first picture alone takes. Median of {} runs in turn; bundled streams are repeated to be long."""
 RATIOS = {"v3/ffmpeg": ("v3", "ffmpeg"), "e9/SSE4.1": ("e9", "ffmpeg SSE4.1")}
 DOCUMENTED = TREE / "docs/speed.svg"
 

@@ -53,7 +53,7 @@ class Picture(unittest.TestCase):
     def test_is_well_formed_whatever_is_missing(self):
         stream = {"stream": "I & P", "size": "16x16", "px": "10", "e9": "25", "v3": "", "ffmpeg": ""}
         for kernels in [], [self.row("a<b", "1", "3", "3", "")], [self.row("a", "1", "3", "9", "0.1")]:
-            for streams in [], [stream]:
+            for streams in [], [stream, stream | {"v3": "30"}]:
                 drawing = picture.svg(kernels, streams, "<processor>")
                 texts = [e.text for e in ElementTree.fromstring(drawing).iter("{http://www.w3.org/2000/svg}text")]
                 self.assertEqual("I & P, 16x16" in texts and "25" in texts, bool(streams))
