@@ -16,7 +16,7 @@ STYLE = """
 text { font: 11px sans-serif; fill: #24292f } .title { font-size: 14px; font-weight: bold } .note { fill: #57606a }
 .number { font-size: 9px }
 .end { text-anchor: end } .middle { text-anchor: middle }
-.card { fill: #fff; stroke: #d0d7de } .grid { stroke: #d8dee4 }
+.card { fill: #fff; stroke: #d0d7de } .grid { stroke: #d8dee4 } .one { stroke: #8c959f }
 @media (prefers-color-scheme: dark) {
   text { fill: #e6edf3 } .note { fill: #9ba5b0 } .card { fill: #161b22; stroke: #30363d } .grid { stroke: #343b44 }
 }
@@ -92,8 +92,9 @@ def kernel_panel(families):
              text(16, 43, "dot: geometric mean of a family; line: from its slowest row to its fastest", "note"),
              *legend(16, 62, ["e9", "v3"])]
     for power in range(low, high + 1):
-        parts += [line(x(2**power), TOP - 4, x(2**power), bottom, kind="grid"),
-                  text(x(2**power), TOP - 8, f"{2**power:g}", "note middle")]
+        parts.append(line(x(2**power), TOP - 4, x(2**power), bottom, kind="grid" if power else "one"))
+        if power % 2 == 0 or high - low < 8:
+            parts.append(text(x(2**power), TOP - 8, f"{2**power:g}", "note middle"))
     for i, (name, generations) in enumerate(families.items()):
         y = TOP + row * i + row / 2
         parts.append(text(left - 10, y + 4, name.replace("_", " "), "end"))

@@ -75,7 +75,7 @@ def time_streams(pattern, large, files, table):
     names = [program.name for program in programs]
     print(STREAMS_HEADING.format(decoders.RUNS))
     print_line("", ["size", "pictures", *names, *RATIOS])
-    with open(table, "w", newline="") as file:
+    with open(table, "w", newline="", buffering=1) as file:  # an interrupted run leaves what it has
         out = csv.writer(file)
         out.writerow(["stream", "size", "pictures", *names])
         for clip in streams:
