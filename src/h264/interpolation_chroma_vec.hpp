@@ -35,7 +35,7 @@ struct ChromaBytes {
   MOX_INLINE static ChromaPairs<Vector> pairs(Vector a, Vector b) { return {lo8(a, b), hi8(a, b)}; }
   /// 8 - d and d times the factor, in each pair.
   MOX_INLINE static Vector weights(int d, int factor) {
-    return simd::as<simd::u8>(simd::splat<simd::u16, B>((8 - d | d << 8) * factor));
+    return simd::as<simd::u8>(simd::splat<simd::u16, B>(((8 - d) | d << 8) * factor));
   }
   MOX_INLINE static simd::s16<B> sum(Vector pairs, Vector weights) { return maddubs(pairs, weights); }
   /// (sum + half) >> kShift
@@ -71,7 +71,7 @@ struct ChromaWords {
   }
   MOX_INLINE static ChromaPairs<Vector> pairs(Vector a, Vector b) { return {lo16(a, b), hi16(a, b)}; }
   MOX_INLINE static Vector weights(int d, int factor) {
-    return simd::as<simd::s16>(simd::splat<simd::s32, B>((8 - d | d << 16) * factor));
+    return simd::as<simd::s16>(simd::splat<simd::s32, B>(((8 - d) | d << 16) * factor));
   }
   MOX_INLINE static simd::s32<B> sum(Vector pairs, Vector weights) { return madd(pairs, weights); }
   template <int kShift>

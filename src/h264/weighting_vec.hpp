@@ -72,11 +72,11 @@ class WeightedBytes {
 };
 
 /// Bytes of one block, paired with 1 << shift, whose weight is the offset. Sums that saturate are far enough outside
-/// 0..255 by a shift of up to 7.
+/// 0..255 by a shift of up to 7. Without a shift they are -32512..32767: so -32768 never meets a factor of -32768.
 class WeightedByte {
  public:
   static constexpr bool fits(const Weighting& by) {
-    return WeightedPairs::fits(by, by.weight1, by.offset) && by.shift <= 7;
+    return WeightedPairs::fits(by, by.weight1, by.offset) && by.offset < 128 && by.shift <= 7;
   }
   explicit WeightedByte(const Weighting& by) : shifted_(by, by.weight1, by.offset), one_(1 << by.shift) {}
 
