@@ -33,8 +33,9 @@ struct ChromaBytes {
     return load_row_blocks<simd::u8, B, kBytes, kRows>(p, gap);
   }
   MOX_INLINE static ChromaPairs<Vector> pairs(Vector a, Vector b) { return {lo8(a, b), hi8(a, b)}; }
-  MOX_INLINE static Vector weights(int first, int second) {
-    return simd::as<simd::u8>(simd::splat<simd::u16, B>(first | second << 8));
+  /// 8 - d and d times the factor, in each pair.
+  MOX_INLINE static Vector weights(int d, int factor) {
+    return simd::as<simd::u8>(simd::splat<simd::u16, B>(((8 - d) | d << 8) * factor));
   }
   MOX_INLINE static simd::s16<B> sum(Vector pairs, Vector weights) { return maddubs(pairs, weights); }
   /// (sum + half) >> kShift
@@ -69,8 +70,8 @@ struct ChromaWords {
     return moved(load_row_blocks<simd::s16, B, 2 * kColumns, kRows>(p, gap));
   }
   MOX_INLINE static ChromaPairs<Vector> pairs(Vector a, Vector b) { return {lo16(a, b), hi16(a, b)}; }
-  MOX_INLINE static Vector weights(int first, int second) {
-    return simd::as<simd::s16>(simd::splat<simd::s32, B>(first | second << 16));
+  MOX_INLINE static Vector weights(int d, int factor) {
+    return simd::as<simd::s16>(simd::splat<simd::s32, B>(((8 - d) | d << 16) * factor));
   }
   MOX_INLINE static simd::s32<B> sum(Vector pairs, Vector weights) { return madd(pairs, weights); }
   template <int kShift>
@@ -91,9 +92,8 @@ class ChromaFilter {
   using Pairs = ChromaPairs<Vector>;
 
   MOX_INLINE ChromaFilter(Mox32s dx, Mox32s dy) {
-    const int d = kType == 2 ? dy : dx, upper = kType == 3 ? 8 - dy : 1;
-    row_ = Lanes::weights((8 - d) * upper, d * upper);
-    below_ = Lanes::weights((8 - d) * dy, d * dy);
+    row_ = Lanes::weights(kType == 2 ? dy : dx, kType == 3 ? 8 - dy : 1);
+    below_ = Lanes::weights(dx, dy);
   }
   MOX_INLINE Vector operator()(Vector row, Vector below) const {
     if constexpr (kType == 0) return row;
@@ -117,9 +117,9 @@ class ChromaFilter {
   Vector row_, below_;  ///< weights of pairs
 };
 
-/// The columns from x on that the lanes take.
+/// The columns from x on that the lanes take. The record is a copy: what is stored cannot change it.
 template <int kType, class Lanes, class T = typename Lanes::Sample>
-MOX_INLINE void interpolate_chroma_lanes(const MoxiInterpKernelArgs<T>& a, int x = 0) {
+MOX_INLINE void interpolate_chroma_lanes(MoxiInterpKernelArgs<T> a, int x = 0) {
   constexpr std::ptrdiff_t kSize = sizeof(T);
   constexpr bool kDown = kType >> 1;
   const int rows = a.height / Lanes::kStrips;

@@ -72,11 +72,11 @@ class WeightedBytes {
 };
 
 /// Bytes of one block, paired with 1 << shift, whose weight is the offset. Sums that saturate are far enough outside
-/// 0..255 by a shift of up to 7.
+/// 0..255 by a shift of up to 7. Without a shift they are -32512..32767: so -32768 never meets a factor of -32768.
 class WeightedByte {
  public:
   static constexpr bool fits(const Weighting& by) {
-    return WeightedPairs::fits(by, by.weight1, by.offset) && by.shift <= 7;
+    return WeightedPairs::fits(by, by.weight1, by.offset) && by.offset < 128 && by.shift <= 7;
   }
   explicit WeightedByte(const Weighting& by) : shifted_(by, by.weight1, by.offset), one_(1 << by.shift) {}
 
@@ -123,10 +123,11 @@ class WeightedWords {
   int weights_, bias_, shift_, max_;
 };
 
-/// Two blocks. A width of 0 stands for that of `size`, an even one.
-template <int W, class Samples, class T>
+/// Two blocks. A width or height of 0 stands for that of `size`, the width an even one.
+template <int W, int H, class Samples, class T>
 MoxStatus weight_pair(const BlockPair<T>& blocks, Samples samples, MoxiSize size) {
   BlockPair<T> at = blocks;
+  if constexpr (H > 0) size.height = H;
   return combine_block<W>(at, size, [=](auto a, auto b) { return samples(a, b); });
 }
 
@@ -137,11 +138,13 @@ MoxStatus weight_single(T* block, std::ptrdiff_t step, Samples samples, MoxiSize
   return combine_block<W>(at, size, [=](auto a) { return samples(a); });
 }
 
-/// [width], any height. Widths other than 2, 4, 8 and 16 share a kernel.
+/// [bidir_index], for sides of 2, 4, 8 and 16.
 template <class Samples, class T>
-inline constexpr auto weight_pair_kernels = make_table<17>([]<std::size_t I>() {
-  return &weight_pair<fixed_width(I), Samples, T>;
+inline constexpr auto weight_pair_kernels = make_table<16>([]<std::size_t I>() {
+  constexpr int kWidth = 2 << I / 4, kHeight = 2 << I % 4;
+  return &weight_pair < kWidth, is_partition(kWidth, kHeight) ? kHeight : 0, Samples, T > ;
 });
+/// [width], any height.
 template <class Samples, class T>
 inline constexpr auto weight_single_kernels = make_table<17>([]<std::size_t I>() {
   return &weight_single<fixed_width(I), Samples, T>;
@@ -154,17 +157,18 @@ inline constexpr auto bidir_average_16u =
 MOX_INLINE MoxStatus weight_blocks(const BlockPair<Mox8u>& at, Weighting by, MoxiSize size) {
   if (!WeightedBytes<true>::fits(by)) return px::weight_blocks(at, by, size);
   if (by.offset == 0)
-    return weight_pair_kernels<WeightedBytes<false>, Mox8u>[size.width](at, WeightedBytes<false>(by), size);
-  return weight_pair_kernels<WeightedBytes<true>, Mox8u>[size.width](at, WeightedBytes<true>(by), size);
+    return weight_pair_kernels<WeightedBytes<false>, Mox8u>[bidir_index(size)](at, WeightedBytes<false>(by), size);
+  return weight_pair_kernels<WeightedBytes<true>, Mox8u>[bidir_index(size)](at, WeightedBytes<true>(by), size);
 }
 MOX_INLINE MoxStatus weight_blocks(const BlockPair<Mox16u>& at, Weighting by, MoxiSize size) {
   if (!WeightedWords::fits(by)) return px::weight_blocks(at, by, size);
-  return weight_pair_kernels<WeightedWords, Mox16u>[size.width](at, WeightedWords(by), size);
+  return weight_pair_kernels<WeightedWords, Mox16u>[bidir_index(size)](at, WeightedWords(by), size);
 }
 MOX_INLINE MoxStatus weight_blocks_of_any_size(const BlockPair<Mox8u>& at, Weighting by, MoxiSize size) {
-  if (!WeightedBytes<false>::fits(by) || size.width % 2 != 0) return px::weight_blocks_of_any_size(at, by, size);
-  return weight_pair_kernels<WeightedBytes<true>, Mox8u>[outside(size.width, 0, 16) ? 0 : size.width](
-      at, WeightedBytes<true>(by), size);
+  using Samples = WeightedBytes<true>;
+  if (fixed_width(size.width) > 0 && fixed_width(size.height) > 0) return weight_blocks(at, by, size);
+  if (!Samples::fits(by) || size.width % 2 != 0) return px::weight_blocks_of_any_size(at, by, size);
+  return weight_pair<0, 0>(at, Samples(by), size);
 }
 
 MOX_INLINE MoxStatus weight_block(Mox8u* block, std::ptrdiff_t step, Weighting by, MoxiSize size) {
