@@ -27,6 +27,13 @@ struct IntraLine {
   IntraBytes r[kRegisters];
 };
 
+/// The first four samples of a, then those of b.
+template <class Pixel>
+MOX_INLINE IntraBytes fours(IntraBytes a, IntraBytes b) {
+  const simd::s16<1> x{a.r}, y{b.r};
+  return {sizeof(Pixel) == 1 ? lo32(x, y).r : lo64(x, y).r};
+}
+
 /// N samples in a row, 4 to 16 bytes, the rest zero.
 template <int N, class Pixel>
 MOX_INLINE IntraBytes load_samples(const Pixel* p) {
@@ -41,19 +48,18 @@ MOX_INLINE void store_samples(IntraBytes v, Pixel* p) {
   if constexpr (kBytes == 8) simd::raw_store8(p, v.r);
   if constexpr (kBytes == 16) simd::raw_store16(p, v.r);
 }
-/// N samples, `stride` apart.
-template <int N, class Pixel>
+/// N samples, `stride` apart, the rest zero. Halves are collected side by side.
+template <int N, int I = 0, class Pixel>
 MOX_INLINE IntraBytes load_column(const Pixel* p, std::ptrdiff_t stride) {
-  constexpr int kHalf = 8 / int{sizeof(Pixel)};
-  std::uint64_t samples = 0;
-  for (int i = 0; i < std::min(N, kHalf); ++i) {
-    samples |= std::uint64_t{p[i * stride]} << (8 * int{sizeof(Pixel)} * i);
+  if constexpr (N == 8) {
+    return fours<Pixel>(load_column<4>(p, stride), load_column<4>(p + 4 * stride, stride));
+  } else if constexpr (I == N) {
+    return {};
+  } else {
+    const auto others = load_column<N, I + 1>(p, stride);
+    if constexpr (sizeof(Pixel) == 1) return simd::with_byte<I>(others, p[I * stride]);
+    if constexpr (sizeof(Pixel) == 2) return {simd::with_word<I>(simd::s16<1>{others.r}, p[I * stride]).r};
   }
-  const IntraBytes v{simd::raw8(&samples)};
-  if constexpr (N <= kHalf)
-    return v;
-  else
-    return lo64(v, load_column<N - kHalf>(p + kHalf * stride, stride));
 }
 template <class Pixel>
 MOX_INLINE IntraBytes all_samples(Pixel value) {

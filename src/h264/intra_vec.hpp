@@ -145,13 +145,6 @@ void predict_chroma_plane_h264(Pixel* pSrcDst, Mox32s step, Mox32s depth = 8) {
   predict_plane_rows<8, H>(px::Block<Pixel>{pSrcDst, step}, depth);
 }
 
-/// Four samples of a, then four of b.
-template <class Pixel>
-MOX_INLINE IntraBytes fours(Pixel a, Pixel b) {
-  const simd::s16<1> left{all_samples(a).r}, right{all_samples(b).r};
-  return {sizeof(Pixel) == 1 ? lo32(left, right).r : lo64(left, right).r};
-}
-
 /// Every DC is the mean of two sums of four neighbours, which may be the same.
 template <int H, class Pixel>
 void predict_chroma_dc_h264(Pixel* pSrcDst, Mox32s step, bool top, bool leftOfUpperHalf, bool leftOfLowerHalf,
@@ -165,9 +158,9 @@ void predict_chroma_dc_h264(Pixel* pSrcDst, Mox32s step, bool top, bool leftOfUp
     const Mox32s beside = left ? px::sum_along<4>(&plane(-1, y), plane.step) : missing;
     const auto dc = [=](int x) {
       const bool use_top = top && !(x == 0 && y > 0 && left), use_left = left && !(x > 0 && y == 0 && top);
-      return static_cast<Pixel>(((use_top ? above[x] : beside) + (use_left ? beside : above[x]) + 4) >> 3);
+      return all_samples(static_cast<Pixel>(((use_top ? above[x] : beside) + (use_left ? beside : above[x]) + 4) >> 3));
     };
-    fill_block<8, 4>(px::Block<Pixel>{&plane(0, y), step}, fours(dc(0), dc(1)));
+    fill_block<8, 4>(px::Block<Pixel>{&plane(0, y), step}, fours<Pixel>(dc(0), dc(1)));
   }
 }
 
