@@ -5,9 +5,7 @@
 /// a fixed number of samples before or behind the row above it.
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
-#include <cstdint>
 #include <type_traits>
 
 #include "frame/generation.hpp"
@@ -36,13 +34,13 @@ MOX_INLINE IntraBytes fours(IntraBytes a, IntraBytes b) {
 
 /// N samples in a row, 4 to 16 bytes, the rest zero.
 template <int N, class Pixel>
-MOX_INLINE IntraBytes load_samples(const Pixel* p) {
+MOX_INLINE IntraBytes load_neighbours(const Pixel* p) {
   constexpr int kBytes = N * int{sizeof(Pixel)};
   static_assert(kBytes == 4 || kBytes == 8 || kBytes == 16);
   return {kBytes == 4 ? simd::raw4(p) : kBytes == 8 ? simd::raw8(p) : simd::raw16(p)};
 }
 template <int N, class Pixel>
-MOX_INLINE void store_samples(IntraBytes v, Pixel* p) {
+MOX_INLINE void store_predicted(IntraBytes v, Pixel* p) {
   constexpr int kBytes = N * int{sizeof(Pixel)};
   if constexpr (kBytes == 4) simd::raw_store4(p, v.r);
   if constexpr (kBytes == 8) simd::raw_store8(p, v.r);
@@ -54,7 +52,7 @@ MOX_INLINE IntraBytes load_column(const Pixel* p, std::ptrdiff_t stride) {
   if constexpr (N == 8) {
     return fours<Pixel>(load_column<4>(p, stride), load_column<4>(p + 4 * stride, stride));
   } else if constexpr (I == N) {
-    return {};
+    return IntraBytes{};
   } else {
     const auto others = load_column<N, I + 1>(p, stride);
     if constexpr (sizeof(Pixel) == 1) return simd::with_byte<I>(others, p[I * stride]);
@@ -173,7 +171,7 @@ MOX_INLINE IntraLine<Pixel> in_turns(const IntraLine<Pixel>& a, const IntraLine<
 /// Stores row(y), a line, as the N samples of each row y = Y... of an N x N block.
 template <int N, int Y = 0, class Pixel, class Row>
 MOX_INLINE void store_lines(px::Block<Pixel> block, Row row) {
-  store_samples<N>(row.template operator()<Y>().r[0], &block(0, Y));
+  store_predicted<N>(row.template operator()<Y>().r[0], &block(0, Y));
   if constexpr (Y + 1 < N) store_lines<N, Y + 1>(block, row);
 }
 
