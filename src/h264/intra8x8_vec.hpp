@@ -19,8 +19,9 @@ struct FilteredEdges {
   MOX_INLINE Line top() const {
     const bool right = available & kTopRight;
     const auto last = all_samples(block(right ? 15 : 7, -1));
-    const Line behind{right ? load_samples<8>(&block(8, -1)) : last};
-    const auto line = filtered(before(0, -1), ended<16>(joined<8>(Line{load_samples<8>(&block(0, -1))}, behind), last));
+    const Line behind{right ? load_neighbours<8>(&block(8, -1)) : last};
+    const auto line =
+        filtered(before(0, -1), ended<16>(joined<8>(Line{load_neighbours<8>(&block(0, -1))}, behind), last));
     return ended<16>(line, repeated<15>(line));
   }
   MOX_INLINE Line left() const {
@@ -30,7 +31,7 @@ struct FilteredEdges {
   }
   MOX_INLINE Line around() const {
     const auto behind = all_samples(block(available & kTopRight ? 8 : 7, -1));
-    const auto above = ended<8>(Line{load_samples<8>(&block(0, -1))}, behind);
+    const auto above = ended<8>(Line{load_neighbours<8>(&block(0, -1))}, behind);
     const Line upwards{load_column<8>(&block(-1, 7), -block.step)};
     const auto line = joined<8>(upwards, preceded(all_samples(block(-1, -1)), above));
     return filtered(all_samples(block(-1, 7)), line);

@@ -5,9 +5,7 @@
 /// a fixed number of samples before or behind the row above it.
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
-#include <cstdint>
 #include <type_traits>
 
 #include "frame/generation.hpp"
@@ -27,33 +25,39 @@ struct IntraLine {
   IntraBytes r[kRegisters];
 };
 
+/// The first four samples of a, then those of b.
+template <class Pixel>
+MOX_INLINE IntraBytes fours(IntraBytes a, IntraBytes b) {
+  const simd::s16<1> x{a.r}, y{b.r};
+  return {sizeof(Pixel) == 1 ? lo32(x, y).r : lo64(x, y).r};
+}
+
 /// N samples in a row, 4 to 16 bytes, the rest zero.
 template <int N, class Pixel>
-MOX_INLINE IntraBytes load_samples(const Pixel* p) {
+MOX_INLINE IntraBytes load_neighbours(const Pixel* p) {
   constexpr int kBytes = N * int{sizeof(Pixel)};
   static_assert(kBytes == 4 || kBytes == 8 || kBytes == 16);
   return {kBytes == 4 ? simd::raw4(p) : kBytes == 8 ? simd::raw8(p) : simd::raw16(p)};
 }
 template <int N, class Pixel>
-MOX_INLINE void store_samples(IntraBytes v, Pixel* p) {
+MOX_INLINE void store_predicted(IntraBytes v, Pixel* p) {
   constexpr int kBytes = N * int{sizeof(Pixel)};
   if constexpr (kBytes == 4) simd::raw_store4(p, v.r);
   if constexpr (kBytes == 8) simd::raw_store8(p, v.r);
   if constexpr (kBytes == 16) simd::raw_store16(p, v.r);
 }
-/// N samples, `stride` apart.
-template <int N, class Pixel>
+/// N samples, `stride` apart, the rest zero. Halves are collected side by side.
+template <int N, int I = 0, class Pixel>
 MOX_INLINE IntraBytes load_column(const Pixel* p, std::ptrdiff_t stride) {
-  constexpr int kHalf = 8 / int{sizeof(Pixel)};
-  std::uint64_t samples = 0;
-  for (int i = 0; i < std::min(N, kHalf); ++i) {
-    samples |= std::uint64_t{p[i * stride]} << (8 * int{sizeof(Pixel)} * i);
+  if constexpr (N == 8) {
+    return fours<Pixel>(load_column<4>(p, stride), load_column<4>(p + 4 * stride, stride));
+  } else if constexpr (I == N) {
+    return IntraBytes{};
+  } else {
+    const auto others = load_column<N, I + 1>(p, stride);
+    if constexpr (sizeof(Pixel) == 1) return simd::with_byte<I>(others, p[I * stride]);
+    if constexpr (sizeof(Pixel) == 2) return {simd::with_word<I>(simd::s16<1>{others.r}, p[I * stride]).r};
   }
-  const IntraBytes v{simd::raw8(&samples)};
-  if constexpr (N <= kHalf)
-    return v;
-  else
-    return lo64(v, load_column<N - kHalf>(p + kHalf * stride, stride));
 }
 template <class Pixel>
 MOX_INLINE IntraBytes all_samples(Pixel value) {
@@ -167,7 +171,7 @@ MOX_INLINE IntraLine<Pixel> in_turns(const IntraLine<Pixel>& a, const IntraLine<
 /// Stores row(y), a line, as the N samples of each row y = Y... of an N x N block.
 template <int N, int Y = 0, class Pixel, class Row>
 MOX_INLINE void store_lines(px::Block<Pixel> block, Row row) {
-  store_samples<N>(row.template operator()<Y>().r[0], &block(0, Y));
+  store_predicted<N>(row.template operator()<Y>().r[0], &block(0, Y));
   if constexpr (Y + 1 < N) store_lines<N, Y + 1>(block, row);
 }
 

@@ -23,14 +23,14 @@ struct RawEdges {
   MOX_INLINE IntraLine<Pixel> top() const {
     const bool right = available & kTopRight;
     const auto last = all_samples(block(right ? 7 : 3, -1));
-    const IntraLine<Pixel> behind{right ? load_samples<4>(&block(4, -1)) : last};
-    return ended<8>(joined<4>(IntraLine<Pixel>{load_samples<4>(&block(0, -1))}, behind), last);
+    const IntraLine<Pixel> behind{right ? load_neighbours<4>(&block(4, -1)) : last};
+    return ended<8>(joined<4>(IntraLine<Pixel>{load_neighbours<4>(&block(0, -1))}, behind), last);
   }
   MOX_INLINE IntraLine<Pixel> left() const {
     return ended<4>(IntraLine<Pixel>{load_column<4>(&block(-1, 0), block.step)}, all_samples(block(-1, 3)));
   }
   MOX_INLINE IntraLine<Pixel> around() const {
-    const IntraLine<Pixel> above{load_samples<4>(&block(0, -1))};
+    const IntraLine<Pixel> above{load_neighbours<4>(&block(0, -1))};
     const IntraLine<Pixel> upwards{load_column<4>(&block(-1, 3), -block.step)};
     return joined<4>(upwards, preceded(all_samples(block(-1, -1)), above));
   }
@@ -72,7 +72,7 @@ template <int W, int H, class Pixel>
 MOX_INLINE void fill_block(px::Block<Pixel> block, IntraBytes v) {
   constexpr int kWidth = std::min(W, IntraLine<Pixel>::kEach);
   for (int y = 0; y < H; ++y) {
-    for (int x = 0; x < W; x += kWidth) store_samples<kWidth>(v, &block(x, y));
+    for (int x = 0; x < W; x += kWidth) store_predicted<kWidth>(v, &block(x, y));
   }
 }
 
@@ -82,7 +82,7 @@ void predict_luma_16x16_dc_h264_sse2(Pixel* pSrcDst, Mox32s step, Mox32s topUnav
   const px::Block<Pixel> block{pSrcDst, step};
   Mox32s sum = 0;
   if (!topUnavailable) {
-    const IntraLine<Pixel> first{load_samples<8>(&block(0, -1))}, last{load_samples<8>(&block(8, -1))};
+    const IntraLine<Pixel> first{load_neighbours<8>(&block(0, -1))}, last{load_neighbours<8>(&block(8, -1))};
     sum += sum_of<16>(joined<8>(first, last));
   }
   if (!leftUnavailable) sum += px::sum_along<16>(&block(-1, 0), block.step);
@@ -90,7 +90,7 @@ void predict_luma_16x16_dc_h264_sse2(Pixel* pSrcDst, Mox32s step, Mox32s topUnav
   fill_block<16, 16>(block, all_samples(static_cast<Pixel>(dc)));
 }
 
-/// 32 times the values of a plane, in registers of 8 samples of 8 bits or of 4 samples of more.
+/// 32 times the values of a plane, 8 of them in a register for samples of 8 bits, 4 for wider ones.
 template <class Pixel>
 struct PlaneValues;
 template <>
@@ -125,12 +125,12 @@ MOX_INLINE void predict_plane_rows(px::Block<Pixel> block, Mox32s depth) {
     if constexpr (kCount == 1) {
       const auto next = v[0] + down;
       const auto rows = Values::samples(v[0], next, depth);
-      store_samples<W>(rows, &block(0, y));
-      store_samples<W>(hi64(rows, rows), &block(0, ++y));
+      store_predicted<W>(rows, &block(0, y));
+      store_predicted<W>(hi64(rows, rows), &block(0, ++y));
       v[0] = next + down;
     } else {
       for (int i = 0; i < kCount; i += 2) {
-        store_samples<2 * kEach>(Values::samples(v[i], v[i + 1], depth), &block(i * kEach, y));
+        store_predicted<2 * kEach>(Values::samples(v[i], v[i + 1], depth), &block(i * kEach, y));
         v[i] = v[i] + down, v[i + 1] = v[i + 1] + down;
       }
     }
@@ -143,13 +143,6 @@ void predict_luma_16x16_plane_h264_sse2(Pixel* pSrcDst, Mox32s step, Mox32s dept
 template <int H, class Pixel>
 void predict_chroma_plane_h264(Pixel* pSrcDst, Mox32s step, Mox32s depth = 8) {
   predict_plane_rows<8, H>(px::Block<Pixel>{pSrcDst, step}, depth);
-}
-
-/// Four samples of a, then four of b.
-template <class Pixel>
-MOX_INLINE IntraBytes fours(Pixel a, Pixel b) {
-  const simd::s16<1> left{all_samples(a).r}, right{all_samples(b).r};
-  return {sizeof(Pixel) == 1 ? lo32(left, right).r : lo64(left, right).r};
 }
 
 /// Every DC is the mean of two sums of four neighbours, which may be the same.
@@ -165,9 +158,9 @@ void predict_chroma_dc_h264(Pixel* pSrcDst, Mox32s step, bool top, bool leftOfUp
     const Mox32s beside = left ? px::sum_along<4>(&plane(-1, y), plane.step) : missing;
     const auto dc = [=](int x) {
       const bool use_top = top && !(x == 0 && y > 0 && left), use_left = left && !(x > 0 && y == 0 && top);
-      return static_cast<Pixel>(((use_top ? above[x] : beside) + (use_left ? beside : above[x]) + 4) >> 3);
+      return all_samples(static_cast<Pixel>(((use_top ? above[x] : beside) + (use_left ? beside : above[x]) + 4) >> 3));
     };
-    fill_block<8, 4>(px::Block<Pixel>{&plane(0, y), step}, fours(dc(0), dc(1)));
+    fill_block<8, 4>(px::Block<Pixel>{&plane(0, y), step}, fours<Pixel>(dc(0), dc(1)));
   }
 }
 

@@ -550,6 +550,15 @@ MOX_INLINE Smallest smallest(u16<1> v) {
 /// v with another first element.
 MOX_INLINE s16<1> with_first_word(s16<1> v, int word) { return {_mm_insert_epi16(v.r, word, 0)}; }
 MOX_INLINE s32<1> with_first_doubleword(s32<1> v, int value) { return {_mm_insert_epi32(v.r, value, 0)}; }
+/// v with another element I.
+template <int I>
+MOX_INLINE u8<1> with_byte(u8<1> v, Mox8u byte) {
+  return {_mm_insert_epi8(v.r, byte, I)};
+}
+template <int I>
+MOX_INLINE s16<1> with_word(s16<1> v, Mox16u word) {
+  return {_mm_insert_epi16(v.r, word, I)};
+}
 /// True if no bit is set.
 MOX_INLINE bool is_zero(u16<1> v) { return _mm_testz_si128(v.r, v.r); }
 MOX_WIDE(MOX_INLINE bool is_zero(u16<2> v) { return _mm256_testz_si256(v.r, v.r); })
