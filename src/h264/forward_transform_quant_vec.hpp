@@ -16,22 +16,27 @@ namespace mox::vec {
 
 // ---- Quantisers. ----
 
-/// Upper halves of the products of magnitudes, 0 to 32768, and multipliers of either sign.
-template <int B>
-MOX_INLINE simd::s16<B> high_products(simd::s16<B> magnitude, simd::s16<B> scale) {
-  const auto high = mulhi(simd::as<simd::u16>(magnitude), simd::as<simd::u16>(scale));
-  return simd::as<simd::s16>(high) - (magnitude & simd::shr<15>(scale));
+/// Products of magnitudes and multipliers of either sign, of the lower and the upper words of each block. Magnitudes
+/// are 0 to 32768, or 32767 if kSmall is set, which is quicker.
+template <bool kSmall, int B>
+MOX_INLINE void multiply(simd::s16<B> magnitude, simd::s16<B> scale, simd::s32<B>& lower, simd::s32<B>& upper) {
+  if constexpr (kSmall) {
+    const auto low = magnitude * scale, high = mulhi(magnitude, scale);
+    lower = simd::as<simd::s32>(lo16(low, high)), upper = simd::as<simd::s32>(hi16(low, high));
+  } else {
+    const auto wide = simd::as<simd::u16>(magnitude);
+    lower = wide_lo(wide) * wide_lo(scale), upper = wide_hi(wide) * wide_hi(scale);
+  }
 }
 
 /// Levels of words, which are not -32768 if kSmall is set. A product, and its sum with a rounding below 2^24, have 31
 /// bits and a sign.
 template <class Keep, bool kSmall = false, int B>
 MOX_INLINE simd::s16<B> quantised(simd::s16<B> x, simd::s16<B> scale, px::Quantiser q) {
-  const auto magnitude = abs(x);
-  const auto low = magnitude * scale, high = kSmall ? mulhi(magnitude, scale) : high_products(magnitude, scale);
+  simd::s32<B> a, b;
+  multiply<kSmall>(abs(x), scale, a, b);
   const auto rounding = simd::splat<simd::s32, B>(q.rounding), mask = simd::splat<simd::s32, B>(0xFFFF);
-  const auto a = shr(simd::as<simd::s32>(lo16(low, high)) + rounding, q.shift);
-  const auto b = shr(simd::as<simd::s32>(hi16(low, high)) + rounding, q.shift);
+  a = shr(a + rounding, q.shift), b = shr(b + rounding, q.shift);
   if constexpr (std::is_same_v<Keep, Sat16>) {
     return signed_by(packs(a, b), x);
   } else {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "frame/generation.hpp"
+#include "frame/table.hpp"
 #include "h264/inverse_transform_px.hpp"
 #include "h264/transform_vec.hpp"
 #include "simd/vec.hpp"

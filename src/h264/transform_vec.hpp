@@ -122,15 +122,6 @@ template <class P, int B, class V>
 [[gnu::flatten]] MOX_INLINE void hadamard_pass(V (&x)[4]) {
   px::hadamard_4<TransformLanes<P, B>>(x, 1);
 }
-template <class P>
-MOX_INLINE WordBlock4x4 hadamard(WordBlock4x4 block) {
-  auto lines = rows_of(block);
-  hadamard_pass<P, 1>(lines.x);
-  lines = columns_of(block_of_rows(lines.x));
-  hadamard_pass<P, 1>(lines.x);
-  return block_of_columns(lines.x);
-}
-
 /// H4 * M of four rows of 8 bytes, two in each vector. Pair and Sum are those of px::hadamard_4.
 template <class Pair, class Sum, template <int> class V>
 MOX_INLINE void hadamard_of_halves(V<1>& upper, V<1>& lower) {
@@ -139,6 +130,20 @@ MOX_INLINE void hadamard_of_halves(V<1>& upper, V<1>& lower) {
              differences = TransformLanes<Pair, 1>::sub(upper, turned);
   const auto outer = lo64(sums, differences), inner = hi64(sums, differences);
   upper = TransformLanes<Sum, 1>::add(outer, inner), lower = TransformLanes<Sum, 1>::sub(outer, inner);
+}
+
+/// Rows to columns.
+MOX_INLINE WordBlock4x4 transposed(WordBlock4x4 block) {
+  const auto even = lo16(block.upper, block.lower), odd = hi16(block.upper, block.lower);
+  return {lo16(even, odd), hi16(even, odd)};
+}
+template <class P>
+MOX_INLINE WordBlock4x4 hadamard(WordBlock4x4 block) {
+  for (int pass = 0; pass < 2; ++pass) {
+    hadamard_of_halves<P, P>(block.upper, block.lower);
+    block = transposed(block);
+  }
+  return block;
 }
 
 /// H4 * M * H2 of four rows of two, columns first; Sum wraps. In a vector of words, or in two of doublewords.
@@ -184,8 +189,7 @@ MOX_INLINE WordBlock4x4 halved_hadamard(WordBlock4x4 block) {
   const auto c = even32(upper_difference, lower_difference), d = odd32(upper_difference, lower_difference);
   const auto halved = [](simd::s32<1> v) { return simd::shr<16>(simd::shl<15>(v)); };
   const auto first = packs(halved(a + b), halved(a - b)), second = packs(halved(c - d), halved(c + d));
-  const auto even = lo16(first, second), odd = hi16(first, second);
-  return {lo16(even, odd), hi16(even, odd)};
+  return transposed({first, second});
 }
 /// The same of rows of doublewords, which wrap.
 MOX_INLINE void halve_hadamard(simd::s32<1> (&rows)[4]) {
