@@ -69,7 +69,7 @@ MoxStatus luma_8x8_forward(const Mox16s* pSrc, typename P::Value* pDst) {
     }
   } else {
     simd::s16<1> x[8];
-    load_block_8x8(pSrc, x);
+    load_blocks_8x8(pSrc, x);
     for (int pass = 0; pass < 2; ++pass) {
       transpose(x);
       forward_pass<P, 1>(x);

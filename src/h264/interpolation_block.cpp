@@ -23,31 +23,31 @@ InterpKernel<Mox16u> chroma_kernel(const MoxiInterpKernelArgs<Mox16u>& a) {
   return active::h264_interpolate_chroma_type_table_16u_pxmx[a.typeIndex];
 }
 
-MoxStatus moxiInterpolateBoundaryLumaBlock_H264_8u(unsigned flags, const MoxiInterpKernelArgs<Mox8u>& args) {
+MoxStatus moxiInterpolateBoundaryLumaBlock_H264_8u(unsigned flags, const MoxiInterpBoundaryArgs<Mox8u>& args) {
   return run_on_copy(&moxiReadDataBlockThroughBoundary_8u, flags, luma_kernel(args), args, kLumaReach);
 }
-MoxStatus moxiInterpolateBoundaryLumaBlock_H264_16u(unsigned flags, const MoxiInterpKernelArgs<Mox16u>& args) {
+MoxStatus moxiInterpolateBoundaryLumaBlock_H264_16u(unsigned flags, const MoxiInterpBoundaryArgs<Mox16u>& args) {
   return run_on_copy(&moxiReadDataBlockThroughBoundary_16u, flags, luma_kernel(args), args, kLumaReach);
 }
-MoxStatus moxiInterpolateBoundaryChromaBlock_H264_8u(unsigned flags, const MoxiInterpKernelArgs<Mox8u>& args) {
+MoxStatus moxiInterpolateBoundaryChromaBlock_H264_8u(unsigned flags, const MoxiInterpBoundaryArgs<Mox8u>& args) {
   run_on_copy(&moxiReadDataBlockThroughBoundary_8u, flags, chroma_kernel(args), args, kChromaReach);
   return run_on_copy(&moxiReadDataBlockThroughBoundary_8u, flags, chroma_kernel(args), second_plane(args),
                      kChromaReach);
 }
-MoxStatus moxiInterpolateBoundaryChromaBlock_H264_16u(unsigned flags, const MoxiInterpKernelArgs<Mox16u>& args) {
+MoxStatus moxiInterpolateBoundaryChromaBlock_H264_16u(unsigned flags, const MoxiInterpBoundaryArgs<Mox16u>& args) {
   run_on_copy(&moxiReadDataBlockThroughBoundary_16u, flags, chroma_kernel(args), args, kChromaReach);
   return run_on_copy(&moxiReadDataBlockThroughBoundary_16u, flags, chroma_kernel(args), second_plane(args),
                      kChromaReach);
 }
 MoxStatus moxiInterpolateBoundaryChromaBlock_NV12_H264_C2P2_8u(unsigned flags,
-                                                               const MoxiInterpKernelArgs<Mox8u>& args) {
+                                                               const MoxiInterpBoundaryArgs<Mox8u>& args) {
   return run_on_copy(&moxiReadDataBlockThroughBoundary_NV12_8u, flags, &active::launch_h264_interpolate_chroma_nv12touv,
                      args, kChromaReach, 2);
 }
 
 /// The kernel on both planes of a block inside the picture.
 template <class T>
-MoxStatus run_on_planes(MoxiInterpKernelArgs<T> a) {
+MoxStatus run_on_planes(MoxiInterpBoundaryArgs<T> a) {
   const std::ptrdiff_t offset = offset_of(a, kChromaReach);
   a.pSrc += offset, a.pSrc2 += offset;
   chroma_kernel(a)(a);

@@ -386,6 +386,11 @@ template <int B>
 MOX_INLINE s16<B> load8_wide(const void* p, const Strips<B>& s) {
   return gather<s16, B>(p, s, [](const Mox8u* q) { return _mm_cvtepu8_epi16(raw8(q)); });
 }
+/// 8 bytes a block as doublewords, sign-extended from words.
+template <int B>
+MOX_INLINE s32<B> load8_doublewords(const void* p, const Strips<B>& s) {
+  return gather<s32, B>(p, s, [](const Mox8u* q) { return _mm_cvtepi16_epi32(raw8(q)); });
+}
 
 /// The four quadwords of two blocks in the order 0, 2, 1, 3: lower halves of both blocks, then upper halves. One block
 /// stays as it is: after packing this is the order of rows that run on.
@@ -469,6 +474,12 @@ MOX_INLINE u16<1> collect_words(Word word) {
 // Stores of the same shapes.
 MOX_INLINE void raw_store16(void* p, __m128i v) { _mm_storeu_si128(static_cast<__m128i*>(p), v); }
 MOX_INLINE void raw_store8(void* p, __m128i v) { _mm_storel_epi64(static_cast<__m128i*>(p), v); }
+/// The upper 8 bytes.
+MOX_INLINE void raw_store8_upper(void* p, __m128i v) {
+  const __m128d upper = _mm_castsi128_pd(_mm_unpackhi_epi64(v, v));
+  const double first = _mm_cvtsd_f64(upper);  // stored in one instruction
+  std::memcpy(p, &first, 8);
+}
 MOX_INLINE void raw_store4(void* p, __m128i v) {
   const int low = _mm_cvtsi128_si32(v);
   std::memcpy(p, &low, 4);
@@ -490,14 +501,15 @@ template <template <int> class V, int B>
 MOX_INLINE void store8x2(V<B> v, void* p, std::ptrdiff_t gap, const Strips<B>& s) {
   scatter<0, B>(v.r, p, s, [gap](Mox8u* q, __m128i one) {
     raw_store8(q, one);
-    raw_store8(q + gap, _mm_unpackhi_epi64(one, one));
+    raw_store8_upper(q + gap, one);
   });
 }
 /// Several short rows out of one block: kRows of 2, 4 or 8 bytes, `step` bytes apart, written in order.
 template <int kBytes, int kRows, int I = 0>
 MOX_INLINE void store_rows(u8<1> v, void* p, std::ptrdiff_t step) {
   if constexpr (kBytes == 8) {
-    raw_store8(p, I == 0 ? v.r : _mm_unpackhi_epi64(v.r, v.r));
+    if constexpr (I == 0) raw_store8(p, v.r);
+    if constexpr (I == 1) raw_store8_upper(p, v.r);
   } else if constexpr (kBytes == 4) {
     const int row = _mm_extract_epi32(v.r, I);
     std::memcpy(p, &row, 4);
