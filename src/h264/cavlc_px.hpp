@@ -209,7 +209,7 @@ MOX_READER_INLINE inline MoxStatus decode_levels(WordWindow& in, const Block& bl
                                                  CoeffToken token, Mox16s* pNumCoeff, Coeff** ppDstCoeffs) {
   *pNumCoeff = wrap16(token.total);
   if (token.total == 0) {
-    in.get(token.ones);  // 0 bits but for odd tables
+    in.skip(token.ones);  // 0 bits but for odd tables; they count for the position alone
     return moxStsOk;
   }
   Coeff* const dst = *ppDstCoeffs;
