@@ -18,24 +18,26 @@ namespace mox {
 class WordWindow {
  public:
   MOX_READER_INLINE explicit WordWindow(const MoxWordCursor& at)
-      : word_(at.word), bits_(std::uint64_t{*at.word} << (63 - at.offset)), offset_(at.offset) {}
+      : next_(at.word + 1),
+        bits_(std::uint64_t{*at.word} << (63 - at.offset)),
+        offset_(static_cast<Mox32u>(at.offset) + 32) {}
 
   /// For a reader that is sure to read a bit: takes the word behind it at once, so that fill() has little to do.
   MOX_READER_INLINE static WordWindow of_two_words(const MoxWordCursor& at) {
     WordWindow window;
-    window.word_ = at.word + 1;
+    window.next_ = at.word + 2;
     window.bits_ = (std::uint64_t{at.word[0]} << 32 | at.word[1]) << (31 - at.offset);
-    window.offset_ = at.offset + 32;
+    window.offset_ = static_cast<Mox32u>(at.offset) + 64;
     return window;
   }
 
   /// The position of the next bit.
-  MOX_READER_INLINE MoxWordCursor cursor() const { return {word_ - (offset_ >> 5), offset_ & 31}; }
+  MOX_READER_INLINE MoxWordCursor cursor() const { return {next_ - (offset_ >> 5), static_cast<Mox32s>(offset_ & 31)}; }
 
   /// Makes the next n bits, up to 32, available to peek and skip.
   MOX_READER_INLINE void fill(Mox32s n = 32) {
-    if (offset_ >= n - 1) return;
-    bits_ |= std::uint64_t{*++word_} << (31 - offset_);
+    if (offset_ >= static_cast<Mox32u>(n) + 31) return;
+    bits_ |= std::uint64_t{*next_++} << (63 - offset_);
     offset_ += 32;
   }
   /// How many of the available bits in front of a one are zeros, and at least so many if there is none among them.
@@ -44,7 +46,7 @@ class WordWindow {
   MOX_READER_INLINE Mox32u peek(Mox32s n) const { return static_cast<Mox32u>(bits_ >> 1 >> (63 - n)); }
   MOX_READER_INLINE void skip(Mox32s n) {
     bits_ <<= n & 63;
-    offset_ -= n;
+    offset_ -= static_cast<Mox32u>(n);
   }
   /// Fills and consumes the next n bits, 0 to 32.
   MOX_READER_INLINE Mox32u get(Mox32s n) {
@@ -99,9 +101,9 @@ class WordWindow {
     return {entry};
   }
 
-  const Mox32u* word_;  ///< the last word of which bits are held
+  const Mox32u* next_;  ///< the first word of which no bits are held
   std::uint64_t bits_;  ///< the held bits from the top down, zeros behind them
-  Mox32s offset_;       ///< of the next bit, from 31 up in front of that word; -1 if no bits are held
+  Mox32u offset_;       ///< of the next bit, from that word backwards: 31 if no bits are held, 32 more for each word
 };
 
 }  // namespace mox

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 
 #include "frame/arguments.hpp"
 #include "frame/arithmetic.hpp"
@@ -86,42 +85,46 @@ MOX_READER_INLINE inline void read_trailing_ones(WordWindow& in, Mox32s ones, Mo
   }
 }
 
+struct CavlcLevel {
+  Mox32s magnitude;
+  bool negative;
+  Mox32s value() const { return negative ? -magnitude : magnitude; }
+};
+
 /// Reads a level of any form; `raise` is 1 for the first one if it must exceed 1. False if level_prefix is too long.
-inline bool read_any_level(MoxWordCursor& at, Mox32s suffixLength, Mox32s raise, Mox32s& level) {
+inline bool read_any_level(MoxWordCursor& at, Mox32s suffixLength, Mox32s raise, CavlcLevel& level) {
   const Mox32s prefix = read_zeros(at, kLongestLevelPrefix);
   if (prefix > kLongestLevelPrefix) return false;
-  Mox32s magnitude;
-  Mox32u code;
   if (prefix < 16) {
     const Mox32s bits = bitsToGetTbl16s[suffixLength][prefix];
-    code = bits > 0 ? get_bits(at, bits) : static_cast<Mox32u>(prefix);
-    magnitude = static_cast<Mox32s>(code >> 1) + addOffsetTbl16s[suffixLength][prefix] + raise;  // 2529 at most
+    const Mox32u code = bits > 0 ? get_bits(at, bits) : static_cast<Mox32u>(prefix);
+    const Mox32s base = addOffsetTbl16s[suffixLength][prefix];
+    level = {static_cast<Mox32s>(code >> 1) + base + raise, (code & 1) != 0};  // 2529 at most
   } else {
     const Mox32u suffix = get_bits(at, prefix - 3);
-    code =
+    const auto code =
         wrap_to<Mox16u>(sadd[suffixLength] + 2 * raise + (1ll << (prefix - 3)) + (15 << suffixLength) + suffix - 4096);
-    magnitude = static_cast<Mox32s>(code / 2) + 1;
+    level = {code / 2 + 1, (code & 1) != 0};
   }
-  level = code & 1 ? -magnitude : magnitude;
   return true;
 }
 
 /// The same, in registers if the suffix has suffixLength bits.
-MOX_READER_INLINE inline bool read_level(WordWindow& in, Mox32s suffixLength, Mox32s raise, Mox32s& level) {
+MOX_READER_INLINE inline bool read_level(WordWindow& in, Mox32s suffixLength, Mox32s raise, CavlcLevel& level) {
   in.fill(15 + 6);
   const Mox32s prefix = in.zeros();
   if (prefix >= (suffixLength > 0 ? 15 : 14)) [[unlikely]] {
     MoxWordCursor at = in.cursor();
-    Mox32s read;
-    if (!read_any_level(at, suffixLength, raise, read)) return false;
+    CavlcLevel escaped;
+    if (!read_any_level(at, suffixLength, raise, escaped)) return false;
     in = WordWindow(at);
-    level = read;
+    level = escaped;  // not its address, which would keep all levels in memory
     return true;
   }
   in.skip(prefix + 1);
-  const Mox32s code = (prefix << suffixLength | static_cast<Mox32s>(in.peek(suffixLength))) + 2 * raise;
+  const Mox32s code = prefix << suffixLength | static_cast<Mox32s>(in.peek(suffixLength));
   in.skip(suffixLength);
-  level = code & 1 ? -(code >> 1) - 1 : (code >> 1) + 1;
+  level = {(code >> 1) + 1 + raise, (code & 1) != 0};
   return true;
 }
 
@@ -130,14 +133,14 @@ MOX_READER_INLINE inline bool read_levels(WordWindow& in, CoeffToken token, Mox3
   Mox32s i = token.ones;
   if (i >= token.total) return true;
   const Mox32s raise = token.ones < 3;
-  Mox32s value;
-  if (!read_level(in, token.total > 10 && raise, raise, value)) return false;
-  level[i] = value;
+  CavlcLevel read;
+  if (!read_level(in, token.total > 10 && raise, raise, read)) return false;
+  level[i] = read.value();
   Mox32s suffixLength = 1;
   while (++i < token.total) {
-    if (std::abs(value) > vlc_inc[suffixLength]) ++suffixLength;
-    if (!read_level(in, suffixLength, 0, value)) return false;
-    level[i] = value;
+    suffixLength += read.magnitude > vlc_inc[suffixLength];
+    if (!read_level(in, suffixLength, 0, read)) return false;
+    level[i] = read.value();
   }
   return true;
 }
@@ -172,7 +175,7 @@ struct RunTables {
 
 /// Stores a level. Only corrupt data has a k outside the block.
 template <class Block, class Coeff>
-MOX_READER_INLINE inline void place(const Block& block, Mox32s k, Mox32s level, Coeff* dst) {
+MOX_READER_INLINE inline void place_level(const Block& block, Mox32s k, Mox32s level, Coeff* dst) {
   if (static_cast<Mox32u>(k) < static_cast<Mox32u>(block.coded)) dst[block.position(k)] = wrap_to<Coeff>(level);
 }
 
@@ -192,11 +195,11 @@ MOX_READER_INLINE inline MoxStatus place_levels(WordWindow& in, const Block& blo
     if (!table) return moxStsNullPointer;
     Mox32s run;
     if (!read_below<kRunBeforeRoot>(in, table, kMostCoeffs, run)) return moxStsBadBitstream;
-    place(block, zeros + left - 1, *level++, dst);
+    place_level(block, zeros + left - 1, *level++, dst);
     zeros -= Block::kCutsRun ? std::min(run, zeros) : run;
   }
-  place(block, zeros + left - 1, *level++, dst);  // behind all zeros that are left
-  while (--left > 0) place(block, left - 1, *level++, dst);
+  place_level(block, zeros + left - 1, *level++, dst);  // behind all zeros that are left
+  while (--left > 0) place_level(block, left - 1, *level++, dst);
   return moxStsOk;
 }
 
@@ -206,7 +209,7 @@ MOX_READER_INLINE inline MoxStatus decode_levels(WordWindow& in, const Block& bl
                                                  CoeffToken token, Mox16s* pNumCoeff, Coeff** ppDstCoeffs) {
   *pNumCoeff = wrap16(token.total);
   if (token.total == 0) {
-    in.get(token.ones);  // 0 bits but for odd tables
+    in.skip(token.ones);  // 0 bits but for odd tables; they count for the position alone
     return moxStsOk;
   }
   Coeff* const dst = *ppDstCoeffs;
@@ -268,20 +271,20 @@ MOX_READER_INLINE inline MoxStatus decode_chroma_dc_by_peek(const Mox32u** ppBit
                                                             const MoxVlcTable* coeffToken, const RunTables& tables) {
   WordWindow in = WordWindow::of_two_words({*ppBitStream, *pBitOffset});
   const Mox32u bits = in.peek(5);
-  if (bits >> 4) {  // 1: one trailing one
-    if (any_null(ppDstCoeffs)) return moxStsNullPointer;
+  if (bits >> 3) {
+    // 1: one trailing one, 01: no coefficients. One way for both, since a branch would be foretold badly: what there is
+    // of an empty block is stored aside.
+    const bool one = bits >> 4;
+    if (one & (ppDstCoeffs == nullptr)) return moxStsNullPointer;
+    Coeff unused[4], *aside = unused;
+    Coeff** const to = one ? ppDstCoeffs : &aside;
+    Coeff* const dst = *to;
     const ChromaDCRun run = ChromaDCRunTable[bits & 7];
-    std::fill_n(*ppDstCoeffs, 4, Coeff{0});
-    (*ppDstCoeffs)[run.position] = bits & 8 ? -1 : 1;
-    *ppDstCoeffs += 4;
-    *pNumCoeff = 1;
-    in.skip(run.bits);
-    in.cursor().store(ppBitStream, pBitOffset);
-    return moxStsOk;
-  }
-  if (bits >> 3) {  // 01: no coefficients
-    *pNumCoeff = 0;
-    in.skip(2);
+    std::fill_n(dst, 4, Coeff{0});
+    dst[run.position] = bits & 8 ? -1 : 1;
+    *to = dst + 4;
+    *pNumCoeff = one;
+    in.skip(one ? run.bits : 2);
     in.cursor().store(ppBitStream, pBitOffset);
     return moxStsOk;
   }

@@ -31,13 +31,14 @@ MoxStatus decode_long_exp_golomb(const Mox32u** ppBitStream, Mox32s* pBitOffset,
 
 template <class Value>
 MoxStatus decode_exp_golomb(const Mox32u** ppBitStream, Mox32s* pBitOffset, Value* pDst, bool isSigned) {
-  WordWindow in = WordWindow::of_two_words({*ppBitStream, *pBitOffset});
+  const MoxWordCursor at{*ppBitStream, *pBitOffset};
+  const WordWindow in = WordWindow::of_two_words(at);
   const Mox32s length = 2 * in.zeros() + 1;
   if (length > 32) [[unlikely]]
     return decode_long_exp_golomb(ppBitStream, pBitOffset, pDst, isSigned);
   *pDst = wrap_to<Value>(exp_golomb_element(in.peek(length), isSigned));
-  in.skip(length);
-  in.cursor().store(ppBitStream, pBitOffset);
+  const Mox32s offset = at.offset - length;  // below 0 in the next word
+  MoxWordCursor{at.word + (offset < 0), offset & 31}.store(ppBitStream, pBitOffset);
   return moxStsOk;
 }
 
