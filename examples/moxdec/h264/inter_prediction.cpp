@@ -49,6 +49,22 @@ void expand_planes(const Frame& frame) {
   }
 }
 
+/// Of a macroblock and of a quarter, in samples, by split.
+constexpr MoxiSize kPartSizes[] = {{16, 16}, {16, 8}, {8, 16}}, kQuarterPartSizes[] = {{8, 8}, {8, 4}, {4, 8}, {4, 4}};
+
+/// Samples of other pictures are far away in memory. Macroblocks that follow want what lies on the right in the same
+/// reference, if they move in the same way: so each asks for its share of the rows of the next 64 bytes, which serve
+/// all macroblocks that they cover. `first` is the place of the macroblock's own block.
+template <class Sample>
+void fetch_early(const Sample* plane, Mox32s step, MoxiSize size, MoxiPoint first, int mb_x, int mb_size) {
+  constexpr int kLine = 64 / sizeof(Sample);
+  const int sharing = kLine / mb_size, rows = mb_size / sharing, share = mb_x % sharing;
+  const int x = std::clamp(first.x + kLine, 0, size.width - 1);
+  for (int y = first.y + share * rows; y < first.y + (share + 1) * rows; ++y) {
+    __builtin_prefetch(plane + std::ptrdiff_t{std::clamp(y, 0, size.height - 1)} * step + x);
+  }
+}
+
 /// A prediction from one of both lists.
 template <class Sample>
 struct Scratch {
@@ -130,22 +146,22 @@ void InterPredictor::predict_macroblock(const Picture& picture, const Macroblock
   const std::array<Sample*, 3> planes = {picture.samples<Sample>(0, mb.x, mb.y, mb.field),
                                          picture.samples<Sample>(1, mb.x, mb.y, mb.field),
                                          picture.samples<Sample>(2, mb.x, mb.y, mb.field)};
-  const auto predict_parts = [&](int left, int top, int size, Split split) {
-    const int width = size >> (static_cast<int>(split) >> 1), height = size >> (static_cast<int>(split) & 1);
-    for (int y = top; y < top + size; y += height) {
-      for (int x = left; x < left + size; x += width) {
+  const auto predict_parts = [&](int left, int top, int whole, MoxiSize size) {
+    for (int y = top; y < top + whole; y += size.height) {
+      for (int x = left; x < left + whole; x += size.width) {
         const std::ptrdiff_t in_chroma = std::ptrdiff_t{rows(1, y)} * unit.chroma_step + x / 2;
         const Target<Sample> target = {
             {planes[0] + std::ptrdiff_t{y} * unit.luma_step + x, planes[1] + in_chroma, planes[2] + in_chroma},
             unit.luma_step,
             unit.chroma_step};
-        const MoxiPoint position = {unit.position.x + x, unit.position.y + y};
-        predict_block<Sample>({unit, position, {width, height}, y / 4 * 4 + x / 4}, target);
+        predict_block<Sample>({unit, {unit.position.x + x, unit.position.y + y}, size, y / 4 * 4 + x / 4}, target);
       }
     }
   };
-  if (mb.split != Split::kQuarters) return predict_parts(0, 0, 16, mb.split);
-  for (int i = 0; i < 4; ++i) predict_parts(i % 2 * 8, i / 2 * 8, 8, mb.quarter_splits[i]);
+  if (mb.split != Split::kQuarters) return predict_parts(0, 0, 16, kPartSizes[static_cast<int>(mb.split)]);
+  for (int i = 0; i < 4; ++i) {
+    predict_parts(i % 2 * 8, i / 2 * 8, 8, kQuarterPartSizes[static_cast<int>(mb.quarter_splits[i])]);
+  }
 }
 
 template <class Sample>
@@ -177,17 +193,28 @@ void InterPredictor::fetch(const Block& block, int list, const Target<Sample>& t
   };
   const Unit& unit = block.unit;
   const MotionVector vector = unit.motion.vectors[list][block.index];
-  fetch_luma<Sample>(block, {vector.x, vector.y}, source(0, unit.luma_step), target);
+  const Sample* luma = source(0, unit.luma_step);
+  const std::array<const Sample*, 2> chroma = {source(1, unit.chroma_step), source(2, unit.chroma_step)};
+  if (block.index == 0) {
+    // The rows that the macroblocks above have not asked for: behind the reach of their filters.
+    const MoxiPoint first = {block.position.x + (vector.x >> 2), block.position.y + (vector.y >> 2)};
+    const int mb_x = block.position.x / 16;
+    fetch_early(luma, unit.luma_step, unit.size, {first.x, first.y + 3}, mb_x, 16);
+    for (const Sample* plane : chroma) {
+      fetch_early(plane, unit.chroma_step, size_in(1, unit.size), {first.x >> 1, (first.y >> 1) + 1}, mb_x, 8);
+    }
+  }
+  fetch_luma<Sample>(block, {vector.x, vector.y}, luma, target);
   if (planes_ == 1) return;
   // A vector in quarters of luma samples is one in eighths of chroma samples; not so for the rows of 4:2:2, which are
   // those of luma. In 4:2:0, chroma lines of the two fields are not as far apart as luma lines: a quarter of a line.
-  MoxiPoint chroma = {vector.x, vector.y};
+  MoxiPoint chroma_vector = {vector.x, vector.y};
   if (chroma_shift_y_ == 0) {
-    chroma.y *= 2;
+    chroma_vector.y *= 2;
   } else if (is_field(id)) {
-    chroma.y += 2 * (unit.parity - parity_of(id));
+    chroma_vector.y += 2 * (unit.parity - parity_of(id));
   }
-  fetch_chroma<Sample>(block, chroma, {source(1, unit.chroma_step), source(2, unit.chroma_step)}, target);
+  fetch_chroma<Sample>(block, chroma_vector, chroma, target);
 }
 
 template <class Sample>
