@@ -52,9 +52,10 @@ void expand_planes(const Frame& frame) {
 /// Of a macroblock and of a quarter, in samples, by split.
 constexpr MoxiSize kPartSizes[] = {{16, 16}, {16, 8}, {8, 16}}, kQuarterPartSizes[] = {{8, 8}, {8, 4}, {4, 8}, {4, 4}};
 
-/// Samples of other pictures are far away in memory. Macroblocks that follow want what lies on the right in the same
-/// reference, if they move in the same way: so each asks for its share of the rows of the next 64 bytes, which serve
-/// all macroblocks that they cover. `first` is the place of the macroblock's own block.
+/// Samples of other pictures, and those of the last one that had this one's memory, are far away from the processor.
+/// Macroblocks that follow want what lies on the right, in references if they move in the same way: so each asks for
+/// its share of the rows of the next 64 bytes, which serve all macroblocks that they cover. `first` is the place of the
+/// macroblock's own block.
 template <class Sample>
 void fetch_early(const Sample* plane, Mox32s step, MoxiSize size, MoxiPoint first, int mb_x, int mb_size) {
   constexpr int kLine = 64 / sizeof(Sample);
@@ -146,7 +147,11 @@ void InterPredictor::predict_macroblock(const Picture& picture, const Macroblock
   const std::array<Sample*, 3> planes = {picture.samples<Sample>(0, mb.x, mb.y, mb.field),
                                          picture.samples<Sample>(1, mb.x, mb.y, mb.field),
                                          picture.samples<Sample>(2, mb.x, mb.y, mb.field)};
-  const auto predict_parts = [&](int left, int top, int whole, MoxiSize size) {
+  fetch_early(planes[0] - 16 * mb.x, unit.luma_step, {unit.size.width, 16}, {16 * mb.x, 0}, mb.x, 16);
+  for (const Sample* plane : {planes[1], planes[2]}) {
+    fetch_early(plane - 8 * mb.x, unit.chroma_step, {unit.size.width / 2, 8}, {8 * mb.x, 0}, mb.x, 8);
+  }
+  const auto predict_parts = [&](int left, int top, int whole, const MoxiSize& size) {
     for (int y = top; y < top + whole; y += size.height) {
       for (int x = left; x < left + whole; x += size.width) {
         const std::ptrdiff_t in_chroma = std::ptrdiff_t{rows(1, y)} * unit.chroma_step + x / 2;

@@ -62,7 +62,7 @@ class InterPredictor {
   struct Block {
     const Unit& unit;
     MoxiPoint position;  // in the frame or the field
-    MoxiSize size;
+    const MoxiSize& size;
     int index;  // of its first 4x4 block in the macroblock
     int reference(int list) const { return unit.motion.references[list][quadrant_of(index)]; }
     int picture_id(int list) const { return unit.motion.pictures[list][quadrant_of(index)]; }
