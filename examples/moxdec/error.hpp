@@ -11,10 +11,11 @@ struct DecodeError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// Throws a DecodeError unless `good`.
+/// Throws a DecodeError. Apart, so that the tests for errors stay small where they are.
+[[noreturn]] void fail(const char* message);
 inline void require(bool good, const char* message) {
   if (!good) [[unlikely]]
-    throw DecodeError(message);
+    fail(message);
 }
 
 /// Does a part of the work; adds to its errors where they happened.

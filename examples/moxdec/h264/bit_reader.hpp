@@ -1,6 +1,7 @@
 /// Reading of header elements on the library's word cursor.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -23,11 +24,8 @@ class BitReader {
 
   /// The next `count` bits, 1 to 32.
   Mox32u bits(int count) {
-    const std::uint64_t two_words = std::uint64_t{word_[0]} << 32 | word_[1];
-    const auto value = static_cast<Mox32u>(two_words << (31 - offset_) >> (64 - count));
-    offset_ -= count;
-    if (offset_ < 0) offset_ += 32, ++word_;
-    expect_no_overrun();
+    const Mox32u value = next_word() >> (32 - count);
+    advance(count);
     return value;
   }
   bool flag() { return bits(1) != 0; }
@@ -77,7 +75,27 @@ class BitReader {
   Mox32s* offset() { return &offset_; }
 
  private:
+  Mox32u next_word() const {
+    const std::uint64_t two_words = std::uint64_t{word_[0]} << 32 | word_[1];
+    return static_cast<Mox32u>(two_words << (31 - offset_) >> 32);
+  }
+  void advance(int count) {
+    offset_ -= count;
+    if (offset_ < 0) offset_ += 32, ++word_;
+    expect_no_overrun();
+  }
+  /// Codes of up to 31 bits, which are nearly all, lie in the next word: half of their bits, rounded down, are zeros in
+  /// front of the value, one added.
   Mox32s exp_golomb(int is_signed) {
+    const Mox32u next = next_word();
+    const int zeros = std::countl_zero(next);
+    if (zeros > 15) return long_exp_golomb(is_signed);
+    const auto code = static_cast<Mox32s>(next >> (31 - 2 * zeros));
+    advance(2 * zeros + 1);
+    if (!is_signed) return code - 1;
+    return code % 2 == 0 ? code / 2 : -(code / 2);
+  }
+  Mox32s long_exp_golomb(int is_signed) {
     Mox32s value = 0;
     if (moxiDecodeExpGolombOne_H264_1u32s(&word_, &offset_, &value, is_signed) != moxStsOk) [[unlikely]]
       too_long();

@@ -91,11 +91,9 @@ const MbMotion* DirectPredictor::facing_row(const Place& place) const {
   return colocated_->motion.data() + std::ptrdiff_t{row} * mb_width_;
 }
 
-/// Motion that was written some pictures ago is far away in memory: the processor gets it while other macroblocks are
-/// in work.
 void DirectPredictor::fetch_early(const Place& place) const {
-  constexpr int kAhead = 2;
-  if (place.x + kAhead >= mb_width_) return;
+  constexpr int kAhead = 4;
+  if (!colocated_ || place.x + kAhead >= mb_width_) return;
   const MbMotion* motion = facing_row(place) + place.x + kAhead;
   __builtin_prefetch(&motion->references);
   __builtin_prefetch(&motion->vectors[0].back());
@@ -151,7 +149,6 @@ void DirectPredictor::for_each_rect(unsigned quadrants, Work work) const {
 void DirectPredictor::derive(std::array<MotionWindow, 2>& windows, const Place& place, unsigned quadrants,
                              std::array<Split, 4>& splits) const {
   require(colocated_ != nullptr, kMissing);
-  fetch_early({place.x + 2, place.y, place.part});
   spatial_ ? derive_spatial(windows, place, quadrants) : derive_temporal(windows, place, quadrants);
   for (int i = 0; i < 4; ++i) {
     if (!(quadrants >> i & 1)) continue;

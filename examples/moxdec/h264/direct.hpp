@@ -29,6 +29,9 @@ class DirectPredictor {
 
   /// `lists` are those of a B slice of the picture in work.
   void begin_slice(const SliceHeader& slice, const ReferenceLists& lists, const ReferenceBuffer& references);
+  /// Motion that was written some pictures ago is far away in memory. To be called for each macroblock: the processor
+  /// gets what later ones need while others are in work.
+  void fetch_early(const Place& place) const;
   /// Derives the quadrants whose bits are set, for both lists, and tells how far they are split. The neighbours of the
   /// macroblock are in the windows. Throws DecodeError if a reference is missing.
   void derive(std::array<MotionWindow, 2>& windows, const Place& place, unsigned quadrants,
@@ -56,7 +59,6 @@ class DirectPredictor {
   }
   /// The row there that a macroblock faces if both pictures are of the same kind.
   const MbMotion* facing_row(const Place& place) const;
-  void fetch_early(const Place& place) const;
   Facing find_facing(const Place& place) const;
   Colocated colocated(const Facing& facing, int block) const;
   int map_to_list0(const Colocated& there, PicturePart part) const;

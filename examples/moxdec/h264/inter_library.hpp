@@ -64,33 +64,36 @@ inline MoxStatus interpolate_chroma(const ReferenceBlock<Mox16u>& b) {
   return moxiInterpolateChromaBlock_H264_16u_P2R(&block);
 }
 
-/// The first sample that a block inside plane and margins has in plane `i`. `log2` of the vector's units to a sample.
+/// Blocks of one plane that lie in it and its margins: the vector has become a place and a fraction of a sample.
 template <class Sample>
-const Sample* first_sample(const ReferenceBlock<Sample>& b, int i, int log2) {
-  return b.source[i] + std::ptrdiff_t{b.position.y + (b.vector.y >> log2)} * b.source_step + b.position.x +
-         (b.vector.x >> log2);
-}
-inline MoxiInterpRegion_16u library_region(const ReferenceBlock<Mox16u>& b, int i, int log2) {
-  const int fraction = (1 << log2) - 1;
-  return {first_sample(b, i, log2), b.source_step, b.target[i],   b.target_step, b.vector.x & fraction,
-          b.vector.y & fraction,    b.size.width,  b.size.height, b.bit_depth};
-}
+struct InsideBlock {
+  const Sample* source;
+  Mox32s source_step;
+  Sample* target;
+  Mox32s target_step;
+  MoxiPoint fraction;
+  MoxiSize size;
+  int bit_depth;
+};
 
-/// Blocks of one plane that lie in it and its margins.
-inline MoxStatus interpolate_luma_inside(const ReferenceBlock<Mox8u>& b) {
-  return moxiInterpolateLuma_H264_8u_C1R(first_sample(b, 0, 2), b.source_step, b.target[0], b.target_step,
-                                         b.vector.x & 3, b.vector.y & 3, b.size);
+inline MoxiInterpRegion_16u library_region(const InsideBlock<Mox16u>& b) {
+  return {b.source,     b.source_step, b.target,      b.target_step, b.fraction.x,
+          b.fraction.y, b.size.width,  b.size.height, b.bit_depth};
 }
-inline MoxStatus interpolate_luma_inside(const ReferenceBlock<Mox16u>& b) {
-  const auto region = library_region(b, 0, 2);
+inline MoxStatus interpolate_luma(const InsideBlock<Mox8u>& b) {
+  return moxiInterpolateLuma_H264_8u_C1R(b.source, b.source_step, b.target, b.target_step, b.fraction.x, b.fraction.y,
+                                         b.size);
+}
+inline MoxStatus interpolate_luma(const InsideBlock<Mox16u>& b) {
+  const auto region = library_region(b);
   return moxiInterpolateLuma_H264_16u_C1R(&region);
 }
-inline MoxStatus interpolate_chroma_inside(const ReferenceBlock<Mox8u>& b, int i) {
-  return moxiInterpolateChroma_H264_8u_C1R(first_sample(b, i, 3), b.source_step, b.target[i], b.target_step,
-                                           b.vector.x & 7, b.vector.y & 7, b.size);
+inline MoxStatus interpolate_chroma(const InsideBlock<Mox8u>& b) {
+  return moxiInterpolateChroma_H264_8u_C1R(b.source, b.source_step, b.target, b.target_step, b.fraction.x, b.fraction.y,
+                                           b.size);
 }
-inline MoxStatus interpolate_chroma_inside(const ReferenceBlock<Mox16u>& b, int i) {
-  const auto region = library_region(b, i, 3);
+inline MoxStatus interpolate_chroma(const InsideBlock<Mox16u>& b) {
+  const auto region = library_region(b);
   return moxiInterpolateChroma_H264_16u_C1R(&region);
 }
 
@@ -109,12 +112,13 @@ MoxStatus interpolate_patch(const ReferenceBlock<Sample>& b, int i, int before, 
     }
   }
   const int fraction = (1 << log2) - 1;
-  ReferenceBlock<Sample> inside = b;
-  inside.source[i] = patch.data() + kStep * before + before;
-  inside.source_step = kStep;
-  inside.position = {0, 0};
-  inside.vector = {b.vector.x & fraction, b.vector.y & fraction};
-  return interpolate(inside);
+  return interpolate(InsideBlock<Sample>{patch.data() + kStep * before + before,
+                                         kStep,
+                                         b.target[i],
+                                         b.target_step,
+                                         {b.vector.x & fraction, b.vector.y & fraction},
+                                         b.size,
+                                         b.bit_depth});
 }
 
 /// A prediction to be weighted in place; `offset` on the scale of the bit depth.

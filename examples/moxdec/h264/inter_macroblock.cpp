@@ -81,6 +81,7 @@ void MacroblockReader::begin_inter(Macroblock& mb, MbInfo& info, const Neighbour
                  *top_left = picture_.motion_of(neighbours.top_left),
                  *top_right = picture_.motion_of(neighbours.top_right);
   const int lists = list_count(slice_.type);
+  if (lists == 2) inter_.direct.fetch_early({mb.x, mb.y, part_});
   if (!picture_.mbaff) {
     for (int list = 0; list < lists; ++list) windows_[list].load(list, left, top, top_left, top_right);
     return;

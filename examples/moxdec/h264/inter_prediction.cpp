@@ -49,6 +49,23 @@ void expand_planes(const Frame& frame) {
   }
 }
 
+/// Of a macroblock and of a quarter, in samples, by split.
+constexpr MoxiSize kPartSizes[] = {{16, 16}, {16, 8}, {8, 16}}, kQuarterPartSizes[] = {{8, 8}, {8, 4}, {4, 8}, {4, 4}};
+
+/// Samples of other pictures, and those of the last one that had this one's memory, are far away from the processor.
+/// Macroblocks that follow want what lies on the right, in references if they move in the same way: so each asks for
+/// its share of the rows of the next 64 bytes, which serve all macroblocks that they cover. `first` is the place of the
+/// macroblock's own block.
+template <class Sample>
+void fetch_early(const Sample* plane, Mox32s step, MoxiSize size, MoxiPoint first, int mb_x, int mb_size) {
+  constexpr int kLine = 64 / sizeof(Sample);
+  const int sharing = kLine / mb_size, rows = mb_size / sharing, share = mb_x % sharing;
+  const int x = std::clamp(first.x + kLine, 0, size.width - 1);
+  for (int y = first.y + share * rows; y < first.y + (share + 1) * rows; ++y) {
+    __builtin_prefetch(plane + std::ptrdiff_t{std::clamp(y, 0, size.height - 1)} * step + x);
+  }
+}
+
 /// A prediction from one of both lists.
 template <class Sample>
 struct Scratch {
@@ -130,22 +147,26 @@ void InterPredictor::predict_macroblock(const Picture& picture, const Macroblock
   const std::array<Sample*, 3> planes = {picture.samples<Sample>(0, mb.x, mb.y, mb.field),
                                          picture.samples<Sample>(1, mb.x, mb.y, mb.field),
                                          picture.samples<Sample>(2, mb.x, mb.y, mb.field)};
-  const auto predict_parts = [&](int left, int top, int size, Split split) {
-    const int width = size >> (static_cast<int>(split) >> 1), height = size >> (static_cast<int>(split) & 1);
-    for (int y = top; y < top + size; y += height) {
-      for (int x = left; x < left + size; x += width) {
+  fetch_early(planes[0] - 16 * mb.x, unit.luma_step, {unit.size.width, 16}, {16 * mb.x, 0}, mb.x, 16);
+  for (const Sample* plane : {planes[1], planes[2]}) {
+    fetch_early(plane - 8 * mb.x, unit.chroma_step, {unit.size.width / 2, 8}, {8 * mb.x, 0}, mb.x, 8);
+  }
+  const auto predict_parts = [&](int left, int top, int whole, const MoxiSize& size) {
+    for (int y = top; y < top + whole; y += size.height) {
+      for (int x = left; x < left + whole; x += size.width) {
         const std::ptrdiff_t in_chroma = std::ptrdiff_t{rows(1, y)} * unit.chroma_step + x / 2;
         const Target<Sample> target = {
             {planes[0] + std::ptrdiff_t{y} * unit.luma_step + x, planes[1] + in_chroma, planes[2] + in_chroma},
             unit.luma_step,
             unit.chroma_step};
-        const MoxiPoint position = {unit.position.x + x, unit.position.y + y};
-        predict_block<Sample>({unit, position, {width, height}, y / 4 * 4 + x / 4}, target);
+        predict_block<Sample>({unit, {unit.position.x + x, unit.position.y + y}, size, y / 4 * 4 + x / 4}, target);
       }
     }
   };
-  if (mb.split != Split::kQuarters) return predict_parts(0, 0, 16, mb.split);
-  for (int i = 0; i < 4; ++i) predict_parts(i % 2 * 8, i / 2 * 8, 8, mb.quarter_splits[i]);
+  if (mb.split != Split::kQuarters) return predict_parts(0, 0, 16, kPartSizes[static_cast<int>(mb.split)]);
+  for (int i = 0; i < 4; ++i) {
+    predict_parts(i % 2 * 8, i / 2 * 8, 8, kQuarterPartSizes[static_cast<int>(mb.quarter_splits[i])]);
+  }
 }
 
 template <class Sample>
@@ -166,71 +187,92 @@ void InterPredictor::predict_block(const Block& block, const Target<Sample>& tar
   for (int plane = 0; plane < planes_; ++plane) expect_ok(combine_plane(block, plane, sources, target));
 }
 
-template <class Sample>
-void InterPredictor::fetch(const Block& block, int list, const Target<Sample>& target) const {
-  fetch_luma(block, list, target);
-  if (planes_ > 1) fetch_chroma(block, list, target);
-}
-
 /// A field is every other line of its frame.
 template <class Sample>
-ReferenceBlock<Sample> InterPredictor::reference_block(const Block& block, int list, int plane,
-                                                       const Target<Sample>& target) const {
-  const int id = block.picture_id(list), step = plane == 0 ? block.unit.luma_step : block.unit.chroma_step;
-  const std::ptrdiff_t first_line = is_field(id) && parity_of(id) == kBottom ? step / 2 : 0;
+void InterPredictor::fetch(const Block& block, int list, const Target<Sample>& target) const {
+  const int id = block.picture_id(list);
+  const bool bottom = is_field(id) && parity_of(id) == kBottom;
   const auto& planes = sources_[static_cast<std::size_t>(slot_of(id))].plane;
-  const auto source = [&](const std::byte* first) { return reinterpret_cast<const Sample*>(first) + first_line; };
-  const MotionVector vector = block.unit.motion.vectors[list][block.index];
-  ReferenceBlock<Sample> reference = {{source(planes[0]), nullptr},
-                                      step,
-                                      {target.plane[0], nullptr},
-                                      target.luma_step,
-                                      block.unit.size,
-                                      block.size,
-                                      block.position,
-                                      {vector.x, vector.y},
-                                      bit_depth_};
-  if (plane == 0) return reference;
-  reference.source = {source(planes[1]), source(planes[2])};
-  reference.target = {target.plane[1], target.plane[2]};
-  reference.target_step = target.chroma_step;
-  reference.frame_size = size_in(1, block.unit.size);
-  reference.size = size_in(1, block.size);
-  reference.position = {block.position.x / 2, rows(1, block.position.y)};
-  return reference;
+  const auto source = [&](int plane, Mox32s step) {
+    return reinterpret_cast<const Sample*>(planes[static_cast<std::size_t>(plane)]) + (bottom ? step / 2 : 0);
+  };
+  const Unit& unit = block.unit;
+  const MotionVector vector = unit.motion.vectors[list][block.index];
+  const Sample* luma = source(0, unit.luma_step);
+  const std::array<const Sample*, 2> chroma = {source(1, unit.chroma_step), source(2, unit.chroma_step)};
+  if (block.index == 0) {
+    // The rows that the macroblocks above have not asked for: behind the reach of their filters.
+    const MoxiPoint first = {block.position.x + (vector.x >> 2), block.position.y + (vector.y >> 2)};
+    const int mb_x = block.position.x / 16;
+    fetch_early(luma, unit.luma_step, unit.size, {first.x, first.y + 3}, mb_x, 16);
+    for (const Sample* plane : chroma) {
+      fetch_early(plane, unit.chroma_step, size_in(1, unit.size), {first.x >> 1, (first.y >> 1) + 1}, mb_x, 8);
+    }
+  }
+  fetch_luma<Sample>(block, {vector.x, vector.y}, luma, target);
+  if (planes_ == 1) return;
+  // A vector in quarters of luma samples is one in eighths of chroma samples; not so for the rows of 4:2:2, which are
+  // those of luma. In 4:2:0, chroma lines of the two fields are not as far apart as luma lines: a quarter of a line.
+  MoxiPoint chroma_vector = {vector.x, vector.y};
+  if (chroma_shift_y_ == 0) {
+    chroma_vector.y *= 2;
+  } else if (is_field(id)) {
+    chroma_vector.y += 2 * (unit.parity - parity_of(id));
+  }
+  fetch_chroma<Sample>(block, chroma_vector, chroma, target);
 }
 
 template <class Sample>
-void InterPredictor::fetch_luma(const Block& block, int list, const Target<Sample>& target) const {
-  const auto luma = reference_block(block, list, 0, target);
+void InterPredictor::fetch_luma(const Block& block, MoxiPoint vector, const Sample* source,
+                                const Target<Sample>& target) const {
+  const Unit& unit = block.unit;
+  const int x = block.position.x + (vector.x >> 2), y = block.position.y + (vector.y >> 2);
   // The filter reaches two samples to the left and above, three to the right and below.
   const MoxiSize footprint = {block.size.width + 5, block.size.height + 5};
-  const int x = luma.position.x + (luma.vector.x >> 2), y = luma.position.y + (luma.vector.y >> 2);
-  if (is_inside(x - 2, y - 2, footprint, luma.frame_size, margin(block))) {
-    return expect_ok(interpolate_luma_inside(luma));
+  if (is_inside(x - 2, y - 2, footprint, unit.size, margin(unit))) {
+    const Sample* first = source + std::ptrdiff_t{y} * unit.luma_step + x;
+    return expect_ok(interpolate_luma(InsideBlock<Sample>{first,
+                                                          unit.luma_step,
+                                                          target.plane[0],
+                                                          target.luma_step,
+                                                          {vector.x & 3, vector.y & 3},
+                                                          block.size,
+                                                          bit_depth_}));
   }
-  if (!is_smaller(luma.frame_size, footprint)) return expect_ok(interpolate_luma(luma));
-  expect_ok(interpolate_patch(luma, 0, 2, 5, 2, [](const auto& inside) { return interpolate_luma_inside(inside); }));
+  const ReferenceBlock<Sample> luma = {{source, nullptr}, unit.luma_step, {target.plane[0], nullptr},
+                                       target.luma_step,  unit.size,      block.size,
+                                       block.position,    vector,         bit_depth_};
+  if (!is_smaller(unit.size, footprint)) return expect_ok(interpolate_luma(luma));
+  expect_ok(interpolate_patch(luma, 0, 2, 5, 2, [](const auto& inside) { return interpolate_luma(inside); }));
 }
 
-/// A vector in quarters of luma samples is one in eighths of chroma samples; not so for the rows of 4:2:2, which are
-/// those of luma. In 4:2:0, chroma lines of the two fields are not as far apart as luma lines: a quarter of a line.
 template <class Sample>
-void InterPredictor::fetch_chroma(const Block& block, int list, const Target<Sample>& target) const {
-  auto chroma = reference_block(block, list, 1, target);
-  const int id = block.picture_id(list);
-  if (chroma_shift_y_ == 0) {
-    chroma.vector.y *= 2;
-  } else if (is_field(id)) {
-    chroma.vector.y += 2 * (block.unit.parity - parity_of(id));
+void InterPredictor::fetch_chroma(const Block& block, MoxiPoint vector, const std::array<const Sample*, 2>& sources,
+                                  const Target<Sample>& target) const {
+  const Unit& unit = block.unit;
+  const MoxiPoint position = {block.position.x >> 1, rows(1, block.position.y)};
+  const MoxiSize size = size_in(1, block.size), plane_size = size_in(1, unit.size);
+  const int x = position.x + (vector.x >> 3), y = position.y + (vector.y >> 3);
+  const MoxiSize footprint = {size.width + 1, size.height + 1};
+  if (is_inside(x, y, footprint, plane_size, margin(unit) / 2)) {
+    const std::ptrdiff_t offset = std::ptrdiff_t{y} * unit.chroma_step + x;
+    for (std::size_t i = 0; i < 2; ++i) {
+      expect_ok(interpolate_chroma(InsideBlock<Sample>{sources[i] + offset,
+                                                       unit.chroma_step,
+                                                       target.plane[1 + i],
+                                                       target.chroma_step,
+                                                       {vector.x & 7, vector.y & 7},
+                                                       size,
+                                                       bit_depth_}));
+    }
+    return;
   }
-  const int x = chroma.position.x + (chroma.vector.x >> 3), y = chroma.position.y + (chroma.vector.y >> 3);
-  const MoxiSize footprint = {chroma.size.width + 1, chroma.size.height + 1};
-  const bool inside = is_inside(x, y, footprint, chroma.frame_size, margin(block) / 2);
-  if (!inside && !is_smaller(chroma.frame_size, footprint)) return expect_ok(interpolate_chroma(chroma));
+  const ReferenceBlock<Sample> chroma = {
+      sources, unit.chroma_step, {target.plane[1], target.plane[2]}, target.chroma_step, plane_size, size, position,
+      vector,  bit_depth_};
+  if (!is_smaller(plane_size, footprint)) return expect_ok(interpolate_chroma(chroma));
   for (int i = 0; i < 2; ++i) {
-    const auto plane = [i](const auto& whole) { return interpolate_chroma_inside(whole, i); };
-    expect_ok(inside ? plane(chroma) : interpolate_patch(chroma, i, 0, 1, 3, plane));
+    expect_ok(interpolate_patch(chroma, i, 0, 1, 3, [](const auto& inside) { return interpolate_chroma(inside); }));
   }
 }
 

@@ -62,7 +62,7 @@ class InterPredictor {
   struct Block {
     const Unit& unit;
     MoxiPoint position;  // in the frame or the field
-    MoxiSize size;
+    const MoxiSize& size;
     int index;  // of its first 4x4 block in the macroblock
     int reference(int list) const { return unit.motion.references[list][quadrant_of(index)]; }
     int picture_id(int list) const { return unit.motion.pictures[list][quadrant_of(index)]; }
@@ -79,24 +79,24 @@ class InterPredictor {
   void predict_block(const Block& block, const Target<Sample>& target) const;
   template <class Sample>
   void fetch(const Block& block, int list, const Target<Sample>& target) const;
-  /// The reference as a whole, frame or field, and where in it the block stands.
+  /// From the first sample of the reference, a frame or a field. Vectors count quarters of luma samples, eighths of
+  /// chroma samples.
   template <class Sample>
-  ReferenceBlock<Sample> reference_block(const Block& block, int list, int plane, const Target<Sample>& target) const;
+  void fetch_luma(const Block& block, MoxiPoint vector, const Sample* source, const Target<Sample>& target) const;
   template <class Sample>
-  void fetch_luma(const Block& block, int list, const Target<Sample>& target) const;
-  template <class Sample>
-  void fetch_chroma(const Block& block, int list, const Target<Sample>& target) const;
+  void fetch_chroma(const Block& block, MoxiPoint vector, const std::array<const Sample*, 2>& sources,
+                    const Target<Sample>& target) const;
   template <class Sample>
   void weight(const Block& block, int list, const Target<Sample>& target) const;
   template <class Sample>
   MoxStatus combine_plane(const Block& block, int plane, const std::array<Target<Sample>, 2>& sources,
                           const Target<Sample>& target) const;
   /// Samples of luma around the references that a block may use.
-  int margin(const Block& block) const { return expanded_ && !block.unit.is_field() ? kMargin : 0; }
+  int margin(const Unit& unit) const { return expanded_ && !unit.is_field() ? kMargin : 0; }
   /// From luma to the rows of a plane.
   int rows(int plane, int y) const { return plane == 0 ? y : y >> chroma_shift_y_; }
   MoxiSize size_in(int plane, MoxiSize size) const {
-    return {plane == 0 ? size.width : size.width / 2, rows(plane, size.height)};
+    return {plane == 0 ? size.width : size.width >> 1, rows(plane, size.height)};
   }
   SampleWeight explicit_weight(const Block& block, int list, int plane) const;
 

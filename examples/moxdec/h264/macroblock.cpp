@@ -200,8 +200,9 @@ void MacroblockReader::read_intra_modes(Macroblock& mb, MbInfo& info, const Neig
 
 void MacroblockReader::read_qp_delta() {
   const int offset = slice_.sps->qp_offset(), range = 52 + offset;
-  const int delta = bits_.se(-range / 2, range / 2 - 1, "mb_qp_delta");
-  qp_ = (qp_ + offset + delta + range) % range - offset;
+  qp_ += bits_.se(-range / 2, range / 2 - 1, "mb_qp_delta");
+  if (qp_ < -offset) qp_ += range;
+  if (qp_ > 51) qp_ -= range;
 }
 
 template <class Coeff>

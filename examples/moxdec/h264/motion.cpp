@@ -19,7 +19,7 @@ constexpr bool precedes(int x, int y, int to_x, int to_y) {
 static_assert(precedes(1, 0, 0, 1) && !precedes(2, 0, 1, 1));
 
 /// A neighbour that is not available.
-constexpr MbMotion kMissing = still_motion(MotionWindow::kNotThere);
+constexpr MbMotion kNotThereMotion = still_motion(MotionWindow::kNotThere);
 
 }  // namespace
 
@@ -30,7 +30,7 @@ void MotionWindow::put(int list, int at, const MbMotion& mb, int block) {
 
 void MotionWindow::load(int list, const MbMotion* left, const MbMotion* top, const MbMotion* top_left,
                         const MbMotion* top_right) {
-  const auto known = [](const MbMotion* mb) -> const MbMotion& { return mb ? *mb : kMissing; };
+  const auto known = [](const MbMotion* mb) -> const MbMotion& { return mb ? *mb : kNotThereMotion; };
   const MbMotion &beside = known(left), &above = known(top);
   corner_column_ = -1;
   put(list, index(-1, -1), known(top_left), 15);
@@ -41,7 +41,7 @@ void MotionWindow::load(int list, const MbMotion* left, const MbMotion* top, con
 
 void MotionWindow::load(int list, const Surroundings& around) {
   const auto put_converted = [&](int at, const MbMotion* mb, int block) {
-    put(list, at, mb ? *mb : kMissing, block);
+    put(list, at, mb ? *mb : kNotThereMotion, block);
     if (!mb || mb->field == around.field || references_[at] < 0) return;
     // A frame has two fields and twice as many lines as each of them.
     MotionVector& vector = vectors_[at];

@@ -123,7 +123,7 @@ class MotionWindow {
   static void fill(Values& values, const BlockRect& rect, Value value) {
     auto* row = &values[index(rect.x, rect.y)];
     const auto fill_rows = [&](auto width) {
-      for (int y = 0; y < rect.height; ++y, row += kRow) std::fill_n(row, decltype(width)::value, value);
+      for (int y = 0; y < rect.height; ++y, row += kRow) std::fill_n(row, width, value);
     };
     if (rect.width == 4) return fill_rows(std::integral_constant<int, 4>{});
     if (rect.width == 2) return fill_rows(std::integral_constant<int, 2>{});

@@ -99,7 +99,7 @@ MoxStatus rebuild_intra_chroma(Work& work) {
 }
 
 template <class Work>
-void rebuild_intra(Work work) {
+void rebuild_intra(Work& work) {
   if (work.mb.kind == MbKind::kRaw) return copy_raw(work);
   MoxStatus status = rebuild_intra_luma(work);
   if (status == moxStsOk && work.chroma_height != 0) status = rebuild_intra_chroma(work);
@@ -107,7 +107,7 @@ void rebuild_intra(Work work) {
 }
 
 template <class Work>
-void rebuild_inter(Work work) {
+void rebuild_inter(Work& work) {
   MoxStatus status = work.inter_luma();
   if (status == moxStsOk && work.chroma_height != 0) status = work.inter_chroma();
   require(status == moxStsOk, "the residual cannot be rebuilt");
@@ -116,14 +116,24 @@ void rebuild_inter(Work work) {
 }  // namespace
 
 void reconstruct_intra(Picture& picture, const Slice& slice, Macroblock& mb) {
-  if (slice.header.sps->is_deep()) return rebuild_intra(Rebuilding16(picture, slice, mb));
-  rebuild_intra(Rebuilding8(picture, slice, mb));
+  if (slice.header.sps->is_deep()) {
+    Rebuilding16 work(picture, slice, mb);
+    rebuild_intra(work);
+  } else {
+    Rebuilding8 work(picture, slice, mb);
+    rebuild_intra(work);
+  }
 }
 
 void reconstruct_inter(Picture& picture, const Slice& slice, Macroblock& mb) {
   if ((mb.coded | mb.coded_8x8 | mb.coded_chroma[0] | mb.coded_chroma[1]) == 0) return;
-  if (slice.header.sps->is_deep()) return rebuild_inter(Rebuilding16(picture, slice, mb));
-  rebuild_inter(Rebuilding8(picture, slice, mb));
+  if (slice.header.sps->is_deep()) {
+    Rebuilding16 work(picture, slice, mb);
+    rebuild_inter(work);
+  } else {
+    Rebuilding8 work(picture, slice, mb);
+    rebuild_inter(work);
+  }
 }
 
 }  // namespace moxdec::h264
