@@ -1,5 +1,6 @@
 #include "moxdec/output.hpp"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdio>
@@ -24,12 +25,9 @@ class RawWriter : public FrameWriter {
     const FrameFormat& format = frame.format();
     for (int plane = 0; plane < 3; ++plane) {
       const auto row = static_cast<std::size_t>(format.plane_width(plane) * format.sample_bytes());
-      const int rows = format.plane_height(plane);
-      buffer_.resize(row * static_cast<std::size_t>(rows));
-      for (int y = 0; y < rows; ++y) {
-        std::memcpy(buffer_.data() + row * static_cast<std::size_t>(y), frame.shown_row(plane, y), row);
-      }
-      file_.write(buffer_.data(), buffer_.size());
+      const auto rows = static_cast<std::size_t>(format.plane_height(plane));
+      const bool in_one_piece = static_cast<std::size_t>(frame.step(plane)) == row;
+      file_.write(in_one_piece ? frame.shown_row(plane, 0) : joined_rows(frame, plane, row), row * rows);
     }
   }
   void finish() override { file_.close(); }
@@ -38,6 +36,15 @@ class RawWriter : public FrameWriter {
   OutputFile file_;
 
  private:
+  const std::byte* joined_rows(const Frame& frame, int plane, std::size_t row) {
+    const int rows = frame.format().plane_height(plane);
+    buffer_.resize(std::max(buffer_.size(), row * static_cast<std::size_t>(rows)));
+    for (int y = 0; y < rows; ++y) {
+      std::memcpy(buffer_.data() + row * static_cast<std::size_t>(y), frame.shown_row(plane, y), row);
+    }
+    return buffer_.data();
+  }
+
   std::vector<std::byte> buffer_;
 };
 

@@ -1,6 +1,6 @@
 #include "frame/arguments.hpp"
 #include "frame/generation.hpp"
-#include "h264/interpolation_chroma.hpp"
+#include "h264/interpolation_chroma_vec.hpp"
 #include "h264/interpolation_luma_high_vec.hpp"
 #include "h264/interpolation_luma_vec.hpp"
 #include "h264/placed_block.hpp"
@@ -41,8 +41,8 @@ MoxStatus moxiInterpolateBoundaryChromaBlock_H264_16u(unsigned flags, const Moxi
 }
 MoxStatus moxiInterpolateBoundaryChromaBlock_NV12_H264_C2P2_8u(unsigned flags,
                                                                const MoxiInterpKernelArgs<Mox8u>& args) {
-  return run_on_copy(&moxiReadDataBlockThroughBoundary_NV12_8u, flags, &launch_h264_interpolate_chroma_nv12touv, args,
-                     kChromaReach, 2);
+  return run_on_copy(&moxiReadDataBlockThroughBoundary_NV12_8u, flags, &active::launch_h264_interpolate_chroma_nv12touv,
+                     args, kChromaReach, 2);
 }
 
 /// The kernel on both planes of a block inside the picture.
@@ -98,7 +98,7 @@ MoxStatus moxiInterpolateChromaBlock_H264_8u_C2P2R(const MoxiInterpBlock_8u* pBl
   args.typeIndex = chroma_index_8u(width, args.dx, args.dy);
   if (flags != 0) return moxiInterpolateBoundaryChromaBlock_NV12_H264_C2P2_8u(flags, args);
   args.pSrc += offset_of(args, kChromaReach, 2);
-  return launch_h264_interpolate_chroma_nv12touv(args);
+  return active::launch_h264_interpolate_chroma_nv12touv(args);
 }
 
 MoxStatus moxiInterpolateChromaBlock_H264_16u_P2R(const MoxiInterpBlock_16u* pBlock) {

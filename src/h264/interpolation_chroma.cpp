@@ -1,4 +1,4 @@
-#include "h264/interpolation_chroma.hpp"
+#include "h264/interpolation_chroma_vec.hpp"
 
 #include "frame/arguments.hpp"
 #include "frame/generation.hpp"
@@ -62,7 +62,7 @@ MoxStatus moxiInterpolateChroma_H264_8u_C2P2R(const Mox8u* pSrc, Mox32s srcStep,
   MoxiInterpKernelArgs<Mox8u> block = block_of(pSrc, srcStep, pDstU, dstStep, dx, dy, roiSize);
   block.pDst2 = pDstV;
   block.typeIndex = chroma_index_8u(roiSize.width, dx, dy);
-  return launch_h264_interpolate_chroma_nv12touv(block);
+  return active::launch_h264_interpolate_chroma_nv12touv(block);
 }
 
 MoxStatus moxiInterpolateChroma_H264_16u_C1R(const MoxiInterpRegion_16u* pRegion) {

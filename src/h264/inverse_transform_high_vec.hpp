@@ -110,6 +110,29 @@ MoxStatus luma_dc_4x4(typename P::Value* pSrcDst, Mox32s qp, const Mox16s* pLeve
   return moxStsOk;
 }
 
+/// The scale has up to 32 bits, and products wrap.
+template <class S, class P>
+void scaled_chroma_dc_2x4(typename P::Value* pSrcDst, Mox32s qp, Mox32s scale) {
+  const px::Rescale by = px::rescale_8x8(h264_qp6[qp + 3]);
+  const auto factor = simd::splat<simd::s32, 1>(scale);
+  if constexpr (std::is_same_v<P, Wrap32>) {
+    simd::s32<1> rows[2] = {simd::load_row<simd::s32, 1>(pSrcDst), simd::load_row<simd::s32, 1>(pSrcDst + 4)};
+    hadamard_2x4(rows);
+    for (int i = 0; i < 2; ++i) store_row(rescaled(rows[i] * factor, by), pSrcDst + 4 * i);
+  } else {
+    const auto rows = hadamard_2x4<S>(simd::load_row<simd::s16, 1>(pSrcDst));
+    const auto low = rescaled(wide_lo(rows) * factor, by), high = rescaled(wide_hi(rows) * factor, by);
+    const auto wrapped = shl(rows * simd::splat<simd::s16, 1>(scale), by.left);
+    store_row(by.right > 0 ? packs(low, high) : wrapped, pSrcDst);
+  }
+}
+
+template <class S, class P>
+MoxStatus chroma_dc_2x4(typename P::Value* pSrcDst, Mox32s qp, const Mox16s* pLevelScale) {
+  scaled_chroma_dc_2x4<S, P>(pSrcDst, qp, px::dc_scale(pLevelScale, h264_qp_rem[qp + 3]));
+  return moxStsOk;
+}
+
 template <class S, class P>
 MoxStatus dequant_8x8(typename P::Value* pSrcDst, Mox32s qpPer, const Mox16s* pInvLevelScale) {
   constexpr int B = simd::kBlocks;

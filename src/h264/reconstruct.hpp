@@ -15,6 +15,7 @@
 
 #include "h264/intra.hpp"
 #include "h264/intra8x8_px.hpp"
+#include "h264/intra8x8_vec.hpp"
 #include "h264/macroblock.hpp"
 
 namespace mox {

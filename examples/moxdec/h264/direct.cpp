@@ -86,18 +86,31 @@ void DirectPredictor::find_scales(PicturePart part, const SliceHeader& slice, co
   }
 }
 
+const MbMotion* DirectPredictor::facing_row(const Place& place) const {
+  const int row = is_field_at(place) ? 2 * pair_of(place) + parity_of_fields(place) : place.y;
+  return colocated_->motion.data() + std::ptrdiff_t{row} * mb_width_;
+}
+
+/// Motion that was written some pictures ago is far away in memory: the processor gets it while other macroblocks are
+/// in work.
+void DirectPredictor::fetch_early(const Place& place) const {
+  constexpr int kAhead = 2;
+  if (place.x + kAhead >= mb_width_) return;
+  const MbMotion* motion = facing_row(place) + place.x + kAhead;
+  __builtin_prefetch(&motion->references);
+  __builtin_prefetch(&motion->vectors[0].back());
+}
+
 /// Where frames and fields meet, a macroblock faces two of the other kind or a half of one, and the corners of
 /// quadrants move to the nearest block there.
-DirectPredictor::Facing DirectPredictor::facing(const Place& place) const {
-  const int pair = field_pic_ ? place.y : place.y / 2;
+DirectPredictor::Facing DirectPredictor::find_facing(const Place& place) const {
+  const MbMotion* same = facing_row(place) + place.x;
   const bool field = is_field_at(place);
-  const int parity = place.part != PicturePart::kWhole ? parity_of(place.part) : colocated_parity_;
-  const MbMotion* column = &colocated_->motion[static_cast<std::size_t>(place.x)];
-  const auto macroblock = [=, this](int row) { return column + std::ptrdiff_t{row} * mb_width_; };
-  const MbMotion* same = macroblock(field ? 2 * pair + parity : place.y);
   if (same->field == field) return {{same, same}};
-  if (field) return {{macroblock(2 * pair), macroblock(2 * pair + 1)}, true, 0, 8};
-  const MbMotion* nearer = macroblock(2 * pair + parity);
+  const MbMotion* upper = &colocated_->motion[static_cast<std::size_t>(2 * pair_of(place) * mb_width_ + place.x)];
+  const MbMotion* lower = upper + mb_width_;
+  if (field) return {{upper, lower}, true, 0, 8};
+  const MbMotion* nearer = parity_of_fields(place) == kTop ? upper : lower;
   return {{nearer, nearer}, true, 8 * (place.y & 1), 4};
 }
 
@@ -119,26 +132,29 @@ int DirectPredictor::map_to_list0(const Colocated& there, PicturePart part) cons
 }
 
 template <class Work>
-void DirectPredictor::for_each_rect(int quadrant, Work work) const {
-  const BlockRect rect = quadrant_rect(quadrant);
-  if (whole_quadrants_) {
-    constexpr int kCorners[] = {0, 3, 12, 15};
-    return work(rect, kCorners[quadrant]);
-  }
+void DirectPredictor::for_each_rect(unsigned quadrants, Work work) const {
+  constexpr int kCorners[] = {0, 3, 12, 15};
   for (int i = 0; i < 4; ++i) {
-    const BlockRect block = {rect.x + i % 2, rect.y + i / 2, 1, 1};
-    work(block, 4 * block.y + block.x);
+    if (!(quadrants >> i & 1)) continue;
+    const BlockRect rect = quadrant_rect(i);
+    if (whole_quadrants_) {
+      work(rect, kCorners[i]);
+      continue;
+    }
+    for (int j = 0; j < 4; ++j) {
+      const BlockRect block = {rect.x + j % 2, rect.y + j / 2, 1, 1};
+      work(block, 4 * block.y + block.x);
+    }
   }
 }
 
 void DirectPredictor::derive(std::array<MotionWindow, 2>& windows, const Place& place, unsigned quadrants,
                              std::array<Split, 4>& splits) const {
   require(colocated_ != nullptr, kMissing);
-  const Facing there = facing(place);
-  if (spatial_) derive_spatial(windows, there, quadrants);
+  fetch_early({place.x + 2, place.y, place.part});
+  spatial_ ? derive_spatial(windows, place, quadrants) : derive_temporal(windows, place, quadrants);
   for (int i = 0; i < 4; ++i) {
     if (!(quadrants >> i & 1)) continue;
-    if (!spatial_) derive_temporal(windows, place, there, i);
     const bool whole = whole_quadrants_ ||
                        (windows[0].has_one_vector(quadrant_rect(i)) && windows[1].has_one_vector(quadrant_rect(i)));
     splits[i] = whole ? Split::kNone : Split::kQuarters;
@@ -146,7 +162,7 @@ void DirectPredictor::derive(std::array<MotionWindow, 2>& windows, const Place& 
 }
 
 /// References and vectors come from the neighbours, but what stands still in the colocated picture may do so here.
-void DirectPredictor::derive_spatial(std::array<MotionWindow, 2>& windows, const Facing& facing,
+void DirectPredictor::derive_spatial(std::array<MotionWindow, 2>& windows, const Place& place,
                                      unsigned quadrants) const {
   std::array<Motion, 2> motion;
   for (int list = 0; list < 2; ++list) {
@@ -155,31 +171,39 @@ void DirectPredictor::derive_spatial(std::array<MotionWindow, 2>& windows, const
     if (reference >= 0) motion[list].vector = windows[list].predict(kWholeMb, reference);
   }
   if (motion[0].reference < 0 && motion[1].reference < 0) motion[0].reference = motion[1].reference = 0;
+  const auto set = [&](const BlockRect& rect) {
+    for (int list = 0; list < 2; ++list) {
+      windows[list].set_reference(rect, motion[list].reference);
+      windows[list].set_vector(rect, motion[list].vector);
+    }
+  };
+  if (quadrants == kAllQuadrants) {
+    set(kWholeMb);
+  } else {
+    for (int i = 0; i < 4; ++i) {
+      if (quadrants >> i & 1) set(quadrant_rect(i));
+    }
+  }
   const auto may_stop = [&](int list) {
     return colocated_may_stand_still_ && motion[list].reference == 0 && motion[list].vector != MotionVector{};
   };
-  for (int i = 0; i < 4; ++i) {
-    if (!(quadrants >> i & 1)) continue;
+  if (!may_stop(0) && !may_stop(1)) return;
+  const Facing facing = find_facing(place);
+  for_each_rect(quadrants, [&](const BlockRect& rect, int block) {
+    const Colocated there = colocated(facing, block);
+    if (there.reference != 0 || std::abs(there.vector.x) > 1 || std::abs(there.vector.y) > 1) return;
     for (int list = 0; list < 2; ++list) {
-      windows[list].set_reference(quadrant_rect(i), motion[list].reference);
-      windows[list].set_vector(quadrant_rect(i), motion[list].vector);
+      if (may_stop(list)) windows[list].set_vector(rect, {});
     }
-    if (!may_stop(0) && !may_stop(1)) continue;
-    for_each_rect(i, [&](const BlockRect& rect, int block) {
-      const Colocated there = colocated(facing, block);
-      if (there.reference != 0 || std::abs(there.vector.x) > 1 || std::abs(there.vector.y) > 1) return;
-      for (int list = 0; list < 2; ++list) {
-        if (may_stop(list)) windows[list].set_vector(rect, {});
-      }
-    });
-  }
+  });
 }
 
 /// The colocated vector, shared out by the distances in time.
-void DirectPredictor::derive_temporal(std::array<MotionWindow, 2>& windows, const Place& place, const Facing& facing,
-                                      int quadrant) const {
+void DirectPredictor::derive_temporal(std::array<MotionWindow, 2>& windows, const Place& place,
+                                      unsigned quadrants) const {
   const bool field = is_field_at(place);
-  for_each_rect(quadrant, [&](const BlockRect& rect, int block) {
+  const Facing facing = find_facing(place);
+  for_each_rect(quadrants, [&](const BlockRect& rect, int block) {
     Colocated there = colocated(facing, block);
     const int reference = there.reference < 0 ? 0 : map_to_list0(there, place.part);
     require(reference >= 0, kMissing);

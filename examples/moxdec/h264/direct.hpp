@@ -17,6 +17,8 @@ using example::Split;
 /// same time.
 std::optional<int> distance_scale(int now, int from, int to);
 
+inline constexpr unsigned kAllQuadrants = 15;
+
 class DirectPredictor {
  public:
   /// Where a macroblock is, in rows of macroblocks of its picture.
@@ -47,15 +49,22 @@ class DirectPredictor {
     int next = 0;
   };
   bool is_field_at(const Place& place) const { return field_pic_ || place.part != PicturePart::kWhole; }
-  Facing facing(const Place& place) const;
+  /// Of macroblocks.
+  int pair_of(const Place& place) const { return field_pic_ ? place.y : place.y / 2; }
+  int parity_of_fields(const Place& place) const {
+    return place.part != PicturePart::kWhole ? parity_of(place.part) : colocated_parity_;
+  }
+  /// The row there that a macroblock faces if both pictures are of the same kind.
+  const MbMotion* facing_row(const Place& place) const;
+  void fetch_early(const Place& place) const;
+  Facing find_facing(const Place& place) const;
   Colocated colocated(const Facing& facing, int block) const;
   int map_to_list0(const Colocated& there, PicturePart part) const;
-  /// Calls `work` with each rectangle of a quadrant and the block that stands for it.
+  /// Calls `work` with each rectangle of the quadrants and the block that stands for it.
   template <class Work>
-  void for_each_rect(int quadrant, Work work) const;
-  void derive_spatial(std::array<MotionWindow, 2>& windows, const Facing& facing, unsigned quadrants) const;
-  void derive_temporal(std::array<MotionWindow, 2>& windows, const Place& place, const Facing& facing,
-                       int quadrant) const;
+  void for_each_rect(unsigned quadrants, Work work) const;
+  void derive_spatial(std::array<MotionWindow, 2>& windows, const Place& place, unsigned quadrants) const;
+  void derive_temporal(std::array<MotionWindow, 2>& windows, const Place& place, unsigned quadrants) const;
   void find_indices(const ReferenceLists& lists, const ReferenceBuffer& references);
   void find_scales(PicturePart part, const SliceHeader& slice, const ReferenceLists& lists,
                    const ReferenceBuffer& references);

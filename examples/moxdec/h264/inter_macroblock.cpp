@@ -8,8 +8,6 @@
 namespace moxdec::h264 {
 namespace {
 
-constexpr unsigned kAllQuadrants = 15;
-
 constexpr int part_width(int size, Split split) { return size >> (static_cast<int>(split) >> 1); }
 constexpr int part_height(int size, Split split) { return size >> (static_cast<int>(split) & 1); }
 
@@ -104,12 +102,11 @@ void MacroblockReader::finish_inter(Macroblock& mb, MbInfo& info) {
   const int lists = list_count(slice_.type);
   for (int list = 0; list < lists; ++list) {
     windows_[list].store(list, motion);
-    for (int i = 0; i < 4; ++i) {
-      const int reference = motion.references[list][i];
-      const std::int8_t id = reference < 0 ? kNoReference : inter_.lists.picture(list, reference, part_);
-      require(reference < 0 || id >= 0, "a reference picture is missing");
-      motion.pictures[list][i] = id;
-    }
+    const auto& references = motion.references[list];
+    auto& pictures = motion.pictures[list];
+    pictures.fill(picture_of(list, references[0]));
+    if (mb.split == Split::kNone) continue;
+    for (int i = 1; i < 4; ++i) pictures[i] = picture_of(list, references[i]);
   }
   if (lists == 1) {
     motion.vectors[1] = kNoMotion.vectors[1];
@@ -117,6 +114,14 @@ void MacroblockReader::finish_inter(Macroblock& mb, MbInfo& info) {
     motion.pictures[1] = kNoMotion.pictures[1];
   }
   info.motion_edges = find_motion_edges(mb);
+}
+
+/// Only where a list is used, it has to be there.
+std::int8_t MacroblockReader::picture_of(int list, int reference) const {
+  if (reference < 0) return kNoReference;
+  const std::int8_t id = inter_.lists.picture(list, reference, part_);
+  require(id >= 0, "a reference picture is missing");
+  return id;
 }
 
 MacroblockReader::Parts MacroblockReader::read_parts_p(Macroblock& mb, int type) {
@@ -156,11 +161,11 @@ MacroblockReader::Parts MacroblockReader::read_parts_b(Macroblock& mb, int type)
 void MacroblockReader::derive_direct(Macroblock& mb) {
   inter_.direct.derive(windows_, {mb.x, mb.y, part_}, kAllQuadrants, mb.quarter_splits);
   const auto one = [](const MotionWindow& window) {
-    const int reference = window.at(0, 0).reference;
-    return window.at(2, 0).reference == reference && window.at(0, 2).reference == reference &&
-           window.at(2, 2).reference == reference && window.has_one_vector(kWholeMb);
+    const Motion first = window.at(0, 0);
+    return window.at(2, 0) == first && window.at(0, 2) == first && window.at(2, 2) == first;
   };
-  mb.split = one(windows_[0]) && one(windows_[1]) ? Split::kNone : Split::kQuarters;
+  const bool whole_quadrants = std::ranges::count(mb.quarter_splits, Split::kNone) == 4;
+  mb.split = whole_quadrants && one(windows_[0]) && one(windows_[1]) ? Split::kNone : Split::kQuarters;
 }
 
 void MacroblockReader::read_motion(const Parts& parts, bool halves) {

@@ -10,7 +10,7 @@ namespace {
 
 void expect_ok(MoxStatus status) { require(status == moxStsOk, "inter prediction failed"); }
 
-/// Whether a footprint lies in a plane and its margins.
+/// Whether a footprint lies in a plane and its margins, as most do.
 bool is_inside(int x, int y, MoxiSize footprint, MoxiSize plane, int margin) {
   return x >= -margin && y >= -margin && x + footprint.width <= plane.width + margin &&
          y + footprint.height <= plane.height + margin;
@@ -206,7 +206,7 @@ void InterPredictor::fetch_luma(const Block& block, int list, const Target<Sampl
   // The filter reaches two samples to the left and above, three to the right and below.
   const MoxiSize footprint = {block.size.width + 5, block.size.height + 5};
   const int x = luma.position.x + (luma.vector.x >> 2), y = luma.position.y + (luma.vector.y >> 2);
-  if (expanded_ && !block.unit.is_field() && is_inside(x - 2, y - 2, footprint, luma.frame_size, kMargin)) {
+  if (is_inside(x - 2, y - 2, footprint, luma.frame_size, margin(block))) {
     return expect_ok(interpolate_luma_inside(luma));
   }
   if (!is_smaller(luma.frame_size, footprint)) return expect_ok(interpolate_luma(luma));
@@ -226,7 +226,7 @@ void InterPredictor::fetch_chroma(const Block& block, int list, const Target<Sam
   }
   const int x = chroma.position.x + (chroma.vector.x >> 3), y = chroma.position.y + (chroma.vector.y >> 3);
   const MoxiSize footprint = {chroma.size.width + 1, chroma.size.height + 1};
-  const bool inside = expanded_ && !block.unit.is_field() && is_inside(x, y, footprint, chroma.frame_size, kMargin / 2);
+  const bool inside = is_inside(x, y, footprint, chroma.frame_size, margin(block) / 2);
   if (!inside && !is_smaller(chroma.frame_size, footprint)) return expect_ok(interpolate_chroma(chroma));
   for (int i = 0; i < 2; ++i) {
     const auto plane = [i](const auto& whole) { return interpolate_chroma_inside(whole, i); };

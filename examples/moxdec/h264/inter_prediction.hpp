@@ -91,6 +91,8 @@ class InterPredictor {
   template <class Sample>
   MoxStatus combine_plane(const Block& block, int plane, const std::array<Target<Sample>, 2>& sources,
                           const Target<Sample>& target) const;
+  /// Samples of luma around the references that a block may use.
+  int margin(const Block& block) const { return expanded_ && !block.unit.is_field() ? kMargin : 0; }
   /// From luma to the rows of a plane.
   int rows(int plane, int y) const { return plane == 0 ? y : y >> chroma_shift_y_; }
   MoxiSize size_in(int plane, MoxiSize size) const {

@@ -116,6 +116,7 @@ class MacroblockReader {
   static void clear_residual(Macroblock& mb, MbInfo& info);
   void begin_inter(Macroblock& mb, MbInfo& info, const Neighbours& neighbours);
   void finish_inter(Macroblock& mb, MbInfo& info);
+  std::int8_t picture_of(int list, int reference) const;
   Parts read_parts_p(Macroblock& mb, int type);
   Parts read_parts_b(Macroblock& mb, int type);
   void derive_direct(Macroblock& mb);

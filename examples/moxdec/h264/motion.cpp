@@ -18,34 +18,37 @@ constexpr bool precedes(int x, int y, int to_x, int to_y) {
 }
 static_assert(precedes(1, 0, 0, 1) && !precedes(2, 0, 1, 1));
 
+/// A neighbour that is not available.
+constexpr MbMotion kMissing = still_motion(MotionWindow::kNotThere);
+
 }  // namespace
 
-void MotionWindow::put(int list, int at, const MbMotion* mb, int block) {
-  references_[at] = mb ? mb->references[list][quadrant_of(block)] : kNotThere;
-  vectors_[at] = mb ? mb->vectors[list][block] : MotionVector{};
+void MotionWindow::put(int list, int at, const MbMotion& mb, int block) {
+  references_[at] = mb.references[list][quadrant_of(block)];
+  vectors_[at] = mb.vectors[list][block];
 }
 
 void MotionWindow::load(int list, const MbMotion* left, const MbMotion* top, const MbMotion* top_left,
                         const MbMotion* top_right) {
-  put(list, index(-1, -1), top_left, 15);
-  for (int x = 0; x < 4; ++x) put(list, index(x, -1), top, 12 + x);
-  put(list, index(4, -1), top_right, 12);
-  for (int y = 0; y < 4; ++y) {
-    put(list, index(-1, y), left, 4 * y + 3);
-    references_[corner(y)] = references_[index(-1, y)];
-    vectors_[corner(y)] = vectors_[index(-1, y)];
-  }
+  const auto known = [](const MbMotion* mb) -> const MbMotion& { return mb ? *mb : kMissing; };
+  const MbMotion &beside = known(left), &above = known(top);
+  corner_column_ = -1;
+  put(list, index(-1, -1), known(top_left), 15);
+  for (int x = 0; x < 4; ++x) put(list, index(x, -1), above, 12 + x);
+  put(list, index(4, -1), known(top_right), 12);
+  for (int y = 0; y < 4; ++y) put(list, index(-1, y), beside, 4 * y + 3);
 }
 
 void MotionWindow::load(int list, const Surroundings& around) {
   const auto put_converted = [&](int at, const MbMotion* mb, int block) {
-    put(list, at, mb, block);
+    put(list, at, mb ? *mb : kMissing, block);
     if (!mb || mb->field == around.field || references_[at] < 0) return;
     // A frame has two fields and twice as many lines as each of them.
     MotionVector& vector = vectors_[at];
     references_[at] = static_cast<std::int8_t>(around.field ? references_[at] * 2 : references_[at] / 2);
     vector.y = static_cast<std::int16_t>(around.field ? vector.y / 2 : vector.y * 2);
   };
+  corner_column_ = kCornerColumn;
   for (int x = 0; x < 4; ++x) put_converted(index(x, -1), around.top, 12 + x);
   put_converted(index(4, -1), around.top_right, 12);
   for (int y = 0; y < 4; ++y) {
@@ -58,16 +61,6 @@ void MotionWindow::load(int list, const Surroundings& around) {
 void MotionWindow::store(int list, MbMotion& out) const {
   for (int y = 0; y < 4; ++y) std::copy_n(&vectors_[index(0, y)], 4, &out.vectors[list][4 * y]);
   for (int i = 0; i < 4; ++i) out.references[list][i] = references_[index(i % 2 * 2, i / 2 * 2)];
-}
-
-void MotionWindow::set_reference(const BlockRect& rect, int reference) {
-  for (int y = rect.y; y < rect.y + rect.height; ++y) {
-    std::fill_n(&references_[index(rect.x, y)], rect.width, static_cast<std::int8_t>(reference));
-  }
-}
-
-void MotionWindow::set_vector(const BlockRect& rect, MotionVector vector) {
-  for (int y = rect.y; y < rect.y + rect.height; ++y) std::fill_n(&vectors_[index(rect.x, y)], rect.width, vector);
 }
 
 int MotionWindow::diagonal_neighbour(const BlockRect& rect) const {

@@ -1,8 +1,10 @@
 /// Motion of macroblocks, and the prediction of vectors from the neighbours.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
+#include <type_traits>
 
 namespace moxdec::h264 {
 
@@ -37,22 +39,30 @@ static_assert(parity_of(field_id(16, kBottom)) == kBottom && slot_of(field_id(16
 /// What stays of a macroblock's motion. Where a list is not used, index and picture are kNoReference and the vector 0.
 /// Vectors and indices of field macroblocks are those of fields.
 struct MbMotion {
-  std::array<std::array<MotionVector, 16>, 2> vectors;   // [list][4x4 block in raster order]
   std::array<std::array<std::int8_t, 4>, 2> references;  // [list][quadrant], indices into the slice's lists
   std::array<std::array<std::int8_t, 4>, 2> pictures;    // the same as names of pictures
   bool field = false;
+  alignas(16) std::array<std::array<MotionVector, 16>, 2> vectors;  // [list][4x4 block in raster order]
 };
 
-inline constexpr MbMotion kNoMotion = {
-    {}, {{{-1, -1, -1, -1}, {-1, -1, -1, -1}}}, {{{-1, -1, -1, -1}, {-1, -1, -1, -1}}}, false};
+constexpr MbMotion still_motion(std::int8_t reference) {
+  MbMotion motion{};
+  for (int list = 0; list < 2; ++list) {
+    motion.references[list].fill(reference);
+    motion.pictures[list].fill(reference);
+  }
+  return motion;
+}
+inline constexpr MbMotion kNoMotion = still_motion(kNoReference);
 
 /// Reference index and vector of one list.
 struct Motion {
   std::int8_t reference = kNoReference;
   MotionVector vector;
+  bool operator==(const Motion&) const = default;
 };
 
-/// A rectangle of 4x4 blocks in a macroblock.
+/// A rectangle of 4x4 blocks in a macroblock; each side is 1, 2 or 4.
 struct BlockRect {
   int x, y, width, height;
 };
@@ -63,6 +73,9 @@ constexpr BlockRect quadrant_rect(int quadrant) { return {quadrant % 2 * 2, quad
 /// right neighbour, and a column at the left.
 class MotionWindow {
  public:
+  /// Stands for the reference index of a neighbour that is not available.
+  static constexpr std::int8_t kNotThere = -2;
+
   MotionWindow() { references_.fill(kNotThere); }
 
   /// What is next to a macroblock in work. Null stands for a neighbour that is not available.
@@ -83,8 +96,10 @@ class MotionWindow {
   /// Writes the whole list of a macroblock, names of pictures excepted.
   void store(int list, MbMotion& out) const;
 
-  void set_reference(const BlockRect& rect, int reference);
-  void set_vector(const BlockRect& rect, MotionVector vector);
+  void set_reference(const BlockRect& rect, int reference) {
+    fill(references_, rect, static_cast<std::int8_t>(reference));
+  }
+  void set_vector(const BlockRect& rect, MotionVector vector) { fill(vectors_, rect, vector); }
   Motion at(int x, int y) const { return {references_[index(x, y)], vectors_[index(x, y)]}; }
 
   /// The median of the neighbours, or the vector of the only one that has the same reference index.
@@ -100,19 +115,30 @@ class MotionWindow {
   bool has_one_vector(const BlockRect& rect) const;
 
  private:
-  static constexpr std::int8_t kNotThere = -2;
   static constexpr int kRow = 8;
   static constexpr int index(int x, int y) { return kRow * (y + 1) + x + 1; }
-  void put(int list, int at, const MbMotion* mb, int block);
+  void put(int list, int at, const MbMotion& mb, int block);
+  /// Rows of a known width are a single store each.
+  template <class Values, class Value>
+  static void fill(Values& values, const BlockRect& rect, Value value) {
+    auto* row = &values[index(rect.x, rect.y)];
+    const auto fill_rows = [&](auto width) {
+      for (int y = 0; y < rect.height; ++y, row += kRow) std::fill_n(row, decltype(width)::value, value);
+    };
+    if (rect.width == 4) return fill_rows(std::integral_constant<int, 4>{});
+    if (rect.width == 2) return fill_rows(std::integral_constant<int, 2>{});
+    fill_rows(std::integral_constant<int, 1>{});
+  }
   /// The neighbour above at the right, or the one at the left where that is not there or not yet decoded.
   int diagonal_neighbour(const BlockRect& rect) const;
 
   /// The blocks at the left as seen from the row below. Apart from the others only where frames and fields meet.
-  static constexpr int corner(int y) { return y < 0 ? index(-1, -1) : index(kCornerColumn, y); }
+  int corner(int y) const { return y < 0 ? index(-1, -1) : index(corner_column_, y); }
   static constexpr int kCornerColumn = 5;
 
   std::array<std::int8_t, 5 * kRow> references_;  // the column at the right is never there
   std::array<MotionVector, 5 * kRow> vectors_{};  // 0 where there is no reference
+  int corner_column_ = -1;
 };
 
 }  // namespace moxdec::h264
