@@ -135,10 +135,10 @@ void scaled_chroma_dc_2x4(typename P::Value* pSrcDst, Mox32s qp, Mox32s scale) {
   if constexpr (std::is_same_v<P, Wrap32>) {
     simd::s32<1> rows[2] = {simd::load_row<simd::s32, 1>(pSrcDst), simd::load_row<simd::s32, 1>(pSrcDst + 4)};
     hadamard_2x4(rows);
-    for (int i = 0; i < 2; ++i) store_row(rescaled(rows[i] * factor, by), pSrcDst + 4 * i);
+    for (int i = 0; i < 2; ++i) store_row(rescaled(rows[i], factor, by), pSrcDst + 4 * i);
   } else {
     const auto rows = hadamard_2x4<S>(simd::load_row<simd::s16, 1>(pSrcDst));
-    const auto low = rescaled(wide_lo(rows) * factor, by), high = rescaled(wide_hi(rows) * factor, by);
+    const auto low = rescaled(wide_lo(rows), factor, by), high = rescaled(wide_hi(rows), factor, by);
     const auto wrapped = shl(rows * simd::splat<simd::s16, 1>(scale), by.left);
     store_row(by.right > 0 ? packs(low, high) : wrapped, pSrcDst);
   }
