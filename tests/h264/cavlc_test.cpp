@@ -220,6 +220,11 @@ TEST_P(Cavlc, BlocksByHand) {
   expect(k2x2, -1, "01", {moxStsOk, 2, 0, 0, old_block(k2x2)});
   expect_block(k2x4, -2, "01 0 00000", 1, {0, 0, 0, 0, 0, 0, 0, 1});
   expect_block(k2x4, -2, "01 1 0011", 1, {0, 0, 0, 0, 0, 0, -1, 0});
+  // Odd tables: two ones of no coefficients, whose signs are consumed, and five ones of five coefficients.
+  tables_->coeff_token[0] = tables_->only(0x0002);
+  expect(kFull, 0, "1 01", {moxStsOk, 3, 0, 0, old_block(kFull)});
+  tables_->coeff_token[0] = tables_->only(0x0505);
+  expect_block(kFull, 0, "1 01101 0101", 5, {-1, 1, 0, 0, -1, 1, 0, 0, -1, 0, 0, 0, 0, 0, 0, 0});
 }
 
 TEST_P(Cavlc, LevelsAtTheLimits) {
