@@ -44,10 +44,14 @@ std::vector<Row> chroma_rows() {
                           kStep, kDst_8u, 16, dx, dy, MoxiSize{size, size}));
     }
   }
-  rows.push_back(call(MOX_FN(moxiInterpolateChroma_H264_8u_C2P2R), "8x8 3,5", kSource_8u + kBlock, kStep, kDst_8u,
-                      kDst_8u + 256, 16, 3, 5, MoxiSize{8, 8}));
-  auto* region = new MoxiInterpRegion_16u{kSource_16u + kBlock, kStep, kDst_16u, 16, 3, 5, 8, 8, 10};
-  rows.push_back(call(MOX_FN(moxiInterpolateChroma_H264_16u_C1R), "8x8 3,5", region));
+  for (int size : {2, 4, 8}) {
+    rows.push_back(call(MOX_FN(moxiInterpolateChroma_H264_8u_C2P2R), variant(size, size, 3, 5), kSource_8u + kBlock,
+                        kStep, kDst_8u, kDst_8u + 256, 16, 3, 5, MoxiSize{size, size}));
+  }
+  for (int size : {2, 4, 8, 16}) {
+    auto* region = new MoxiInterpRegion_16u{kSource_16u + kBlock, kStep, kDst_16u, 16, 3, 5, size, size, 10};
+    rows.push_back(call(MOX_FN(moxiInterpolateChroma_H264_16u_C1R), variant(size, size, 3, 5), region));
+  }
   return rows;
 }
 

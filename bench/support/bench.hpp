@@ -28,8 +28,10 @@ namespace mox::bench {
 using test::Library;
 using test::Symbol;
 
-/// So many calls lie between two readings of the time stamp; the reading itself costs about one call of a small kernel.
+/// So many calls lie between two readings of the time stamp, since the reading itself costs about one call of a small
+/// kernel; fewer of a long one, so that a batch ends before something else is likely to come in between.
 inline constexpr int kBatch = 64;
+inline constexpr std::uint64_t kBatchTicks = 1'000'000;
 
 struct Row {
   std::string name;
@@ -40,15 +42,17 @@ struct Row {
 /// Times a callable that returns a status: the counter "ticks" becomes the median batch, per call.
 template <class Body>
 void measure(benchmark::State& state, Body body) {
+  const std::uint64_t first = __rdtsc();
   if (const MoxStatus status = body(); status < moxStsOk) {
     state.SkipWithError(("status " + std::to_string(status)).c_str());
     return;
   }
+  const int calls = static_cast<int>(std::clamp<std::uint64_t>(kBatchTicks / (__rdtsc() - first + 1), 1, kBatch));
   std::vector<double> batches;
   for (auto _ : state) {
     const std::uint64_t start = __rdtsc();
-    for (int i = 0; i < kBatch; ++i) body();
-    batches.push_back(static_cast<double>(__rdtsc() - start) / kBatch);
+    for (int i = 0; i < calls; ++i) body();
+    batches.push_back(static_cast<double>(__rdtsc() - start) / calls);
   }
   const auto middle = batches.begin() + static_cast<std::ptrdiff_t>(batches.size() / 2);
   std::nth_element(batches.begin(), middle, batches.end());

@@ -138,8 +138,8 @@ constexpr std::int32_t coeff_token_value(int index) {
 }
 static_assert(coeff_token_value(0) == 0 && coeff_token_value(2) == 0x101 && coeff_token_value(61) == 0x1003);
 
-/// The descriptions of a set of tables. Level widths keep the root small enough to stay in the first-level cache while
-/// the frequent codes end there.
+/// The descriptions of a set of tables. The widths are those that the library reads most quickly: the roots stay in the
+/// first-level cache, and the frequent codes end there.
 template <int Words, std::size_t N, class Value>
 constexpr auto describe_all(const std::array<std::string_view, N>& texts, int width, Value value) {
   return [&]<std::size_t... I>(std::index_sequence<I...>) {

@@ -73,16 +73,16 @@ struct VlcDescription {
   constexpr void add(std::int32_t word) { words[size++] = word; }
 };
 
-/// The description of a table whose levels are `width` bits wide, the last one as wide as the longest code leaves over.
-/// Code i stands for value(i).
+/// The description of a table whose levels are all `width` bits wide. Code i stands for value(i).
 template <int Words, class Value>
 constexpr VlcDescription<Words> describe(std::string_view text, int width, Value value) {
   const VlcCodes codes(text);
   const int longest = codes.longest();
   VlcDescription<Words> description;
   description.add(0);
-  description.add((longest + width - 1) / width);
-  for (int left = longest; left > 0; left -= width) description.add(std::min(left, width));
+  const int levels = (longest + width - 1) / width;
+  description.add(levels);
+  for (int level = 0; level < levels; ++level) description.add(width);
   for (int length = 1; length <= longest; ++length) {
     description.add(static_cast<int>(
         std::count_if(codes.begin(), codes.end(), [=](const VlcCode& code) { return code.length == length; })));

@@ -27,6 +27,8 @@ class Decoder {
   virtual std::shared_ptr<const Frame> next() = 0;
   /// Chooses another way to the same frames, where there is one: references with margins. To be called before next().
   virtual void expand_references() {}
+  /// Spreads the work over so many threads, where it can be. To be called before next().
+  virtual void set_threads(int /*count*/) {}
   /// Known once the first frame is out.
   virtual FrameRate frame_rate() const { return {}; }
 };

@@ -18,7 +18,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr const char* kUsage = "usage: moxdec INPUT [-o OUT.yuv|OUT.y4m|OUT.png] [--frames N] [--quiet]\n";
+constexpr const char* kUsage =
+    "usage: moxdec INPUT [-o OUT.yuv|OUT.y4m|OUT.png] [--frames N] [--threads N] [--quiet]\n";
 constexpr const char* kHelp =
     "\n"
     "Decodes a video stream: H.264 byte streams with CAVLC, 8 to 14 bits, monochrome, 4:2:0 and 4:2:2; MPEG-1 and\n"
@@ -31,6 +32,8 @@ constexpr const char* kHelp =
     "              -     raw planes to standard output\n"
     "              Without -o the stream is decoded and nothing is written.\n"
     "  --frames N  stop after N frames\n"
+    "  --threads N use N threads, 1 by default, for the same frames: two or three are faster with H.264, more do not\n"
+    "              help; all else is decoded in one\n"
     "  --quiet     no report\n"
     "  --help      this text\n"
     "\n"
@@ -41,6 +44,7 @@ struct Options {
   std::string input;
   std::string output;
   long long frames = std::numeric_limits<long long>::max();
+  int threads = 1;
   bool quiet = false;
   bool expand = false;  // for tests, not in the help: references with margins
   bool help = false;
@@ -51,6 +55,8 @@ bool parse(Options& options, const std::string& option, Arguments& arguments) {
     options.output = arguments.value();
   } else if (option == "--frames") {
     options.frames = arguments.number(1);
+  } else if (option == "--threads") {
+    options.threads = arguments.number(1);
   } else if (option == "--quiet") {
     options.quiet = true;
   } else if (option == "--expand") {
@@ -122,6 +128,7 @@ void run(const Options& options) {
   const Codec& codec = find_codec(data, options.input);
   const auto decoder = codec.open(data);
   if (options.expand) decoder->expand_references();
+  decoder->set_threads(options.threads);
   const auto writer = options.output.empty() ? nullptr : open_writer(options.output);
   Totals totals;
   decode(*decoder, writer.get(), options, totals);

@@ -8,7 +8,8 @@
  *  Tables. The caller builds the tables of the standard with moxiHuffmanTableInitAlloc_32s and passes them in. Values:
  *  coeff_token has TrailingOnes in bits 0 to 7 and TotalCoeff in bits 8 to 15, total_zeros and run_before are
  *  themselves. `ppTblTotalZeros` and `ppTblTotalZerosCR` are indexed by TotalCoeff, `ppTblRunBefore` by the zeros left
- *  (up to 15, in a 2x2 block 3, in a 2x4 block 7); their entry 0 is not used.
+ *  (up to 15, in a 2x2 block 3, in a 2x4 block 7); their entry 0 is not used. Any level widths do. Codes are read most
+ *  quickly if the root is 8 bits wide for coeff_token, 6 for total_zeros, 3 for run_before, for short codes, too.
  *
  *  Block functions. `*pNumCoeff` receives TotalCoeff as soon as it is read. An empty block writes nothing else. Any
  *  other block clears its elements at `*ppDstCoeffs` (16, 4 or 8), stores its levels there and moves `*ppDstCoeffs`

@@ -10,7 +10,7 @@ using namespace mox;
 namespace {
 
 /// The kernel on the block of one plane: in the plane, or on a copy of its footprint if that crosses an edge.
-MoxStatus run_on_plane(InterpKernel<Mox8u> kernel, unsigned flags, MoxiInterpKernelArgs<Mox8u> args, Reach reach) {
+MoxStatus run_on_plane(InterpKernel<Mox8u> kernel, unsigned flags, MoxiInterpBoundaryArgs<Mox8u> args, Reach reach) {
   if (flags != 0) return run_on_copy(&moxiReadDataBlockThroughBoundary_8u, flags, kernel, args, reach);
   args.pSrc += offset_of(args, reach);
   return kernel(args);

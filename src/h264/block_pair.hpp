@@ -24,7 +24,10 @@ struct BlockPair {
 constexpr bool is_partition(int width, int height) { return width <= 2 * height && height <= 2 * width; }
 
 /// The width as template argument of a kernel of blocks this wide: 0 unless it is 2, 4, 8 or 16.
-constexpr int fixed_width(int width) { return width == 2 || width == 4 || width == 8 || width == 16 ? width : 0; }
+constexpr int fixed_width(int width) {
+  constexpr unsigned kWidths = 1u << 2 | 1u << 4 | 1u << 8 | 1u << 16;
+  return width >= 0 && width <= 16 && (kWidths >> width & 1) != 0 ? width : 0;
+}
 
 }  // namespace mox
 
@@ -44,7 +47,7 @@ MoxStatus combine(BlockPair<T> at, MoxiSize size, Rule rule) {
 
 /// The mean of two blocks, halves upwards.
 template <int W, int H, class T>
-MoxStatus average_block(BlockPair<T> at, MoxiSize size) {
+MoxStatus average_block(const BlockPair<T>& at, MoxiSize size) {
   return combine<W, H>(at, size, [](Mox32s a, Mox32s b) { return static_cast<T>(avg_up(a, b)); });
 }
 

@@ -49,7 +49,7 @@ void read_row(const T* row, std::ptrdiff_t x, std::ptrdiff_t count, Repeat end, 
 
 /// Fills the local buffer pDst with extWidth x extHeight elements from (x, y) of the plane pSrc on.
 template <class T, int kChannels, unsigned kFlags>
-MoxStatus read_data_through_boundary(const MoxiInterpKernelArgs<T>& a) {
+MoxStatus read_data_through_boundary(const MoxiInterpBoundaryArgs<T>& a) {
   if constexpr (kFlags != 0) {
     const Repeat horizontal = repeated_end(kFlags & kLeft, kFlags & kRight, a.x);
     const Repeat vertical = repeated_end(kFlags & kTop, kFlags & kBottom, a.y);
@@ -66,10 +66,10 @@ MoxStatus read_data_through_boundary(const MoxiInterpKernelArgs<T>& a) {
 
 /// [edge flags]
 inline constexpr auto read_data_through_boundary_table_8u_pxmx =
-    make_table<16>([]<std::size_t I>() -> InterpKernel<Mox8u> { return &read_data_through_boundary<Mox8u, 1, I>; });
+    make_table<16>([]<std::size_t I>() -> BoundaryRead<Mox8u> { return &read_data_through_boundary<Mox8u, 1, I>; });
 inline constexpr auto read_data_through_boundary_table_16u_pxmx =
-    make_table<16>([]<std::size_t I>() -> InterpKernel<Mox16u> { return &read_data_through_boundary<Mox16u, 1, I>; });
+    make_table<16>([]<std::size_t I>() -> BoundaryRead<Mox16u> { return &read_data_through_boundary<Mox16u, 1, I>; });
 inline constexpr auto read_data_through_boundary_table_nv12_8u_pxmx =
-    make_table<16>([]<std::size_t I>() -> InterpKernel<Mox8u> { return &read_data_through_boundary<Mox8u, 2, I>; });
+    make_table<16>([]<std::size_t I>() -> BoundaryRead<Mox8u> { return &read_data_through_boundary<Mox8u, 2, I>; });
 
 }  // namespace mox::px

@@ -30,7 +30,7 @@ MOX_INLINE simd::u8<1> nearest_elements(int left, int right) {
 /// each row up to a multiple of 16 bytes. Reads whole vectors of the plane's rows: planes narrower than these, or than
 /// the footprint, are left to the portable kernel.
 template <class T, int kChannels, unsigned kFlags>
-MoxStatus read_data_through_boundary(const MoxiInterpKernelArgs<T>& a) {
+MoxStatus read_data_through_boundary(const MoxiInterpBoundaryArgs<T>& a) {
   constexpr int kBytes = int{sizeof(T)} * kChannels, kElements = 16 / kBytes;
   if (kFlags == 0 || a.frameWidth < std::max(kElements, a.extWidth))
     return px::read_data_through_boundary<T, kChannels, kFlags>(a);
@@ -54,23 +54,23 @@ MoxStatus read_data_through_boundary(const MoxiInterpKernelArgs<T>& a) {
 
 /// [edge flags]
 inline constexpr auto read_data_through_boundary_table_8u_pxmx =
-    make_table<16>([]<std::size_t I>() -> InterpKernel<Mox8u> { return &read_data_through_boundary<Mox8u, 1, I>; });
+    make_table<16>([]<std::size_t I>() -> BoundaryRead<Mox8u> { return &read_data_through_boundary<Mox8u, 1, I>; });
 inline constexpr auto read_data_through_boundary_table_16u_pxmx =
-    make_table<16>([]<std::size_t I>() -> InterpKernel<Mox16u> { return &read_data_through_boundary<Mox16u, 1, I>; });
+    make_table<16>([]<std::size_t I>() -> BoundaryRead<Mox16u> { return &read_data_through_boundary<Mox16u, 1, I>; });
 inline constexpr auto read_data_through_boundary_table_nv12_8u_pxmx =
-    make_table<16>([]<std::size_t I>() -> InterpKernel<Mox8u> { return &read_data_through_boundary<Mox8u, 2, I>; });
+    make_table<16>([]<std::size_t I>() -> BoundaryRead<Mox8u> { return &read_data_through_boundary<Mox8u, 2, I>; });
 
 }  // namespace mox::vec
 
 namespace mox {
 
-inline MoxStatus moxiReadDataBlockThroughBoundary_8u(unsigned flags, const MoxiInterpKernelArgs<Mox8u>& args) {
+inline MoxStatus moxiReadDataBlockThroughBoundary_8u(unsigned flags, const MoxiInterpBoundaryArgs<Mox8u>& args) {
   return active::read_data_through_boundary_table_8u_pxmx[flags](args);
 }
-inline MoxStatus moxiReadDataBlockThroughBoundary_16u(unsigned flags, const MoxiInterpKernelArgs<Mox16u>& args) {
+inline MoxStatus moxiReadDataBlockThroughBoundary_16u(unsigned flags, const MoxiInterpBoundaryArgs<Mox16u>& args) {
   return active::read_data_through_boundary_table_16u_pxmx[flags](args);
 }
-inline MoxStatus moxiReadDataBlockThroughBoundary_NV12_8u(unsigned flags, const MoxiInterpKernelArgs<Mox8u>& args) {
+inline MoxStatus moxiReadDataBlockThroughBoundary_NV12_8u(unsigned flags, const MoxiInterpBoundaryArgs<Mox8u>& args) {
   return active::read_data_through_boundary_table_nv12_8u_pxmx[flags](args);
 }
 

@@ -21,7 +21,7 @@ MoxStatus coeffs(const Mox32u** ppBitStream, Mox32s* pBitOffset, Mox16s* pNumCoe
   if (uVLCSelect < 0) return moxStsOutOfRange;
   return active::decode_coeffs(ppBitStream, pBitOffset, pNumCoeff, ppDstCoeffs, uVLCSelect, ppTblCoeffToken,
                                active::RunTables{ppTblTotalZeros, ppTblRunBefore},
-                               active::ScanBlock{uMaxNumCoeff, pScanMatrix});
+                               active::ScanBlock{uMaxNumCoeff, pScanMatrix + (16 - uMaxNumCoeff)});
 }
 
 template <class Block, class Coeff>
@@ -32,7 +32,8 @@ MoxStatus chroma_dc(const Mox32u** ppBitStream, Mox32s* pBitOffset, Mox16s* pNum
     return moxStsNullPointer;
   }
   if (any_null(*ppBitStream, *ppDstCoeffs)) return moxStsNullPointer;
-  return active::decode_chroma_dc<Block>(ppBitStream, pBitOffset, pNumCoeff, ppDstCoeffs, pTblCoeffToken,
+  return active::decode_chroma_dc<Block>(WordWindow::of_two_words({*ppBitStream, *pBitOffset}), ppBitStream, pBitOffset,
+                                         pNumCoeff, ppDstCoeffs, pTblCoeffToken,
                                          active::RunTables{ppTblTotalZerosCR, ppTblRunBefore});
 }
 

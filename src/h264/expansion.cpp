@@ -1,6 +1,6 @@
 #include "frame/arguments.hpp"
 #include "frame/generation.hpp"
-#include "h264/expansion_px.hpp"
+#include "h264/expansion_vec.hpp"
 #include "moxvc/h264_expansion.h"
 
 using namespace mox;

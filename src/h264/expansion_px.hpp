@@ -47,13 +47,15 @@ static_assert(average_index(2, 2) == 0 && average_index(16, 8) == 22 && average_
 
 namespace mox::px {
 
-/// Corners come from the order: rows below before the sides, rows above after them.
-inline MoxStatus expand_plane(const ExpandedRows& at) {
+/// Corners come from the order: rows below before the sides, rows above after them. set(value, first, count) fills a
+/// side of a row.
+template <class Set>
+MoxStatus expand_rows(const ExpandedRows& at, Set set) {
   for (std::ptrdiff_t y = 0; y < at.below; ++y) moxsCopy_8u(at.row(at.rows - 1), at.row(at.rows + y), at.width);
   for (std::ptrdiff_t y = 0; y < at.rows + at.below; ++y) {
     Mox8u* const row = at.row(y);
-    moxsSet_8u(row[0], row - at.side, at.side);
-    moxsSet_8u(row[at.width - 1], row + at.width, at.side);
+    set(row[0], row - at.side, at.side);
+    set(row[at.width - 1], row + at.width, at.side);
   }
   for (std::ptrdiff_t y = 1; y <= at.above; ++y) {
     moxsCopy_8u(at.row(0) - at.side, at.row(-y) - at.side, at.width + 2 * at.side);
@@ -61,18 +63,25 @@ inline MoxStatus expand_plane(const ExpandedRows& at) {
   return moxStsOk;
 }
 
+inline MoxStatus expand_plane(const ExpandedRows& at) { return expand_rows(at, moxsSet_8u); }
+
 /// A width and height of 0 stand for those of `size`.
 template <int W, int H>
-MoxStatus interpolate_block_h264_mmp(BlockPair<Mox8u> at, MoxiSize size) {
+MoxStatus interpolate_block_h264_mmp(const BlockPair<Mox8u>& at, MoxiSize size) {
   return average_block<W, H>(at, size);
+}
+
+/// The size of the fixed kernel at an average_index, zero where there is none.
+constexpr MoxiSize fixed_average_size(std::size_t index) {
+  constexpr std::array kSide = {2, 4, 8, 0, 16};
+  const int width = kSide[index / 5], height = kSide[index % 5];
+  return width > 0 && height > 0 && is_partition(width, height) ? MoxiSize{width, height} : MoxiSize{0, 0};
 }
 
 /// [average_index]. Kernels of fixed size write that size and no other.
 inline constexpr auto interpolate_block_h264_function_table = make_table<25>([]<std::size_t I>() {
-  constexpr std::array kSide = {2, 4, 8, 0, 16};
-  constexpr int kWidth = kSide[I / 5], kHeight = kSide[I % 5];
-  constexpr bool kFixed = kWidth > 0 && kHeight > 0 && is_partition(kWidth, kHeight);
-  return &interpolate_block_h264_mmp < kFixed ? kWidth : 0, kFixed ? kHeight : 0 > ;
+  constexpr MoxiSize kSize = fixed_average_size(I);
+  return &interpolate_block_h264_mmp<kSize.width, kSize.height>;
 });
 
 }  // namespace mox::px

@@ -2,9 +2,12 @@
 
 #include "frame/arguments.hpp"
 #include "frame/generation.hpp"
+#include "h264/forward_transform_dc_vec.hpp"
 #include "h264/forward_transform_px.hpp"
 #include "h264/forward_transform_quant_px.hpp"
+#include "h264/forward_transform_quant_vec.hpp"
 #include "h264/forward_transform_scale_px.hpp"
+#include "h264/forward_transform_scale_vec.hpp"
 #include "h264/forward_transform_vec.hpp"
 
 using namespace mox;

@@ -15,26 +15,34 @@ namespace mox {
 constexpr bool is_luma_size_8u(MoxiSize size) { return (size.height & 3) == 0 && (size.width & ~28) == 0; }
 constexpr bool is_chroma_size_8u(MoxiSize size) { return (size.height & 1) == 0 && (size.width & ~14) == 0; }
 
-/// Arguments of a kernel, and of the way across the picture edges. Steps count samples (bytes of interleaved planes).
+/// Arguments of a kernel. Steps count samples (bytes of interleaved planes).
 template <class T>
 struct MoxiInterpKernelArgs {
-  const T* pSrc = nullptr;  ///< the block; for the read step, the origin of the plane
+  const T* pSrc = nullptr;
   std::ptrdiff_t srcStep = 0;
-  T* pDst = nullptr;  ///< destination; for the read step, the local buffer
+  T* pDst = nullptr;
   std::ptrdiff_t dstStep = 0;
   Mox32s dx = 0, dy = 0;         ///< fraction of the vector
   Mox32s width = 0, height = 0;  ///< of the block
   Mox32s typeIndex = 0;          ///< index into the kernel table
-  std::ptrdiff_t x = 0, y = 0;   ///< first sample of the footprint in the plane; no vector can make these overflow
-  Mox32s extWidth = 0, extHeight = 0;      ///< of the footprint
+  Mox32s bitDepth = 0;           ///< 16-bit kernels only
+  T* pDst2 = nullptr;            ///< second chroma destination
+};
+
+/// What the way across the picture edges takes as well. For the read step pSrc is the origin of the plane, pDst the
+/// local buffer.
+template <class T>
+struct MoxiInterpBoundaryArgs : MoxiInterpKernelArgs<T> {
+  std::ptrdiff_t x = 0, y = 0;         ///< first sample of the footprint in the plane; no vector makes these overflow
+  Mox32s extWidth = 0, extHeight = 0;  ///< of the footprint
   Mox32s frameWidth = 0, frameHeight = 0;  ///< of the plane
   const T* pSrc2 = nullptr;                ///< origin of the second chroma plane
-  T* pDst2 = nullptr;                      ///< second chroma destination
-  Mox32s bitDepth = 0;                     ///< 16-bit kernels only
 };
 
 template <class T>
 using InterpKernel = MoxStatus (*)(const MoxiInterpKernelArgs<T>&);
+template <class T>
+using BoundaryRead = MoxStatus (*)(const MoxiInterpBoundaryArgs<T>&);
 
 /// A kernel's arguments from those of the plain forms, for a block of `width` columns.
 constexpr MoxiInterpKernelArgs<Mox8u> block_8u(const Mox8u* src, Mox32s srcStep, Mox8u* dst, Mox32s dstStep, Mox32s dx,

@@ -1,6 +1,6 @@
 #include "frame/arguments.hpp"
 #include "frame/generation.hpp"
-#include "h264/interpolation_chroma.hpp"
+#include "h264/interpolation_chroma_vec.hpp"
 #include "h264/interpolation_luma_high_vec.hpp"
 #include "h264/interpolation_luma_vec.hpp"
 #include "h264/placed_block.hpp"
@@ -23,31 +23,31 @@ InterpKernel<Mox16u> chroma_kernel(const MoxiInterpKernelArgs<Mox16u>& a) {
   return active::h264_interpolate_chroma_type_table_16u_pxmx[a.typeIndex];
 }
 
-MoxStatus moxiInterpolateBoundaryLumaBlock_H264_8u(unsigned flags, const MoxiInterpKernelArgs<Mox8u>& args) {
+MoxStatus moxiInterpolateBoundaryLumaBlock_H264_8u(unsigned flags, const MoxiInterpBoundaryArgs<Mox8u>& args) {
   return run_on_copy(&moxiReadDataBlockThroughBoundary_8u, flags, luma_kernel(args), args, kLumaReach);
 }
-MoxStatus moxiInterpolateBoundaryLumaBlock_H264_16u(unsigned flags, const MoxiInterpKernelArgs<Mox16u>& args) {
+MoxStatus moxiInterpolateBoundaryLumaBlock_H264_16u(unsigned flags, const MoxiInterpBoundaryArgs<Mox16u>& args) {
   return run_on_copy(&moxiReadDataBlockThroughBoundary_16u, flags, luma_kernel(args), args, kLumaReach);
 }
-MoxStatus moxiInterpolateBoundaryChromaBlock_H264_8u(unsigned flags, const MoxiInterpKernelArgs<Mox8u>& args) {
+MoxStatus moxiInterpolateBoundaryChromaBlock_H264_8u(unsigned flags, const MoxiInterpBoundaryArgs<Mox8u>& args) {
   run_on_copy(&moxiReadDataBlockThroughBoundary_8u, flags, chroma_kernel(args), args, kChromaReach);
   return run_on_copy(&moxiReadDataBlockThroughBoundary_8u, flags, chroma_kernel(args), second_plane(args),
                      kChromaReach);
 }
-MoxStatus moxiInterpolateBoundaryChromaBlock_H264_16u(unsigned flags, const MoxiInterpKernelArgs<Mox16u>& args) {
+MoxStatus moxiInterpolateBoundaryChromaBlock_H264_16u(unsigned flags, const MoxiInterpBoundaryArgs<Mox16u>& args) {
   run_on_copy(&moxiReadDataBlockThroughBoundary_16u, flags, chroma_kernel(args), args, kChromaReach);
   return run_on_copy(&moxiReadDataBlockThroughBoundary_16u, flags, chroma_kernel(args), second_plane(args),
                      kChromaReach);
 }
 MoxStatus moxiInterpolateBoundaryChromaBlock_NV12_H264_C2P2_8u(unsigned flags,
-                                                               const MoxiInterpKernelArgs<Mox8u>& args) {
-  return run_on_copy(&moxiReadDataBlockThroughBoundary_NV12_8u, flags, &launch_h264_interpolate_chroma_nv12touv, args,
-                     kChromaReach, 2);
+                                                               const MoxiInterpBoundaryArgs<Mox8u>& args) {
+  return run_on_copy(&moxiReadDataBlockThroughBoundary_NV12_8u, flags, &active::launch_h264_interpolate_chroma_nv12touv,
+                     args, kChromaReach, 2);
 }
 
 /// The kernel on both planes of a block inside the picture.
 template <class T>
-MoxStatus run_on_planes(MoxiInterpKernelArgs<T> a) {
+MoxStatus run_on_planes(MoxiInterpBoundaryArgs<T> a) {
   const std::ptrdiff_t offset = offset_of(a, kChromaReach);
   a.pSrc += offset, a.pSrc2 += offset;
   chroma_kernel(a)(a);
@@ -98,7 +98,7 @@ MoxStatus moxiInterpolateChromaBlock_H264_8u_C2P2R(const MoxiInterpBlock_8u* pBl
   args.typeIndex = chroma_index_8u(width, args.dx, args.dy);
   if (flags != 0) return moxiInterpolateBoundaryChromaBlock_NV12_H264_C2P2_8u(flags, args);
   args.pSrc += offset_of(args, kChromaReach, 2);
-  return launch_h264_interpolate_chroma_nv12touv(args);
+  return active::launch_h264_interpolate_chroma_nv12touv(args);
 }
 
 MoxStatus moxiInterpolateChromaBlock_H264_16u_P2R(const MoxiInterpBlock_16u* pBlock) {

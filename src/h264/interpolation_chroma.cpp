@@ -1,4 +1,4 @@
-#include "h264/interpolation_chroma.hpp"
+#include "h264/interpolation_chroma_vec.hpp"
 
 #include "frame/arguments.hpp"
 #include "frame/generation.hpp"
@@ -31,7 +31,8 @@ MoxStatus moxiInterpolateChroma_H264_8u_C1R(const Mox8u* pSrc, Mox32s srcStep, M
   if (any_null(pSrc, pDst)) return moxStsNullPointer;
   if (outside(dx | dy, 0, 7)) return moxStsBadArg;
   if (!is_chroma_size_8u(roiSize)) return moxStsBadSize;
-  return kernel_8u(roiSize, dx, dy)(block_of(pSrc, srcStep, pDst, dstStep, dx, dy, roiSize));
+  // The kernel itself knows its width.
+  return kernel_8u(roiSize, dx, dy)(block_8u(pSrc, srcStep, pDst, dstStep, dx, dy, roiSize.width, roiSize.height));
 }
 
 MoxStatus moxiInterpolateChromaTop_H264_8u_C1R(const Mox8u* pSrc, Mox32s srcStep, Mox8u* pDst, Mox32s dstStep,
@@ -59,10 +60,10 @@ MoxStatus moxiInterpolateChroma_H264_8u_C2P2R(const Mox8u* pSrc, Mox32s srcStep,
   if (any_null(pSrc, pDstU, pDstV)) return moxStsNullPointer;
   if (outside(dx | dy, 0, 7)) return moxStsBadArg;
   if (!is_chroma_size_8u(roiSize)) return moxStsBadSize;
-  MoxiInterpKernelArgs<Mox8u> block = block_of(pSrc, srcStep, pDstU, dstStep, dx, dy, roiSize);
+  auto block = block_8u(pSrc, srcStep, pDstU, dstStep, dx, dy, roiSize.width, roiSize.height);
   block.pDst2 = pDstV;
   block.typeIndex = chroma_index_8u(roiSize.width, dx, dy);
-  return launch_h264_interpolate_chroma_nv12touv(block);
+  return active::launch_h264_interpolate_chroma_nv12touv(block);
 }
 
 MoxStatus moxiInterpolateChroma_H264_16u_C1R(const MoxiInterpRegion_16u* pRegion) {

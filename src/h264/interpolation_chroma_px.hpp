@@ -1,6 +1,7 @@
 /// Portable kernels of H.264 chroma interpolation: bilinear in eighths, by types that tell which axes have a fraction.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 
 #include "frame/table.hpp"
@@ -101,6 +102,28 @@ inline constexpr auto h264_interpolate_chroma_type_table_nv12touv_8u_pxmx =
 /// The full formula whatever the fraction, so it always reads one more column and one more row.
 inline MoxStatus own_InterpolateChroma_H264_16u(const MoxiInterpKernelArgs<Mox16u>& a) {
   return interpolate_chroma<Mox16u, 0, 3>(a);
+}
+
+/// Splits the samples that the block needs into a U and a V block, then runs the planar kernel on each. typeIndex is
+/// chroma_index_8u. Blocks higher than the local ones are done in parts.
+inline MoxStatus launch_h264_interpolate_chroma_nv12touv(const MoxiInterpKernelArgs<Mox8u>& block) {
+  constexpr int kStep = 16;
+  alignas(16) Mox8u u[(kLocalHeight + 1) * kStep], v[(kLocalHeight + 1) * kStep];
+  for (int y = 0; y < block.height; y += kLocalHeight) {
+    MoxiInterpKernelArgs<Mox8u> part = block;
+    part.height = std::min(block.height - y, kLocalHeight);
+    part.pSrc += y * block.srcStep;
+    part.pDst = u, part.pDst2 = v, part.dstStep = kStep;
+    h264_interpolate_chroma_type_table_nv12touv_8u_v8u8[block.typeIndex](part);
+
+    const InterpKernel<Mox8u> planar = h264_interpolate_chroma_type_table_8u_v8u8[block.typeIndex];
+    part.srcStep = kStep, part.dstStep = block.dstStep;
+    part.pSrc = u, part.pDst = block.pDst + y * block.dstStep;
+    planar(part);
+    part.pSrc = v, part.pDst = block.pDst2 + y * block.dstStep;
+    planar(part);
+  }
+  return moxStsOk;
 }
 
 }  // namespace mox::px

@@ -24,23 +24,22 @@ MOX_INLINE auto luma_taps(At at) {
   return LumaTaps<decltype(at(0))>{at(-2) + at(3), at(-1) + at(2), at(0) + at(1)};
 }
 
-/// Columns as words: 8 a block, or 4 of two strips, one `gap` bytes below the other.
-template <int Columns>
+/// Columns as words: 16 in two blocks, 8 in each of the blocks, or 4 in each half of a block. The latter two are
+/// strips, each `gap` bytes below the one before.
+template <int Columns, int Blocks>
 struct LumaWords {
-  static constexpr int kColumns = Columns, B = kColumns == 16 ? 2 : 1, kStrips = kColumns == 4 ? 2 : 1;
+  static constexpr int kColumns = Columns, B = Blocks, kStrips = kColumns == 4 ? 2 : kColumns == 8 ? B : 1;
   using Vector = simd::s16<B>;
 
   MOX_INLINE static Vector load(const Mox16u* p, std::ptrdiff_t gap) {
-    if constexpr (kStrips == 2)
-      return simd::load8x2<simd::s16, B>(p, gap, simd::strips<B>(0));
-    else
-      return simd::load_row<simd::s16, B>(p);
+    if constexpr (kColumns == 4) return simd::load8x2<simd::s16, B>(p, gap, simd::strips<B>(0));
+    if constexpr (kColumns == 8) return simd::load16<simd::s16, B>(p, simd::strips<B>(gap));
+    if constexpr (kColumns == 16) return simd::load_row<simd::s16, B>(p);
   }
   MOX_INLINE static void store(Vector v, Mox16u* p, std::ptrdiff_t gap) {
-    if constexpr (kStrips == 2)
-      simd::store8x2(v, p, gap, simd::strips<B>(0));
-    else
-      simd::store_row(v, p);
+    if constexpr (kColumns == 4) simd::store8x2(v, p, gap, simd::strips<B>(0));
+    if constexpr (kColumns == 8) simd::store16(v, p, simd::strips<B>(gap));
+    if constexpr (kColumns == 16) simd::store_row(v, p);
   }
   MOX_INLINE static Vector limit(Vector v, Mox32s max) {
     return simd::min(simd::max(v, simd::zero<simd::s16, B>()), simd::splat<simd::s16, B>(max));
@@ -58,7 +57,7 @@ struct LumaWords {
   /// Sums of taps less 16384, up to 10 bits: -26614..26582. Wraps on the way.
   MOX_INLINE static Vector sum(const LumaTaps<Vector>& t) {
     const Vector fifth = simd::shl<2>(t.inner) - t.middle;
-    return t.outer + simd::shl<2>(fifth) + fifth - simd::splat<simd::s16, B>(16384);
+    return t.outer + fifth * simd::splat<simd::s16, B>(5) - simd::splat<simd::s16, B>(16384);
   }
   MOX_INLINE static Vector half_of_sum(Vector sum) {
     return simd::shr<5>(sum + simd::splat<simd::s16, B>(16)) + simd::splat<simd::s16, B>(512);
@@ -159,9 +158,10 @@ template <LumaPosition kPosition>
 MOX_INLINE void interpolate_luma_rows(const MoxiInterpKernelArgs<Mox16u>& a, int top, int height) {
   int x = 0;
   if (a.bitDepth <= luma_word_depth(kPosition)) {
-    if constexpr (simd::kBlocks == 2) interpolate_luma_columns<kPosition, LumaWords<16>>(a, x, top, height);
-    interpolate_luma_columns<kPosition, LumaWords<8>>(a, x, top, height);
-    interpolate_luma_columns<kPosition, LumaWords<4>>(a, x, top, height);
+    constexpr int kStrips = kPosition.has(LumaSample::kJ) ? simd::kBlocks : 1;
+    if constexpr (simd::kBlocks == 2) interpolate_luma_columns<kPosition, LumaWords<16, 2>>(a, x, top, height);
+    interpolate_luma_columns<kPosition, LumaWords<8, kStrips>>(a, x, top, height);
+    interpolate_luma_columns<kPosition, LumaWords<4, 1>>(a, x, top, height);
   } else {
     if constexpr (simd::kBlocks == 2) interpolate_luma_columns<kPosition, LumaDoublewords<8>>(a, x, top, height);
     interpolate_luma_columns<kPosition, LumaDoublewords<4>>(a, x, top, height);

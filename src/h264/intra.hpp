@@ -6,6 +6,7 @@
 #include "frame/generation.hpp"
 #include "h264/intra_modes.hpp"
 #include "h264/intra_px.hpp"
+#include "h264/intra_vec.hpp"
 
 namespace mox {
 

@@ -4,6 +4,7 @@
 #include "frame/generation.hpp"
 #include "h264/inverse_transform_high_vec.hpp"
 #include "h264/inverse_transform_px.hpp"
+#include "h264/inverse_transform_switching_vec.hpp"
 #include "h264/inverse_transform_vec.hpp"
 
 using namespace mox;

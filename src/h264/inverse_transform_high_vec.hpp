@@ -13,47 +13,64 @@
 
 namespace mox::vec {
 
+/// One of the shifts is by 0 and what is shifted to the left is not rounded, so the scale can take that shift.
 template <int B>
-MOX_INLINE simd::s32<B> rescaled(simd::s32<B> product, const px::Rescale& by) {
-  return shl(shr(product + simd::splat<simd::s32, B>(by.rounding), by.right), by.left);
+MOX_INLINE simd::s32<B> rescaled(simd::s32<B> v, simd::s32<B> scale, const px::Rescale& by) {
+  return shr(v * shl(scale, by.left) + simd::splat<simd::s32, B>(by.rounding), by.right);
 }
 
+/// Two vectors as samples, limited.
 template <int B>
-MOX_INLINE simd::s32<B> clip_lanes(simd::s32<B> v, Mox32s limit) {
-  return min(max(v, simd::zero<simd::s32, B>()), simd::splat<simd::s32, B>(limit));
+MOX_INLINE simd::u16<B> limited_samples(simd::s32<B> first, simd::s32<B> second, Mox32s limit) {
+  return min(packus(first, second), simd::splat<simd::u16, B>(limit));
 }
 
-/// The four rows of a 4x4 block.
+/// The four rows of a 4x4 block, or of B such blocks that follow each other in memory.
+template <int B>
 struct LongRows4x4 {
-  simd::s32<1> x[4];
+  MOX_INLINE static simd::Strips<B> blocks() { return simd::strips<B>(16 * sizeof(Mox32s)); }
+  simd::s32<B> x[4];
 };
-MOX_INLINE LongRows4x4 load_rows_4x4(const Mox32s* p) {
-  LongRows4x4 rows;
-  for (int y = 0; y < 4; ++y) rows.x[y] = simd::load_row<simd::s32, 1>(p + 4 * y);
+template <int B = 1>
+MOX_INLINE LongRows4x4<B> load_rows_4x4(const Mox32s* p) {
+  LongRows4x4<B> rows;
+  for (int y = 0; y < 4; ++y) rows.x[y] = simd::load16<simd::s32, B>(p + 4 * y, rows.blocks());
   return rows;
 }
-MOX_INLINE void store_rows_4x4(const LongRows4x4& rows, Mox32s* p) {
-  for (int y = 0; y < 4; ++y) store_row(rows.x[y], p + 4 * y);
+template <int B>
+MOX_INLINE void store_rows_4x4(const LongRows4x4<B>& rows, Mox32s* p) {
+  for (int y = 0; y < 4; ++y) store16(rows.x[y], p + 4 * y, rows.blocks());
 }
 
+/// B blocks side by side.
+template <int B>
 MOX_INLINE void add_to_prediction_4x4(const Mox16u* pred, std::ptrdiff_t predStep, Mox16u* dst, std::ptrdiff_t dstStep,
-                                      const LongRows4x4& residual, Mox32s limit) {
-  const auto row = [&](int y) {
-    return clip_lanes(simd::load_row_wide<1>(pred + y * predStep) + residual.x[y], limit);
-  };
-  const auto upper = packus(row(0), row(1)), lower = packus(row(2), row(3));
+                                      const LongRows4x4<B>& residual, Mox32s limit) {
+  const auto row = [&](int y) { return simd::load_row_wide<B>(pred + y * predStep) + residual.x[y]; };
   const std::ptrdiff_t bytes = dstStep * std::ptrdiff_t{sizeof(Mox16u)};
-  store8x2(upper, dst, bytes, simd::Strips<1>{});
-  store8x2(lower, dst + 2 * dstStep, bytes, simd::Strips<1>{});
+  for (int y = 0; y < 4; y += 2, dst += 2 * dstStep) {
+    const auto two = limited_samples(row(y), row(y + 1), limit);
+    if constexpr (B == 1) {
+      store8x2(two, dst, bytes, simd::strips<B>(0));
+    } else {
+      store16(regroup(two), dst, simd::strips<B>(bytes));
+    }
+  }
 }
 
-/// A block whose residual replaces its coefficients. pDC or null.
+/// B blocks side by side whose residuals replace their coefficients. pDC or null.
+template <int B = 1>
 MOX_INLINE void add_scaled_4x4(const Mox16u* pred, std::ptrdiff_t predStep, Mox32s* coeff, const Mox32s* pDC,
                                Mox16u* dst, std::ptrdiff_t dstStep, Mox32s qp, const Mox16s* scales, Mox32s limit) {
-  auto rows = load_rows_4x4(coeff);
-  const px::Rescale by = px::rescale_4x4(h264_qp6[qp]);
-  for (int y = 0; y < 4; ++y) rows.x[y] = rescaled(rows.x[y] * simd::load_row_wide<1>(scales + 4 * y), by);
-  if (pDC) rows.x[0] = simd::with_first_doubleword(rows.x[0], *pDC);
+  auto rows = load_rows_4x4<B>(coeff);
+  const px::Rescale by = kRescale4x4[qp];
+  for (int y = 0; y < 4; ++y) {
+    rows.x[y] = rescaled(rows.x[y], simd::load8_doublewords<B>(scales + 4 * y, simd::strips<B>(0)), by);
+  }
+  if (pDC) {
+    const auto dc = simd::gather<simd::s16, B>(pDC, simd::strips<B>(sizeof(Mox32s)), simd::raw4);
+    rows.x[0] = simd::as<simd::s32>(simd::blend<3>(simd::as<simd::s16>(rows.x[0]), dc));
+  }
   inverse_transform<Wrap32>(rows.x);
   store_rows_4x4(rows, coeff);
   add_to_prediction_4x4(pred, predStep, dst, dstStep, rows, limit);
@@ -94,7 +111,7 @@ MoxStatus residual_4x4(const typename P::Value* pSrc, typename P::Value* pDst) {
 
 template <class S, class P>
 MoxStatus luma_dc_4x4(typename P::Value* pSrcDst, Mox32s qp, const Mox16s* pLevelScale) {
-  const px::Rescale by = px::rescale_8x8(h264_qp6[qp]);
+  const px::Rescale by = kRescale8x8[qp];
   const Mox32s scale = px::dc_scale(pLevelScale, h264_qp_rem[qp]);
   if constexpr (std::is_same_v<P, Wrap32>) {
     auto rows = load_rows_4x4(pSrcDst);
@@ -102,11 +119,34 @@ MoxStatus luma_dc_4x4(typename P::Value* pSrcDst, Mox32s qp, const Mox16s* pLeve
     transpose(rows.x);
     hadamard_pass<P, 1>(rows.x);
     transpose(rows.x);
-    for (auto& row : rows.x) row = rescaled(row * simd::splat<simd::s32, 1>(scale), by);
+    for (auto& row : rows.x) row = rescaled(row, simd::splat<simd::s32, 1>(scale), by);
     store_rows_4x4(rows, pSrcDst);
   } else {
     scale_luma_dc<S>(pSrcDst, scale, by);
   }
+  return moxStsOk;
+}
+
+/// The scale has up to 32 bits, and products wrap.
+template <class S, class P>
+void scaled_chroma_dc_2x4(typename P::Value* pSrcDst, Mox32s qp, Mox32s scale) {
+  const px::Rescale by = px::rescale_8x8(h264_qp6[qp + 3]);
+  const auto factor = simd::splat<simd::s32, 1>(scale);
+  if constexpr (std::is_same_v<P, Wrap32>) {
+    simd::s32<1> rows[2] = {simd::load_row<simd::s32, 1>(pSrcDst), simd::load_row<simd::s32, 1>(pSrcDst + 4)};
+    hadamard_2x4(rows);
+    for (int i = 0; i < 2; ++i) store_row(rescaled(rows[i], factor, by), pSrcDst + 4 * i);
+  } else {
+    const auto rows = hadamard_2x4<S>(simd::load_row<simd::s16, 1>(pSrcDst));
+    const auto low = rescaled(wide_lo(rows), factor, by), high = rescaled(wide_hi(rows), factor, by);
+    const auto wrapped = shl(rows * simd::splat<simd::s16, 1>(scale), by.left);
+    store_row(by.right > 0 ? packs(low, high) : wrapped, pSrcDst);
+  }
+}
+
+template <class S, class P>
+MoxStatus chroma_dc_2x4(typename P::Value* pSrcDst, Mox32s qp, const Mox16s* pLevelScale) {
+  scaled_chroma_dc_2x4<S, P>(pSrcDst, qp, px::dc_scale(pLevelScale, h264_qp_rem[qp + 3]));
   return moxStsOk;
 }
 
@@ -118,7 +158,7 @@ MoxStatus dequant_8x8(typename P::Value* pSrcDst, Mox32s qpPer, const Mox16s* pI
     for (int i = 0; i < 64; i += 4 * B) {
       const auto v = min(max(simd::load_row<simd::s32, B>(pSrcDst + i), simd::splat<simd::s32, B>(-32768)),
                          simd::splat<simd::s32, B>(32767));
-      store_row(rescaled(v * simd::load_row_wide<B>(pInvLevelScale + i), by), pSrcDst + i);
+      store_row(rescaled(v, simd::load_row_wide<B>(pInvLevelScale + i), by), pSrcDst + i);
     }
   } else {
     for (int i = 0; i < 64; i += 8 * B) {
@@ -178,10 +218,11 @@ template <class Sample>
 MOX_INLINE void store_samples(const LongBlock8x8& block, Mox16u* dst, std::ptrdiff_t dstStep, Mox32s limit,
                               Sample sample) {
   constexpr int B = LongBlock8x8::B;
-  const auto at = [&](int y, int part) { return clip_lanes(sample(block.part[part][y], y, 4 * part), limit); };
+  const auto at = [&](int y, int part) { return sample(block.part[part][y], y, 4 * part); };
   for (int y = 0; y < 8; y += B) {
-    const auto packed = B == 1 ? packus(at(y, 0), at(y, LongBlock8x8::kParts - 1)) : packus(at(y, 0), at(y + B - 1, 0));
-    store16(regroup(packed), dst + y * dstStep, simd::strips<B>(dstStep * std::ptrdiff_t{sizeof(Mox16u)}));
+    const auto second = B == 1 ? at(y, LongBlock8x8::kParts - 1) : at(y + B - 1, 0);
+    store16(regroup(limited_samples(at(y, 0), second, limit)), dst + y * dstStep,
+            simd::strips<B>(dstStep * std::ptrdiff_t{sizeof(Mox16u)}));
   }
 }
 

@@ -26,12 +26,18 @@ MOX_INLINE void add_to_prediction_4x4(const Mox8u* pred, std::ptrdiff_t predStep
   simd::store_rows<4, 4>(sum, dst, dstStep);
 }
 
+/// B blocks of 8x8 side by side.
+template <int B>
 MOX_INLINE void add_to_prediction_8x8(const Mox8u* pred, std::ptrdiff_t predStep, Mox8u* dst, std::ptrdiff_t dstStep,
-                                      const simd::s16<1> (&residual)[8]) {
-  constexpr simd::Strips<1> kHere = {};
+                                      const simd::s16<B> (&residual)[8]) {
+  const auto samples = [](const Mox8u* p) { return simd::as<simd::s16>(simd::load_row_wide<B>(p)); };
   for (int y = 0; y < 8; y += 2) {
-    const auto first = simd::load8_wide(pred, kHere), second = simd::load8_wide(pred + predStep, kHere);
-    store8x2(limited_sum(first, residual[y], second, residual[y + 1]), dst, dstStep, kHere);
+    const auto sum = limited_sum(samples(pred), residual[y], samples(pred + predStep), residual[y + 1]);
+    if constexpr (B == 1) {
+      store8x2(sum, dst, dstStep, simd::strips<B>(0));
+    } else {
+      store16(regroup(sum), dst, simd::strips<B>(dstStep));
+    }
     pred += 2 * predStep, dst += 2 * dstStep;
   }
 }
@@ -45,6 +51,10 @@ struct FlatScale {
     return v * simd::table<simd::s16, B>(multipliers + 8 * i);
   }
 };
+
+/// [qp]
+inline constexpr auto kRescale4x4 = make_table<90>([]<std::size_t Qp>() { return px::rescale_4x4(h264_qp6[Qp]); });
+inline constexpr auto kRescale8x8 = make_table<90>([]<std::size_t Qp>() { return px::rescale_8x8(h264_qp6[Qp]); });
 
 /// Products of coefficients and scales after their shift. Values that were shifted to the right are kept as Right says
 /// (Wrap16 or Sat16), others wrap.
@@ -246,7 +256,7 @@ inline MoxStatus scaled_residual_add_16s(const Mox8u* pPred, Mox32s predStep, Mo
     return moxStsOk;
   }
   const Mox16s* const scales = pLevelScale ? pLevelScale : InvLevelScale_4x4_default[h264_qp_rem[qp]].data();
-  const ListScale scale{scales, px::rescale_4x4(h264_qp6[qp])};
+  const ListScale scale{scales, kRescale4x4[qp]};
   add_block<Wrap16>(pPred, predStep, pDst, dstStep, pDC, pSrcDst, pSrcDst, scale);
   return moxStsOk;
 }
@@ -263,23 +273,25 @@ inline void dequant_transform_luma_dc_h264_sse2(Mox16s* pDC, Mox32s multiplier, 
   scale_luma_dc<Wrap16>(pDC, multiplier, {(1 << rightShift) >> 1, rightShift, 0});
 }
 
-/// 8 rows of 8 words.
-MOX_INLINE void load_block_8x8(const Mox16s* p, simd::s16<1> (&x)[8]) {
-  for (int y = 0; y < 8; ++y) x[y] = simd::load_row<simd::s16, 1>(p + 8 * y);
+/// 8 rows of 8 words, of B blocks one behind the other.
+template <int B>
+MOX_INLINE void load_blocks_8x8(const Mox16s* p, simd::s16<B> (&x)[8]) {
+  for (int y = 0; y < 8; ++y) x[y] = simd::load16<simd::s16, B>(p + 8 * y, simd::strips<B>(64 * sizeof(Mox16s)));
 }
 
-/// Dequantised coefficients to their residual, which is stored and added.
+/// Dequantised coefficients of B blocks to their residuals, which are stored, and added to samples side by side.
+template <int B>
 MOX_INLINE void add_residual_8x8(const Mox8u* pred, std::ptrdiff_t predStep, Mox8u* dst, std::ptrdiff_t dstStep,
-                                 simd::s16<1> (&x)[8], Mox16s* residual) {
+                                 simd::s16<B> (&x)[8], Mox16s* residual) {
   inverse_transform<Sat16>(x);
-  for (int y = 0; y < 8; ++y) store_row(x[y], residual + 8 * y);
+  for (int y = 0; y < 8; ++y) store16(x[y], residual + 8 * y, simd::strips<B>(64 * sizeof(Mox16s)));
   add_to_prediction_8x8(pred, predStep, dst, dstStep, x);
 }
 
 inline MoxStatus residual_8x8_add_16s(const Mox8u* pPred, Mox32s predStep, Mox16s* pSrcDst, Mox8u* pDst,
                                       Mox32s dstStep) {
   simd::s16<1> x[8];
-  load_block_8x8(pSrcDst, x);
+  load_blocks_8x8(pSrcDst, x);
   add_residual_8x8(pPred, predStep, pDst, dstStep, x, pSrcDst);
   return moxStsOk;
 }

@@ -19,7 +19,7 @@ inline constexpr VectorRule kLumaVectors = {2, kLumaReach}, kChromaVectors = {3,
 /// A block of a picture as its kernels take it, pSrc still the origin of the plane.
 template <class T>
 struct PlacedBlock {
-  MoxiInterpKernelArgs<T> args;
+  MoxiInterpBoundaryArgs<T> args;
   unsigned flags;  ///< edges that the footprint crosses
 };
 
@@ -33,35 +33,31 @@ PlacedBlock<T> place_block(const Record& r, const VectorRule& rule, Mox32s width
   const Span columns = footprint(rule.reach, moved(r.blockPos.x, r.vector.x), width, dx != 0);
   const Span rows = footprint(rule.reach, moved(r.blockPos.y, r.vector.y), height, dy != 0);
   const bool moves = (r.vector.x | r.vector.y) != 0;
-  return {.args = {.pSrc = r.pSrcPlane[0],
-                   .srcStep = r.srcStep,
-                   .pDst = r.pDstPlane[0],
-                   .dstStep = r.dstStep,
-                   .dx = dx,
-                   .dy = dy,
-                   .width = width,
-                   .height = height,
-                   .x = columns.start,
-                   .y = rows.start,
-                   .extWidth = static_cast<Mox32s>(columns.size),
-                   .extHeight = footprint_size(rule.reach, std::min(height, kLocalHeight), dy != 0),
-                   .frameWidth = r.frameSize.width,
-                   .frameHeight = r.frameSize.height,
-                   .pSrc2 = r.pSrcPlane[1],
-                   .pDst2 = r.pDstPlane[1]},
+  return {.args = {MoxiInterpKernelArgs<T>{.pSrc = r.pSrcPlane[0],
+                                           .srcStep = r.srcStep,
+                                           .pDst = r.pDstPlane[0],
+                                           .dstStep = r.dstStep,
+                                           .dx = dx,
+                                           .dy = dy,
+                                           .width = width,
+                                           .height = height,
+                                           .pDst2 = r.pDstPlane[1]},
+                   columns.start, rows.start, static_cast<Mox32s>(columns.size),
+                   footprint_size(rule.reach, std::min(height, kLocalHeight), dy != 0), r.frameSize.width,
+                   r.frameSize.height, r.pSrcPlane[1]},
           .flags = moves ? edge_flags(columns, rows, r.frameSize) : 0};
 }
 
 /// Samples from the origin of a plane to the block.
 template <class T>
-std::ptrdiff_t offset_of(const MoxiInterpKernelArgs<T>& a, Reach reach, int channels = 1) {
+std::ptrdiff_t offset_of(const MoxiInterpBoundaryArgs<T>& a, Reach reach, int channels = 1) {
   return (a.y + margin(reach, a.dy != 0)) * a.srcStep + (a.x + margin(reach, a.dx != 0)) * channels;
 }
 
 /// Runs the kernel on a copy of the footprint. The read step is one of those that take edge flags.
 template <class T>
-MoxStatus run_on_copy(MoxStatus (*read)(unsigned, const MoxiInterpKernelArgs<T>&), unsigned flags,
-                      InterpKernel<T> kernel, MoxiInterpKernelArgs<T> a, Reach reach, int channels = 1) {
+MoxStatus run_on_copy(MoxStatus (*read)(unsigned, const MoxiInterpBoundaryArgs<T>&), unsigned flags,
+                      InterpKernel<T> kernel, MoxiInterpBoundaryArgs<T> a, Reach reach, int channels = 1) {
   constexpr int kWidest = 48;  // samples: 28 columns of luma and their margins, rounded up
   alignas(64) T local[kLocalRows * kWidest];
   const std::ptrdiff_t localStep = (a.extWidth * channels + 15) & ~15;
@@ -78,7 +74,7 @@ MoxStatus run_on_copy(MoxStatus (*read)(unsigned, const MoxiInterpKernelArgs<T>&
 
 /// The arguments for the second plane.
 template <class T>
-MoxiInterpKernelArgs<T> second_plane(MoxiInterpKernelArgs<T> a) {
+MoxiInterpBoundaryArgs<T> second_plane(MoxiInterpBoundaryArgs<T> a) {
   a.pSrc = a.pSrc2, a.pDst = a.pDst2;
   return a;
 }

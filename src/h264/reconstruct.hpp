@@ -9,12 +9,15 @@
 ///   add_8x8(block, step, coeffs)            adds an 8x8 block
 ///   kQuadrants                              whether it takes four 4x4 blocks at once, unless lossless():
 ///   add_quadrant(block, step, dc, dcStep, coeffs)   they have all their coefficients; dc null or as below
+///   kPairs                                  whether it takes two 8x8 blocks at once, unless lossless():
+///   add_pair(block, step, coeffs)           they lie side by side
 ///   luma_dc(dc), chroma_dc(dc)              makes the DC values of a plane, in place
 /// The residual is added to the prediction that the plane holds. Not kernels: they call the generation's kernels.
 #pragma once
 
 #include "h264/intra.hpp"
 #include "h264/intra8x8_px.hpp"
+#include "h264/intra8x8_vec.hpp"
 #include "h264/macroblock.hpp"
 
 namespace mox {
@@ -36,6 +39,18 @@ void add_quadrant(Pixel* first, Mox32s step, Mox32u coded, const typename Residu
     } else if (ac) {
       residual.add_4x4(block, step, coeffs.take(16));
     }
+  }
+}
+
+/// The blocks of a pair of 8x8 blocks side by side that `coded` has.
+template <class Pixel, class Residual>
+void add_pair(Pixel* first, Mox32s step, Mox32u coded, const PackedCoeffs<typename Residual::Coeff>& coeffs,
+              const Residual& residual) {
+  if constexpr (Residual::kPairs) {
+    if (coded == 3 && !residual.lossless()) return residual.add_pair(first, step, coeffs.take(128));
+  }
+  for (int i = 0; i < 2; ++i) {
+    if (coded >> i & 1) residual.add_8x8(move(first, step, {8 * i, 0}), step, coeffs.take(64));
   }
 }
 
@@ -86,9 +101,9 @@ template <class Pixel, class Residual>
 MoxStatus inter_8x8(typename Residual::Coeff** ppSrcCoeff, Pixel* block, Mox32s step, Mox32u coded,
                     const Residual& residual) {
   PackedCoeffs coeffs(ppSrcCoeff);
-  for (int i = 0; i < 4; ++i) {
-    if (coded >> i & 1) residual.add_8x8(block, step, coeffs.take(64));
-    block = move(block, step, xyoff8[i]);
+  for (int y = 0; y < 2; ++y) {
+    add_pair(block, step, coded >> 2 * y & 3, coeffs, residual);
+    block = move(block, step, {0, 8});
   }
   return moxStsOk;
 }

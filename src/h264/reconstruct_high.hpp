@@ -12,7 +12,7 @@ namespace mox {
 class HighResidual {
  public:
   using Coeff = Mox32s;
-  static constexpr bool kQuadrants = false;
+  static constexpr bool kQuadrants = true, kPairs = false;
   Mox32s depth;
 
   HighResidual(Mox32s bitDepth, Mox32s qp, const Mox16s* pQuantTable, bool bypass)
@@ -27,6 +27,9 @@ class HighResidual {
     if (lossless_) return active::high_add_lossless_dc_4x4(block, step, coeffs, *dc, limit_);
     if (!coeffs) return active::high_add_dc_4x4(block, step, *dc, limit_);
     active::high_add_4x4(block, step, coeffs, dc, qp_, scale_, limit_);
+  }
+  void add_quadrant(Mox16u* block, Mox32s step, const Mox32s* dc, int dcStep, Mox32s* coeffs) const {
+    active::high_add_quadrant(block, step, coeffs, dc, dcStep, qp_, scale_, limit_);
   }
   void add_8x8(Mox16u* block, Mox32s step, Mox32s* coeffs) const {
     if (lossless_) return active::high_add_lossless<8>(block, step, coeffs, limit_);

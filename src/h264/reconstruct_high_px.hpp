@@ -16,6 +16,15 @@ inline void high_add_4x4(Mox16u* pSrcDst, Mox32s step, Mox32s* pCoeff, const Mox
   scaled_add_block<Wrap32>(pSrcDst, step, pCoeff, pDC, pSrcDst, step, qp, pQuantTable, limit);
 }
 
+/// A quadrant of four blocks. pDC or null: the values of the lower blocks are dcStep behind those of the upper ones.
+inline void high_add_quadrant(Mox16u* pSrcDst, Mox32s step, Mox32s* pCoeff, const Mox32s* pDC, int dcStep, Mox32s qp,
+                              const Mox16s* pQuantTable, Mox32s limit) {
+  for (int i = 0; i < 4; ++i) {
+    high_add_4x4(pSrcDst + i / 2 * 4 * std::ptrdiff_t{step} + i % 2 * 4, step, pCoeff + 16 * i,
+                 pDC ? pDC + i / 2 * dcStep + i % 2 : nullptr, qp, pQuantTable, limit);
+  }
+}
+
 /// A block with nothing but its DC. A negative sum becomes 0, unlike add_dc_high's.
 inline void high_add_dc_4x4(Mox16u* pSrcDst, Mox32s step, Mox32s dc, Mox32s limit) {
   const Mox32s r = round6<Wrap32>(dc);

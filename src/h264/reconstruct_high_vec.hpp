@@ -13,9 +13,19 @@ inline void high_add_4x4(Mox16u* pSrcDst, Mox32s step, Mox32s* pCoeff, const Mox
   add_scaled_4x4(pSrcDst, step, pCoeff, pDC, pSrcDst, step, qp, pQuantTable, limit);
 }
 
+inline void high_add_quadrant(Mox16u* pSrcDst, Mox32s step, Mox32s* pCoeff, const Mox32s* pDC, int dcStep, Mox32s qp,
+                              const Mox16s* pQuantTable, Mox32s limit) {
+  constexpr int B = simd::kBlocks;
+  for (int i = 0; i < 4; i += B) {
+    Mox16u* const block = pSrcDst + i / 2 * 4 * std::ptrdiff_t{step} + i % 2 * 4;
+    const Mox32s* const dc = pDC ? pDC + i / 2 * dcStep + i % 2 : nullptr;
+    add_scaled_4x4<B>(block, step, pCoeff + 16 * i, dc, block, step, qp, pQuantTable, limit);
+  }
+}
+
 inline void high_add_dc_4x4(Mox16u* pSrcDst, Mox32s step, Mox32s dc, Mox32s limit) {
   const auto r = simd::splat<simd::s32, 1>(px::round6<Wrap32>(dc));
-  add_to_prediction_4x4(pSrcDst, step, pSrcDst, step, {{r, r, r, r}}, limit);
+  add_to_prediction_4x4(pSrcDst, step, pSrcDst, step, LongRows4x4<1>{{r, r, r, r}}, limit);
 }
 
 /// The sum of samples and the residual, in place.
@@ -27,10 +37,10 @@ MOX_INLINE void add_in_place(Mox16u* pSrcDst, std::ptrdiff_t step, const LongBlo
 inline void high_add_8x8(Mox16u* pSrcDst, Mox32s step, Mox32s* pCoeff, Mox32s qp, const Mox16s* pQuantTable,
                          Mox32s limit) {
   constexpr int B = LongBlock8x8::B;
-  const px::Rescale by = px::rescale_8x8(h264_qp6[qp]);
+  const px::Rescale by = kRescale8x8[qp];
   auto block = make_rows([=](int y, int x) {
     const int i = 8 * y + x;
-    return rescaled(simd::load_row<simd::s32, B>(pCoeff + i) * simd::load_row_wide<B>(pQuantTable + i), by);
+    return rescaled(simd::load_row<simd::s32, B>(pCoeff + i), simd::load_row_wide<B>(pQuantTable + i), by);
   });
   inverse_passes(block);
   for (int i = 0; i < LongBlock8x8::kParts; ++i) {

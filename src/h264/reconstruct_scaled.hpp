@@ -12,7 +12,7 @@ class ScaledResidual {
  public:
   using Coeff = Mox16s;
   static constexpr Mox32s depth = 8;
-  static constexpr bool kQuadrants = true;
+  static constexpr bool kQuadrants = true, kPairs = true;
 
   /// `bypass` asks for lossless blocks, which QP 0 alone has.
   ScaledResidual(Mox32s qp, const Mox16s* pQuantTable, bool bypass)
@@ -39,6 +39,9 @@ class ScaledResidual {
     const px::Rescale by = px::rescale_8x8(per_);
     active::dequant_transform_residual_and_add_8x8_h264_sse2(block, coeffs, scale_, step, by.rounding, by.right,
                                                              by.left);
+  }
+  void add_pair(Mox8u* block, Mox32s step, Mox16s* coeffs) const {
+    active::dequant_transform_residual_and_add_8x8_pair(block, coeffs, scale_, step, px::rescale_8x8(per_));
   }
   void luma_dc(Mox16s* dc) const {
     if (lossless_) return;

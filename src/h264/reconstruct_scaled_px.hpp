@@ -47,6 +47,15 @@ inline void dequant_transform_residual_and_add_8x8_h264_sse2(Mox8u* pDst, Mox16s
   residual_8x8_add_16s(pDst, step, pCoeff, pDst, step);
 }
 
+/// Two blocks side by side.
+inline void dequant_transform_residual_and_add_8x8_pair(Mox8u* pDst, Mox16s* pCoeff, const Mox16s* pQuantTable,
+                                                        Mox32s step, const Rescale& by) {
+  for (int i = 0; i < 2; ++i) {
+    dequant_transform_residual_and_add_8x8_h264_sse2(pDst + 8 * i, pCoeff + 64 * i, pQuantTable, step, by.rounding,
+                                                     by.right, by.left);
+  }
+}
+
 /// 16 values by raster position, in place. Limits as in 8x8 blocks.
 inline void dequant_transform_luma_dc_h264_high_sse2(Mox16s* pDC, Mox32s scale, Mox32s rounding, Mox32s right,
                                                      Mox32s left) {

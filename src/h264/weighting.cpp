@@ -1,6 +1,6 @@
 #include "frame/arguments.hpp"
 #include "frame/generation.hpp"
-#include "h264/weighting_px.hpp"
+#include "h264/weighting_vec.hpp"
 #include "moxvc/h264_weighting.h"
 
 using namespace mox;
@@ -38,9 +38,8 @@ MoxStatus moxiWeightedAverage_H264_8u_C1IR(const Mox8u* pSrc1, Mox8u* pSrcDst, M
   if (any_null(pSrc1, pSrcDst)) return moxStsNullPointer;
   if (srcDstStep < roiSize.width) return moxStsBadStep;
   if (!is_block(roiSize)) return moxStsBadSize;
-  return active::bidir_weight_block_H264_8u_P3P1[bidir_index(roiSize)](
-      {pSrc1, srcDstStep, pSrcDst, srcDstStep, pSrcDst, srcDstStep},
-      plain_weighting(shift, weight1, weight2, offset, 255), roiSize);
+  return active::weight_blocks(BlockPair<Mox8u>{pSrc1, srcDstStep, pSrcDst, srcDstStep, pSrcDst, srcDstStep},
+                               plain_weighting(shift, weight1, weight2, offset, 255), roiSize);
 }
 
 MoxStatus moxiUniDirWeightBlock_H264_8u_C1IR(Mox8u* pSrcDst, Mox32s srcDstStep, Mox32u log2Wd, Mox32s weight,
@@ -48,8 +47,7 @@ MoxStatus moxiUniDirWeightBlock_H264_8u_C1IR(Mox8u* pSrcDst, Mox32s srcDstStep, 
   if (any_null(pSrcDst)) return moxStsNullPointer;
   if (any_below_unsigned(roiSize.width, srcDstStep)) return moxStsBadStep;
   if (!is_block(roiSize)) return moxStsBadSize;
-  return active::unidir_weight_8u[roiSize.width](pSrcDst, srcDstStep, plain_weighting(log2Wd, weight, 0, offset, 255),
-                                                 roiSize);
+  return active::weight_block(pSrcDst, srcDstStep, plain_weighting(log2Wd, weight, 0, offset, 255), roiSize);
 }
 
 MoxStatus moxiUniDirWeightBlock_H264_8u_C1R(Mox8u* pSrcDst, Mox32s srcDstStep, Mox32u log2Wd, Mox32s weight,
@@ -63,9 +61,8 @@ MoxStatus moxiBiDirWeightBlock_H264_8u_P2P1R(const Mox8u* pSrc1, const Mox8u* pS
   if (any_null(pSrc1, pSrc2, pDst)) return moxStsNullPointer;
   if (any_below_unsigned(roiSize.width, srcStep, dstStep)) return moxStsBadStep;
   if (!is_block(roiSize)) return moxStsBadSize;
-  return active::bidir_weight_block_H264_8u_P3P1[bidir_index(roiSize)](
-      {pSrc1, srcStep, pSrc2, srcStep, pDst, dstStep},
-      explicit_weighting(log2Wd, weight1, offset1, weight2, offset2, 255), roiSize);
+  return active::weight_blocks(BlockPair<Mox8u>{pSrc1, srcStep, pSrc2, srcStep, pDst, dstStep},
+                               explicit_weighting(log2Wd, weight1, offset1, weight2, offset2, 255), roiSize);
 }
 
 MoxStatus moxiBiDirWeightBlock_H264_8u_P3P1R(const Mox8u* pSrc1, const Mox8u* pSrc2, Mox8u* pDst, Mox32s srcStep1,
@@ -74,9 +71,8 @@ MoxStatus moxiBiDirWeightBlock_H264_8u_P3P1R(const Mox8u* pSrc1, const Mox8u* pS
   if (any_null(pSrc1, pSrc2, pDst)) return moxStsNullPointer;
   if (any_below_unsigned(roiSize.width, srcStep1, srcStep2, dstStep)) return moxStsBadStep;
   if (!is_block(roiSize)) return moxStsBadSize;
-  return active::bidir_weight_block_H264_8u_P3P1[bidir_index(roiSize)](
-      {pSrc1, srcStep1, pSrc2, srcStep2, pDst, dstStep},
-      explicit_weighting(log2Wd, weight1, offset1, weight2, offset2, 255), roiSize);
+  return active::weight_blocks(BlockPair<Mox8u>{pSrc1, srcStep1, pSrc2, srcStep2, pDst, dstStep},
+                               explicit_weighting(log2Wd, weight1, offset1, weight2, offset2, 255), roiSize);
 }
 
 MoxStatus moxiBiDirWeightBlockImplicit_H264_8u_P2P1R(const Mox8u* pSrc1, const Mox8u* pSrc2, Mox8u* pDst,
@@ -85,16 +81,16 @@ MoxStatus moxiBiDirWeightBlockImplicit_H264_8u_P2P1R(const Mox8u* pSrc1, const M
   if (any_null(pSrc1, pSrc2, pDst)) return moxStsNullPointer;
   if (any_below_unsigned(roiSize.width, srcStep, dstStep)) return moxStsBadStep;
   if (!is_block(roiSize)) return moxStsBadSize;
-  return active::bidir_weight_block_H264_8u_P3P1[bidir_index(roiSize)](
-      {pSrc1, srcStep, pSrc2, srcStep, pDst, dstStep}, implicit_weighting(weight1, weight2, 255), roiSize);
+  return active::weight_blocks(BlockPair<Mox8u>{pSrc1, srcStep, pSrc2, srcStep, pDst, dstStep},
+                               implicit_weighting(weight1, weight2, 255), roiSize);
 }
 
 MoxStatus moxiBiDirWeightBlockImplicit_H264_8u_P3P1R(const Mox8u* pSrc1, const Mox8u* pSrc2, Mox8u* pDst,
                                                      Mox32s srcStep1, Mox32s srcStep2, Mox32s dstStep, Mox32s weight1,
                                                      Mox32s weight2, MoxiSize roiSize) {
   if (any_null(pSrc1, pSrc2, pDst)) return moxStsNullPointer;
-  return active::bidir_weight_block_H264_P3P1<0, 0>({pSrc1, srcStep1, pSrc2, srcStep2, pDst, dstStep},
-                                                    implicit_weighting(weight1, weight2, 255), roiSize);
+  return active::weight_blocks_of_any_size({pSrc1, srcStep1, pSrc2, srcStep2, pDst, dstStep},
+                                           implicit_weighting(weight1, weight2, 255), roiSize);
 }
 
 MoxStatus moxiBidir_H264_16u_P2P1R(const MoxiBidirParams_16u* pParams) {
@@ -109,8 +105,8 @@ MoxStatus moxiBidirWeight_H264_16u_P2P1R(const MoxiBidirParams_16u* pParams, Mox
   if (has_bad_step(*pParams)) return moxStsBadStep;
   if (!is_block(size_of(*pParams))) return moxStsBadSize;
   const Mox32s max = sample_max(pParams->bitDepth);
-  return active::bidir_weight_16u[pParams->width](
-      pair_of(*pParams), explicit_weighting(log2Wd, weight1, offset1, weight2, offset2, max), size_of(*pParams));
+  return active::weight_blocks(pair_of(*pParams), explicit_weighting(log2Wd, weight1, offset1, weight2, offset2, max),
+                               size_of(*pParams));
 }
 
 MoxStatus moxiBidirWeightImplicit_H264_16u_P2P1R(const MoxiBidirParams_16u* pParams, Mox32s weight1, Mox32s weight2) {
@@ -118,8 +114,7 @@ MoxStatus moxiBidirWeightImplicit_H264_16u_P2P1R(const MoxiBidirParams_16u* pPar
   if (has_bad_step(*pParams)) return moxStsBadStep;
   if (!is_block(size_of(*pParams))) return moxStsBadSize;
   const Mox32s max = sample_max(pParams->bitDepth);
-  return active::bidir_weight_16u[pParams->width](pair_of(*pParams), implicit_weighting(weight1, weight2, max),
-                                                  size_of(*pParams));
+  return active::weight_blocks(pair_of(*pParams), implicit_weighting(weight1, weight2, max), size_of(*pParams));
 }
 
 MoxStatus moxiUnidirWeight_H264_16u_IP2P1R(Mox16u* pSrcDst, Mox32s srcDstStep, Mox32u log2Wd, Mox32s weight,
@@ -127,6 +122,6 @@ MoxStatus moxiUnidirWeight_H264_16u_IP2P1R(Mox16u* pSrcDst, Mox32s srcDstStep, M
   if (any_null(pSrcDst)) return moxStsNullPointer;
   if (any_below_unsigned(roiSize.width, srcDstStep)) return moxStsBadStep;
   if (!is_block(roiSize)) return moxStsBadSize;
-  return active::unidir_weight_16u[roiSize.width](
-      pSrcDst, srcDstStep, plain_weighting(log2Wd, weight, 0, offset, sample_max(bitDepth)), roiSize);
+  return active::weight_block(pSrcDst, srcDstStep, plain_weighting(log2Wd, weight, 0, offset, sample_max(bitDepth)),
+                              roiSize);
 }

@@ -56,7 +56,7 @@ constexpr T weighted(const Weighting& by, Mox32s sum) {
 
 /// Two blocks.
 template <int W, int H, class T>
-MoxStatus weight_pair(BlockPair<T> at, Weighting by, MoxiSize size) {
+MoxStatus weight_pair(const BlockPair<T>& at, const Weighting& by, MoxiSize size) {
   return combine<W, H>(at, size, [by](Mox32s a, Mox32s b) {
     return weighted<T>(by, add32(mul32(a, by.weight1), mul32(b, by.weight2)));
   });
@@ -64,14 +64,14 @@ MoxStatus weight_pair(BlockPair<T> at, Weighting by, MoxiSize size) {
 
 /// One block, in place.
 template <int W, class T>
-MoxStatus weight_single(T* block, std::ptrdiff_t step, Weighting by, MoxiSize size) {
+MoxStatus weight_single(T* block, std::ptrdiff_t step, const Weighting& by, MoxiSize size) {
   return combine<W, 0>(BlockPair<T>{block, step, block, step, block, step}, size,
                        [by](Mox32s a, Mox32s) { return weighted<T>(by, mul32(a, by.weight1)); });
 }
 
 /// Two 8-bit blocks. A width and height of 0 stand for those of `size`, whatever they are.
 template <int W, int H>
-MoxStatus bidir_weight_block_H264_P3P1(BlockPair<Mox8u> at, Weighting by, MoxiSize size) {
+MoxStatus bidir_weight_block_H264_P3P1(const BlockPair<Mox8u>& at, const Weighting& by, MoxiSize size) {
   return weight_pair<W, H>(at, by, size);
 }
 
@@ -91,5 +91,22 @@ inline constexpr auto bidir_weight_16u =
     make_table<17>([]<std::size_t I>() { return &weight_pair<fixed_width(I), 0, Mox16u>; });
 inline constexpr auto bidir_average_16u =
     make_table<17>([]<std::size_t I>() { return &average_block<fixed_width(I), 0, Mox16u>; });
+
+/// Blocks of the sizes in the tables.
+inline MoxStatus weight_blocks(const BlockPair<Mox8u>& at, Weighting by, MoxiSize size) {
+  return bidir_weight_block_H264_8u_P3P1[bidir_index(size)](at, by, size);
+}
+inline MoxStatus weight_blocks(const BlockPair<Mox16u>& at, Weighting by, MoxiSize size) {
+  return bidir_weight_16u[size.width](at, by, size);
+}
+inline MoxStatus weight_blocks_of_any_size(const BlockPair<Mox8u>& at, Weighting by, MoxiSize size) {
+  return bidir_weight_block_H264_P3P1<0, 0>(at, by, size);
+}
+inline MoxStatus weight_block(Mox8u* block, std::ptrdiff_t step, Weighting by, MoxiSize size) {
+  return unidir_weight_8u[size.width](block, step, by, size);
+}
+inline MoxStatus weight_block(Mox16u* block, std::ptrdiff_t step, Weighting by, MoxiSize size) {
+  return unidir_weight_16u[size.width](block, step, by, size);
+}
 
 }  // namespace mox::px

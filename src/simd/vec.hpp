@@ -161,6 +161,10 @@ MOX_OP2(hi32, s32, s32, unpackhi_epi32)
 MOX_OP2(lo64, s32, s32, unpacklo_epi64)
 MOX_OP2(hi64, s32, s32, unpackhi_epi64)
 MOX_OPI(permute, s32, shuffle_epi32)
+// Pairs of doublewords as quadwords, the lower one first.
+MOX_OP2(mul_even, s32, s32, mul_epi32)  // products of doublewords 0 and 2
+MOX_OP2(add64, s32, s32, add_epi64)
+MOX_OPI(shru64, s32, srli_epi64)
 // clang-format on
 
 // Constants: one value in all elements.
@@ -217,6 +221,11 @@ MOX_WIDE(MOX_INLINE s32<2> shl(s32<2> v, int n) { return {_mm256_sll_epi32(v.r, 
 MOX_INLINE s32<1> shr(s32<1> v, int n) { return {_mm_sra_epi32(v.r, _mm_cvtsi32_si128(n))}; }
 MOX_WIDE(MOX_INLINE s32<2> shr(s32<2> v, int n) { return {_mm256_sra_epi32(v.r, _mm_cvtsi32_si128(n))}; })
 
+MOX_INLINE s32<1> shru64(s32<1> v, int n) { return {_mm_srl_epi64(v.r, _mm_cvtsi32_si128(n))}; }
+MOX_WIDE(MOX_INLINE s32<2> shru64(s32<2> v, int n) { return {_mm256_srl_epi64(v.r, _mm_cvtsi32_si128(n))}; })
+MOX_INLINE s32<1> shl64(s32<1> v, int n) { return {_mm_sll_epi64(v.r, _mm_cvtsi32_si128(n))}; }
+MOX_WIDE(MOX_INLINE s32<2> shl64(s32<2> v, int n) { return {_mm256_sll_epi64(v.r, _mm_cvtsi32_si128(n))}; })
+
 /// The same by a number that is known once the call is inlined.
 MOX_INLINE s16<1> operator>>(s16<1> v, int n) { return {_mm_srai_epi16(v.r, n)}; }
 MOX_WIDE(MOX_INLINE s16<2> operator>>(s16<2> v, int n) { return {_mm256_srai_epi16(v.r, n)}; })
@@ -250,6 +259,13 @@ MOX_WIDE(template <template <int> class V> MOX_INLINE V<2> first_blocks(V<2> a, 
 MOX_WIDE(template <template <int> class V> MOX_INLINE V<2> second_blocks(V<2> a, V<2> b) {
   return {_mm256_permute2x128_si256(a.r, b.r, 0x31)};
 })
+/// The first B of the vectors as one.
+template <template <int> class V, int B>
+MOX_INLINE V<B> joined(const V<1>* vectors) {
+  __m128i blocks[B];
+  for (int i = 0; i < B; ++i) blocks[i] = vectors[i].r;
+  return {join<B>(blocks)};
+}
 /// Block I as a vector of one block.
 template <int I, template <int> class V, int B>
 MOX_INLINE V<1> part(V<B> v) {
@@ -370,6 +386,11 @@ template <int B>
 MOX_INLINE s16<B> load8_wide(const void* p, const Strips<B>& s) {
   return gather<s16, B>(p, s, [](const Mox8u* q) { return _mm_cvtepu8_epi16(raw8(q)); });
 }
+/// 8 bytes a block as doublewords, sign-extended from words.
+template <int B>
+MOX_INLINE s32<B> load8_doublewords(const void* p, const Strips<B>& s) {
+  return gather<s32, B>(p, s, [](const Mox8u* q) { return _mm_cvtepi16_epi32(raw8(q)); });
+}
 
 /// The four quadwords of two blocks in the order 0, 2, 1, 3: lower halves of both blocks, then upper halves. One block
 /// stays as it is: after packing this is the order of rows that run on.
@@ -453,6 +474,12 @@ MOX_INLINE u16<1> collect_words(Word word) {
 // Stores of the same shapes.
 MOX_INLINE void raw_store16(void* p, __m128i v) { _mm_storeu_si128(static_cast<__m128i*>(p), v); }
 MOX_INLINE void raw_store8(void* p, __m128i v) { _mm_storel_epi64(static_cast<__m128i*>(p), v); }
+/// The upper 8 bytes.
+MOX_INLINE void raw_store8_upper(void* p, __m128i v) {
+  const __m128d upper = _mm_castsi128_pd(_mm_unpackhi_epi64(v, v));
+  const double first = _mm_cvtsd_f64(upper);  // stored in one instruction
+  std::memcpy(p, &first, 8);
+}
 MOX_INLINE void raw_store4(void* p, __m128i v) {
   const int low = _mm_cvtsi128_si32(v);
   std::memcpy(p, &low, 4);
@@ -474,14 +501,15 @@ template <template <int> class V, int B>
 MOX_INLINE void store8x2(V<B> v, void* p, std::ptrdiff_t gap, const Strips<B>& s) {
   scatter<0, B>(v.r, p, s, [gap](Mox8u* q, __m128i one) {
     raw_store8(q, one);
-    raw_store8(q + gap, _mm_unpackhi_epi64(one, one));
+    raw_store8_upper(q + gap, one);
   });
 }
 /// Several short rows out of one block: kRows of 2, 4 or 8 bytes, `step` bytes apart, written in order.
 template <int kBytes, int kRows, int I = 0>
 MOX_INLINE void store_rows(u8<1> v, void* p, std::ptrdiff_t step) {
   if constexpr (kBytes == 8) {
-    raw_store8(p, I == 0 ? v.r : _mm_unpackhi_epi64(v.r, v.r));
+    if constexpr (I == 0) raw_store8(p, v.r);
+    if constexpr (I == 1) raw_store8_upper(p, v.r);
   } else if constexpr (kBytes == 4) {
     const int row = _mm_extract_epi32(v.r, I);
     std::memcpy(p, &row, 4);
@@ -494,6 +522,7 @@ MOX_INLINE void store_rows(u8<1> v, void* p, std::ptrdiff_t step) {
 
 // What distances need.
 MOX_OP2(signed_by, s16, s16, sign_epi16)  // a where b is above 0, -a where it is below, 0 where it is 0
+MOX_OP2(signed_by, s32, s32, sign_epi32)
 /// Sums of absolute differences of the four bytes of b at 4 (N & 3) and the four bytes of a at offset + i, for words i
 /// of 0 to 7; the offset is 4 if bit 2 of N is set, else 0.
 template <int N>
@@ -533,6 +562,15 @@ MOX_INLINE Smallest smallest(u16<1> v) {
 /// v with another first element.
 MOX_INLINE s16<1> with_first_word(s16<1> v, int word) { return {_mm_insert_epi16(v.r, word, 0)}; }
 MOX_INLINE s32<1> with_first_doubleword(s32<1> v, int value) { return {_mm_insert_epi32(v.r, value, 0)}; }
+/// v with another element I.
+template <int I>
+MOX_INLINE u8<1> with_byte(u8<1> v, Mox8u byte) {
+  return {_mm_insert_epi8(v.r, byte, I)};
+}
+template <int I>
+MOX_INLINE s16<1> with_word(s16<1> v, Mox16u word) {
+  return {_mm_insert_epi16(v.r, word, I)};
+}
 /// True if no bit is set.
 MOX_INLINE bool is_zero(u16<1> v) { return _mm_testz_si128(v.r, v.r); }
 MOX_WIDE(MOX_INLINE bool is_zero(u16<2> v) { return _mm256_testz_si256(v.r, v.r); })
@@ -583,6 +621,9 @@ struct f32 {
 MOX_INLINE f32<1> to_float(s32<1> v) { return {_mm_castps_si128(_mm_cvtepi32_ps(v.r))}; }
 MOX_INLINE f32<1> operator*(f32<1> a, f32<1> b) {
   return {_mm_castps_si128(_mm_mul_ps(_mm_castsi128_ps(a.r), _mm_castsi128_ps(b.r)))};
+}
+MOX_INLINE f32<1> operator/(f32<1> a, f32<1> b) {
+  return {_mm_castps_si128(_mm_div_ps(_mm_castsi128_ps(a.r), _mm_castsi128_ps(b.r)))};
 }
 /// Towards zero; what 32 bits cannot hold becomes the least integer.
 MOX_INLINE s32<1> truncate(f32<1> v) { return {_mm_cvttps_epi32(_mm_castsi128_ps(v.r))}; }

@@ -40,7 +40,7 @@ void expand_by_coordinates(const Plane<Mox8u>& around, int E, Mox32u mode) {
 TEST_P(ExpandPlane, EqualsNearestSamples) {
   Random random;
   for (Mox32u mode : {0, 1, 2}) {
-    for (int E : {0, 1, 2, 3, 4, 7, 16, 33}) {
+    for (int E : {0, 1, 2, 3, 4, 7, 16, 32, 33, 48}) {
       for (int round = 0; round < 40; ++round) {
         const int width = random(1, round % 4 == 0 ? 70 : 9) + 2 * E, height = 2 * random(1, 9) + 2 * E;
         const int step = (width + random(0, 3) * 11) * (random.chance(0.3) ? -1 : 1);

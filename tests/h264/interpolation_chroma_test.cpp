@@ -17,7 +17,7 @@ struct Chroma {
   static constexpr int kFractions = 8, kBefore = 0, kAfter = 1;
   static constexpr int kBadWidth_8u = 5, kBadHeight_8u = 7, kSmallestStep_16u = 8;
   static constexpr bool kAlwaysReads_16u = true, kNegativeTop_8u = false;
-  static constexpr MoxiSize kSizes_8u[] = {{0, 2}, {2, 2}, {2, 4},  {4, 2},  {4, 4},  {6, 4},  {4, 8},
+  static constexpr MoxiSize kSizes_8u[] = {{0, 2}, {2, 2}, {2, 4},  {2, 6},  {4, 2},  {4, 4},  {6, 4}, {4, 8},
                                            {8, 4}, {8, 8}, {10, 2}, {12, 4}, {14, 6}, {8, 16}, {8, 24}};
   static constexpr MoxiSize kSizes_16u[] = {{2, 2}, {2, 16}, {4, 2}, {4, 8}, {8, 4}, {8, 16}, {16, 2}, {16, 16}};
   static int written(int width) { return width <= 2 ? 2 : width <= 6 ? 4 : 8; }

@@ -138,13 +138,19 @@ Weights random_weights(Random& random) {
   const auto pick = [&](std::initializer_list<int> values) { return values.begin()[random.bits() % values.size()]; };
   const auto any = [&] { return static_cast<Mox32s>(random.bits()); };
   Weights w;
-  switch (random(0, 3)) {
+  switch (random(0, 4)) {
     case 0: return {static_cast<Mox32u>(random(0, 7)), random(-128, 127), random(-128, 127), random(-128, 127), 0};
     case 1:
-      w = {static_cast<Mox32u>(random(0, 7)), pick({-128, 127, 1, 0}), pick({-128, 127, -1, 1}), pick({-128, 127, 64}),
-           pick({-128, 127, 0})};
+      w = {static_cast<Mox32u>(random(0, 7)), pick({-128, 127, 128, 1, 0}), pick({-128, 127, -1, 0}),
+           pick({-128, 127, 128, -64, 0}), pick({-128, 127, 0})};
       break;
-    case 2:
+    case 2:  // around the ends of what words and doublewords hold
+      w = {static_cast<Mox32u>(pick({0, 1, 6, 7, 8, 11, 12, 14, 15, 16})),
+           pick({100, 127, 128, 129, -129, 4095, 32768, -32769}),
+           pick({-65537, -65536, -32769, -32768, 32767, 32768, 65535, 65536, 127, 128, -129}),
+           pick({0, 1, -28, -128, -129, -4096, 32768}), pick({-65536, 65535, 0})};
+      break;
+    case 3:
       w = {static_cast<Mox32u>(pick({0, 1, 30, 31, 32, 33, 63, 64, -1})), pick({kLeast, kMost, 1, -1}),
            pick({kLeast, kMost, 0, 1}), pick({kLeast, kMost, 1, 0}), pick({kLeast, kMost, 0, -1})};
       break;
@@ -197,7 +203,7 @@ TEST_P(Weighting, EqualsOracle) {
     for (int height = 1; height <= 17; ++height) {
       for (int width : {1, 2, 3, 4, 5, 7, 8, 9, 13, 16, 17, 40}) {
         if (!entry.takes({width, height})) continue;
-        for (int round = 0; round < (entry.sizes == kPowers ? 20 : 5); ++round) {
+        for (int round = 0; round < (entry.sizes == kPowers ? 40 : 8); ++round) {
           constexpr int kOddDepths[] = {16, 17, 20, 31, 32, 0, -1};
           const int depth = random.chance(0.8) ? random(8, 14) : kOddDepths[random.bits() % 7];
           expect_oracle(entry, {width, height}, depth, random);

@@ -37,6 +37,8 @@ TEST(CommandLine, ErrorsAreOneLineAndACode) {
            Case{"--frames", 2, "moxdec: --frames takes a value (try moxdec --help)"},
            Case{"--frames 0 " + tiny, 2, "moxdec: --frames takes a number from 1 on (try moxdec --help)"},
            Case{"--frames 2x " + tiny, 2, "moxdec: --frames takes a number from 1 on (try moxdec --help)"},
+           Case{"--threads 0 " + tiny, 2, "moxdec: --threads takes a number from 1 on (try moxdec --help)"},
+           Case{tiny + " --threads", 2, "moxdec: --threads takes a value (try moxdec --help)"},
            Case{tiny + " -o", 2, "moxdec: -o takes a value (try moxdec --help)"},
            Case{"--fast " + tiny, 2, "moxdec: unknown argument --fast (try moxdec --help)"},
            Case{tiny + " second", 2, "moxdec: unknown argument second (try moxdec --help)"},
@@ -74,9 +76,11 @@ TEST(CommandLine, FramesLimitAndQuiet) {
   EXPECT_NE(one.err.find(" 1 frames, "), std::string::npos) << one.err;
   EXPECT_EQ(one.out, all.out.substr(0, all.out.size() / 2));
   EXPECT_EQ(run(kMoxdec + tiny + " -o - --quiet --expand").out, all.out);
+  EXPECT_EQ(run(kMoxdec + tiny + " -o - --quiet --threads 1000").out, all.out);
   const Ran help = run(kMoxdec + "--help");
   EXPECT_EQ(help.code, 0);
-  EXPECT_EQ(help.out.rfind("usage: moxdec INPUT [-o OUT.yuv|OUT.y4m|OUT.png] [--frames N] [--quiet]\n", 0), 0u);
+  EXPECT_EQ(
+      help.out.rfind("usage: moxdec INPUT [-o OUT.yuv|OUT.y4m|OUT.png] [--frames N] [--threads N] [--quiet]\n", 0), 0u);
 }
 
 }  // namespace

@@ -58,17 +58,26 @@ inline Stream raw_planes(const moxdec::Frame& frame) {
 
 enum class References { kPlain, kExpanded };
 
-inline Decoded decode_all(const Stream& stream, References references = References::kPlain) {
+inline Decoded decode_all(const Stream& stream, References references = References::kPlain, int threads = 1) {
   Decoded result;
   try {
     const auto decoder = moxdec::find_codec(stream, "stream.264").open(stream);
     if (references == References::kExpanded) decoder->expand_references();
+    decoder->set_threads(threads);
     while (auto frame = decoder->next()) result.frames.push_back(std::move(frame));
   } catch (const moxdec::DecodeError& error) {
     result.error = error.what();
     EXPECT_NE(result.error, "");
   }
   return result;
+}
+
+inline void expect_equal(const Decoded& decoded, const Decoded& expected, const std::string& what) {
+  EXPECT_EQ(decoded.error, expected.error) << what;
+  ASSERT_EQ(decoded.frames.size(), expected.frames.size()) << what;
+  for (std::size_t i = 0; i < expected.frames.size(); ++i) {
+    ASSERT_TRUE(raw_planes(*decoded.frames[i]) == raw_planes(*expected.frames[i])) << what << " frame " << i;
+  }
 }
 
 /// One vector of the manifest.

@@ -176,28 +176,28 @@ SliceDecoder::Partitions SliceDecoder::read_partitions_b(int type) {
 /// All forward vectors come before the backward ones. Direct blocks are known at once, and later blocks are predicted
 /// from them.
 void SliceDecoder::read_motion(Partitions& partitions) {
-  std::array<BlockMotion, 4> motion{};
-  for (int i = 0; i < partitions.count; ++i) {
-    if (partitions.list[i].use == Use::kDirect) motion[i] = predictor_.direct(i);
+  int block = 0;
+  for (Partition& partition : partitions) {
+    if (partition.use == Use::kDirect) partition.motion = predictor_.direct(block);
+    ++block;
   }
-  for (int i = 0; i < partitions.count; ++i) {
-    const Partition& partition = partitions.list[i];
+  for (Partition& partition : partitions) {
+    BlockMotion& motion = partition.motion;
     if (partition.use == Use::kForward || partition.use == Use::kSymmetric) {
-      motion[i].vector[kForward] = read_vector(kForward, partition);
-      motion[i].reference[kForward] = static_cast<std::int8_t>(partition.reference);
+      motion.vector[kForward] = read_vector(kForward, partition);
+      motion.reference[kForward] = static_cast<std::int8_t>(partition.reference);
     }
     if (partition.use == Use::kSymmetric) {
-      motion[i].vector[kBackward] = predictor_.symmetric(motion[i].vector[kForward]);
-      motion[i].reference[kBackward] = 0;
+      motion.vector[kBackward] = predictor_.symmetric(motion.vector[kForward]);
+      motion.reference[kBackward] = 0;
     }
-    set_motion(partition.part, motion[i]);
+    set_motion(partition.part, motion);
   }
-  for (int i = 0; i < partitions.count; ++i) {
-    const Partition& partition = partitions.list[i];
+  for (Partition& partition : partitions) {
     if (partition.use != Use::kBackward) continue;
-    motion[i].vector[kBackward] = read_vector(kBackward, partition);
-    motion[i].reference[kBackward] = 0;
-    set_motion(partition.part, motion[i]);
+    partition.motion.vector[kBackward] = read_vector(kBackward, partition);
+    partition.motion.reference[kBackward] = 0;
+    set_motion(partition.part, partition.motion);
   }
 }
 

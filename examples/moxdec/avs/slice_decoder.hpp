@@ -22,13 +22,14 @@ class SliceDecoder {
     Part part;
     Use use;
     int reference = 0;  // forward
+    BlockMotion motion{};
   };
   /// The parts of a macroblock, 1 to 4.
   struct Partitions {
     std::array<Partition, 4> list;
     int count = 0;
 
-    void add(Part part, Use use) { list[count++] = {part, use, 0}; }
+    void add(Part part, Use use) { list[count++] = {part, use}; }
     Partition* begin() { return list.data(); }
     Partition* end() { return list.data() + count; }
   };

@@ -97,11 +97,13 @@ class BitReader {
   }
   Mox32s long_exp_golomb(int is_signed) {
     Mox32s value = 0;
-    require(moxiDecodeExpGolombOne_H264_1u32s(&word_, &offset_, &value, is_signed) == moxStsOk, "code too long");
+    if (moxiDecodeExpGolombOne_H264_1u32s(&word_, &offset_, &value, is_signed) != moxStsOk) [[unlikely]]
+      too_long();
     expect_no_overrun();
     return value;
   }
   [[noreturn]] static void overrun();
+  [[noreturn]] static void too_long();
   [[noreturn]] static void out_of_range(const char* name);
 
   const Mox32u* first_;

@@ -63,13 +63,16 @@ const MoxVlcTable* CavlcTables::build(const MoxVlcSpec* spec) {
   return table;
 }
 
+void CavlcTables::broken() { throw DecodeError("broken coefficients"); }
+
 template <class Coeff>
 int CavlcTables::read(BitReader& bits, Coeff** out, int context, int max, const Mox32s* scan) const {
   Mox16s count = 0;
   const MoxStatus status =
       kDecodeBlock<Coeff>(bits.word(), bits.offset(), &count, out, context, static_cast<Mox16s>(max),
                           coeff_token_.data(), total_zeros_.data(), run_before_.data(), scan);
-  require(status == moxStsOk && count <= max, "broken coefficients");
+  if (status != moxStsOk || count > max) [[unlikely]]
+    broken();
   bits.expect_no_overrun();
   return count;
 }
@@ -91,7 +94,8 @@ int CavlcTables::read_chroma_dc(BitReader& bits, Coeff** out, bool is_422) const
   const ChromaDc& tables = chroma_dc_[is_422];
   const MoxStatus status = kDecodeChromaDc<Coeff>[is_422](bits.word(), bits.offset(), &count, out, tables.token,
                                                           tables.total_zeros.data(), run_before_.data());
-  require(status == moxStsOk, "broken coefficients");
+  if (status != moxStsOk) [[unlikely]]
+    broken();
   bits.expect_no_overrun();
   return count;
 }

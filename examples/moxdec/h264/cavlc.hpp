@@ -34,6 +34,7 @@ class CavlcTables {
   template <class Coeff>
   int read(BitReader& bits, Coeff** out, int context, int max, const Mox32s* scan) const;
   const MoxVlcTable* build(const MoxVlcSpec* spec);
+  [[noreturn]] static void broken();
 
   /// Of chroma DC blocks, 2x2 and 2x4.
   struct ChromaDc {

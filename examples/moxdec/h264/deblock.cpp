@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 #include "common/h264_tables.hpp"
 #include "moxdec/h264/strengths.hpp"
@@ -9,58 +10,66 @@
 namespace moxdec::h264 {
 namespace {
 
-/// What the library takes for the edges of one direction of one plane: [0] outer edge, [1] inner edges, and tc0 for
-/// each strength in use.
-template <class Sample>
-struct Thresholds {
-  std::array<Sample, 2> alpha;
-  std::array<Sample, 2> beta;
-  std::array<Sample, 16> tc0;
-
-  /// No sample can change: each step across an edge must be below alpha.
-  bool all_zero() const { return (alpha[0] | alpha[1]) == 0; }
-};
-
-/// tc0 by the quantiser index and the strength 0 to 4; strengths 0 and 4 need none.
-constexpr auto kTc0 = [] {
-  std::array<std::array<std::uint8_t, 5>, 52> table{};
+/// What goes by the first of the two quantiser indices: alpha, then tc0 of the strengths 1 to 3; 0 and 4 need none.
+constexpr auto kAlphaAndTc0 = [] {
+  std::array<std::array<std::uint8_t, 4>, 52> table{};
   for (int i = 0; i < 52; ++i) {
+    table[i][0] = example::kDeblockAlpha[i];
     for (int strength = 1; strength <= 3; ++strength) table[i][strength] = example::kDeblockTc0[strength - 1][i];
   }
   return table;
 }();
 
-/// Of an edge, by its mean quantiser.
+/// Thresholds of an edge, by its mean quantiser.
 template <class Sample>
-struct Limits {
-  Limits(const SliceHeader& slice, int qp) : unit(sizeof(Sample) == 1 ? 1 : 1 << (slice.sps->bit_depth_luma - 8)) {
-    const int index = std::clamp(qp + slice.alpha_offset, 0, 51);
-    alpha = scaled(example::kDeblockAlpha[index]);
-    beta = scaled(example::kDeblockBeta[std::clamp(qp + slice.beta_offset, 0, 51)]);
-    tc0_by_strength = kTc0[index].data();
-  }
-  Sample tc0(int strength) const { return scaled(tc0_by_strength[strength]); }
-  Sample scaled(int value) const { return static_cast<Sample>(value * unit); }
+class Limits {
+ public:
+  Limits() = default;
+  Limits(const SliceHeader& slice, int qp)
+      : alpha_and_tc0_(kAlphaAndTc0[std::clamp(qp + slice.alpha_offset, 0, 51)]),
+        beta_(example::kDeblockBeta[std::clamp(qp + slice.beta_offset, 0, 51)]),
+        shift_(sizeof(Sample) == 1 ? 0 : slice.sps->bit_depth_luma - 8) {}
 
-  int unit;
-  Sample alpha, beta;
-  const std::uint8_t* tc0_by_strength;
+  Sample alpha() const { return scaled(alpha_and_tc0_[0]); }
+  Sample beta() const { return scaled(beta_); }
+  /// No sample can change: the steps across and beside the edge must be below these.
+  bool all_zero() const { return alpha_and_tc0_[0] == 0 || beta_ == 0; }
+  /// tc0 of the four strengths of an edge.
+  void put_tc0(EdgeStrengths strengths, Sample* out) const {
+    const EdgeStrengths low = strengths & kEachBlock, high = strengths >> 1 & kEachBlock, both = low & high;
+    const EdgeStrengths tc0 =
+        (low ^ both) * alpha_and_tc0_[1] + (high ^ both) * alpha_and_tc0_[2] + both * alpha_and_tc0_[3];
+    if constexpr (sizeof(Sample) == 1) {
+      std::memcpy(out, &tc0, 4);
+    } else {
+      for (int i = 0; i < 4; ++i) out[i] = scaled(tc0 >> 8 * i & 255);
+    }
+  }
+
+ private:
+  Sample scaled(unsigned value) const { return static_cast<Sample>(value << shift_); }
+
+  std::array<std::uint8_t, 4> alpha_and_tc0_ = {};
+  std::uint8_t beta_ = 0;
+  int shift_ = 0;
 };
 
-/// For an outer and an inner mean quantiser. `edge_stride` is how many of the four luma edges lie between two edges of
-/// the plane: 1 for luma, 2 for 4:2:0 chroma.
+/// What the library takes for the edges of one direction of one plane: [0] outer edge, [1] inner edges, and tc0 for
+/// each strength in use.
 template <class Sample>
-Thresholds<Sample> find_thresholds(const SliceHeader& slice, int outer_qp, int inner_qp, const Strengths& strengths,
-                                   int edge_stride) {
-  const Limits<Sample> limits[2] = {{slice, outer_qp}, {slice, inner_qp}};
-  Thresholds<Sample> found;
-  for (int i = 0; i < 2; ++i) found.alpha[i] = limits[i].alpha, found.beta[i] = limits[i].beta;
-  for (int edge = 0; edge < 4 / edge_stride; ++edge) {
-    const Limits<Sample>& limit = limits[edge > 0];
-    for (int i = 0; i < 4; ++i) found.tc0[4 * edge + i] = limit.tc0(strengths[4 * edge * edge_stride + i]);
+struct Thresholds {
+  /// `edge_stride` is how many of the four luma edges lie between two edges of the plane: 1 for luma, 2 for 4:2:0
+  /// chroma.
+  Thresholds(const Limits<Sample>& outer, const Limits<Sample>& inner, const Strengths& strengths, int edge_stride)
+      : alpha{outer.alpha(), inner.alpha()}, beta{outer.beta(), inner.beta()} {
+    outer.put_tc0(strengths[0], tc0.data());
+    for (int edge = 1; edge < 4 / edge_stride; ++edge) inner.put_tc0(strengths[edge * edge_stride], &tc0[4 * edge]);
   }
-  return found;
-}
+
+  std::array<Sample, 2> alpha;
+  std::array<Sample, 2> beta;
+  std::array<Sample, 16> tc0;
+};
 
 constexpr int mean(int a, int b) { return (a + b + 1) >> 1; }
 
@@ -88,43 +97,31 @@ void filter_plane(const Filters& f, PlaneKind kind, Mox8u* samples, Mox32s step,
                   const Strengths& strengths, int) {
   const auto& [alpha, beta, tc0] = thresholds;
   if (kind == PlaneKind::kChroma422) {
-    const MoxiDeblockParams params = {samples, step, alpha.data(), beta.data(), tc0.data(), strengths.data()};
+    const MoxiDeblockParams params = {samples, step, alpha.data(), beta.data(), tc0.data(), bytes_of(strengths[0])};
     f.chroma_422_8(&params);
     return;
   }
   (kind == PlaneKind::kLuma ? f.luma_8 : f.chroma_8)(samples, step, alpha.data(), beta.data(), tc0.data(),
-                                                     strengths.data());
+                                                     bytes_of(strengths[0]));
 }
 void filter_plane(const Filters& f, PlaneKind kind, Mox16u* samples, Mox32s step, const Thresholds<Mox16u>& thresholds,
                   const Strengths& strengths, int bit_depth) {
   const auto& [alpha, beta, tc0] = thresholds;
-  const MoxiDeblockParams_16u params = {samples,          step,     alpha.data(), beta.data(), tc0.data(),
-                                        strengths.data(), bit_depth};
+  const MoxiDeblockParams_16u params = {samples,  step, alpha.data(), beta.data(), tc0.data(), bytes_of(strengths[0]),
+                                        bit_depth};
   (kind == PlaneKind::kLuma ? f.luma_16 : kind == PlaneKind::kChroma ? f.chroma_16 : f.chroma_422_16)(&params);
-}
-
-/// Rows of 4:2:2 chroma are those of luma, but its transform is always 4x4: it has edges at rows 4 and 12 where luma
-/// may have none. Blocks on both sides of these belong to one 8x8 block of luma.
-Strengths strengths_of_422_rows(const MbInfo& mb, const Strengths& luma) {
-  Strengths strengths = luma;
-  if (!mb.transform_8x8) return strengths;
-  for (const int block : {4, 12}) {
-    for (int i = block; i < block + 4; ++i) {
-      strengths[i] = !is_inter(mb) ? 3 : mb.coded_blocks >> i & 1 ? 2 : 0;
-    }
-  }
-  return strengths;
 }
 
 /// 8 lines of luma or 4 of chroma beside a left edge.
 void filter_lines(bool luma, Mox8u* lines, Mox32s step, const Limits<Mox8u>& limits, const Mox8u* tc0,
-                  const std::uint8_t* strengths, int) {
+                  const EdgeStrengths& strengths, int) {
   (luma ? moxiFilterDeblockingLuma_VerEdge_MBAFF_H264_8u_C1IR : moxiFilterDeblockingChroma_VerEdge_MBAFF_H264_8u_C1IR)(
-      lines, step, limits.alpha, limits.beta, tc0, strengths);
+      lines, step, limits.alpha(), limits.beta(), tc0, bytes_of(strengths));
 }
 void filter_lines(bool luma, Mox16u* lines, Mox32s step, const Limits<Mox16u>& limits, const Mox16u* tc0,
-                  const std::uint8_t* strengths, int bit_depth) {
-  const MoxiDeblockParams_16u params = {lines, step, &limits.alpha, &limits.beta, tc0, strengths, bit_depth};
+                  const EdgeStrengths& strengths, int bit_depth) {
+  const Mox16u alpha = limits.alpha(), beta = limits.beta();
+  const MoxiDeblockParams_16u params = {lines, step, &alpha, &beta, tc0, bytes_of(strengths), bit_depth};
   (luma ? moxiFilterDeblockingLumaVerEdgeMBAFF_H264_16u_C1IR
         : moxiFilterDeblockingChromaVerEdgeMBAFF_H264_16u_C1IR)(&params);
 }
@@ -133,17 +130,15 @@ void filter_lines(bool luma, Mox16u* lines, Mox32s step, const Limits<Mox16u>& l
 /// has 8 of them, which make two parts.
 template <class Sample>
 void filter_half_edge(int plane, int height, Sample* lines, Mox32s step, const Limits<Sample>& limits,
-                      const EdgeStrengths& strengths, int bit_depth) {
+                      EdgeStrengths strengths, int bit_depth) {
   const int parts = plane > 0 && height == 16 ? 2 : 1;
   for (int part = 0; part < parts; ++part) {
-    EdgeStrengths of_part;
+    // Each strength is that of half as many lines.
+    const int first = strength_of(strengths, 2 * part), second = strength_of(strengths, 2 * part + 1);
+    const EdgeStrengths of_part = parts == 1 ? strengths : first * 0x0101u | second * 0x01010000u;
     std::array<Sample, 4> tc0;
-    for (int i = 0; i < 4; ++i) {
-      of_part[i] = strengths[parts == 2 ? 2 * part + i / 2 : i];
-      tc0[i] = limits.tc0(of_part[i]);
-    }
-    filter_lines(plane == 0, lines + 4 * part * std::ptrdiff_t{step}, step, limits, tc0.data(), of_part.data(),
-                 bit_depth);
+    limits.put_tc0(of_part, tc0.data());
+    filter_lines(plane == 0, lines + 4 * part * std::ptrdiff_t{step}, step, limits, tc0.data(), of_part, bit_depth);
   }
 }
 
@@ -159,13 +154,15 @@ class MacroblockFilter {
         y_(y),
         bit_depth_(slice_.header.sps->bit_depth_luma) {}
 
-  void filter() const {
+  void filter() {
     if (slice_.header.deblocking == Deblocking::kOff) return;
+    inner_ = find_limits(mb_.qp);
     filter_vertical();
     filter_horizontal();
   }
 
  private:
+  using PlaneLimits = std::array<Limits<Sample>, 3>;
   /// Which lines an edge's filter takes for the macroblock's.
   struct Lines {
     int first = 0;
@@ -177,7 +174,12 @@ class MacroblockFilter {
   void filter_left_of_mixed_pairs() const;
   void filter_top_below_fields(const MbInfo& upper, const MbInfo& lower) const;
   void filter_edges(const MbInfo* outer, EdgeDirection direction) const;
-  void filter_planes(EdgeDirection direction, Strengths strengths, int outer_qp, bool has_inner, Lines lines) const;
+  /// For an edge to a macroblock of that luma quantiser.
+  PlaneLimits find_limits(int outer_qp) const;
+  void filter_planes(EdgeDirection direction, Strengths strengths, const PlaneLimits& outer, bool has_inner,
+                     Lines lines) const;
+  void filter_plane_edges(EdgeDirection direction, int plane, Strengths strengths, const Limits<Sample>& outer,
+                          Lines lines) const;
   /// Null if the edge to this macroblock stays as it is.
   const MbInfo* filtered(const MbInfo* outer) const {
     const bool inside_slice = slice_.header.deblocking == Deblocking::kInsideSlice;
@@ -189,6 +191,7 @@ class MacroblockFilter {
   const Slice& slice_;
   int x_, y_;
   int bit_depth_;
+  PlaneLimits inner_;
 };
 
 template <class Sample>
@@ -218,34 +221,60 @@ void MacroblockFilter<Sample>::filter_horizontal() const {
   filter_edges(top, EdgeDirection::kHorizontal);
 }
 
+/// Those of planes that are not there are 0.
+template <class Sample>
+auto MacroblockFilter<Sample>::find_limits(int outer_qp) const -> PlaneLimits {
+  PlaneLimits limits;
+  limits[0] = {slice_.header, mean(outer_qp, mb_.qp)};
+  if (picture_.chroma_mb_height == 0) return limits;
+  const auto chroma_qp = [&](int plane) {
+    return mean(slice_.chroma_qp(plane, outer_qp), slice_.chroma_qp(plane, mb_.qp));
+  };
+  const int u = chroma_qp(1), v = chroma_qp(2);
+  limits[1] = {slice_.header, u};
+  limits[2] = u == v ? limits[1] : Limits<Sample>(slice_.header, v);
+  return limits;
+}
+
 /// The outer and the inner edges of one direction in all planes. `outer` is null if the outer edge stays as it is.
 template <class Sample>
 void MacroblockFilter<Sample>::filter_edges(const MbInfo* outer, EdgeDirection direction) const {
-  Strengths strengths;
-  if (!find_strengths(picture_, mb_, outer, direction, strengths)) return;
-  filter_planes(direction, strengths, outer ? outer->qp : mb_.qp, true, {});
+  const PlaneLimits limits = outer && outer->qp != mb_.qp ? find_limits(outer->qp) : inner_;
+  const auto all_zero = [](const PlaneLimits& of_planes) {
+    return std::ranges::all_of(of_planes, &Limits<Sample>::all_zero);
+  };
+  if (all_zero(limits) && all_zero(inner_)) return;
+  const Strengths strengths = find_strengths(picture_, mb_, outer, direction);
+  if (any(strengths)) filter_planes(direction, strengths, limits, true, {});
 }
 
 template <class Sample>
-void MacroblockFilter<Sample>::filter_planes(EdgeDirection direction, Strengths strengths, int outer_qp, bool has_inner,
-                                             Lines lines) const {
-  const Filters& filters = direction == EdgeDirection::kVertical ? kVertical : kHorizontal;
-  const auto filter = [&](int plane, PlaneKind kind, const Thresholds<Sample>& thresholds) {
-    if (thresholds.all_zero()) return;
-    const int step = picture_.step<Sample>(plane, mb_.field);
-    filter_plane(filters, kind, picture_.samples<Sample>(plane, x_, y_, mb_.field) + lines.first * step,
-                 step * lines.stride, thresholds, strengths, bit_depth_);
-  };
-  filter(0, PlaneKind::kLuma, find_thresholds<Sample>(slice_.header, mean(outer_qp, mb_.qp), mb_.qp, strengths, 1));
-  const int height = picture_.chroma_mb_height;
-  if (height == 0) return;
-  const PlaneKind kind = height == 16 ? PlaneKind::kChroma422 : PlaneKind::kChroma;
-  const bool all_rows = kind == PlaneKind::kChroma422 && direction == EdgeDirection::kHorizontal;
-  if (all_rows && has_inner) strengths = strengths_of_422_rows(mb_, strengths);
-  for (int plane = 1; plane < 3; ++plane) {
-    const int outer = slice_.chroma_qp(plane, outer_qp), inner = slice_.chroma_qp(plane, mb_.qp);
-    filter(plane, kind, find_thresholds<Sample>(slice_.header, mean(outer, inner), inner, strengths, all_rows ? 1 : 2));
+void MacroblockFilter<Sample>::filter_planes(EdgeDirection direction, Strengths strengths, const PlaneLimits& outer,
+                                             bool has_inner, Lines lines) const {
+  filter_plane_edges(direction, 0, strengths, outer[0], lines);
+  const bool all_rows = picture_.chroma_mb_height == 16 && direction == EdgeDirection::kHorizontal;
+  if (!all_rows) {
+    strengths[1] = strengths[3] = 0;
+  } else if (has_inner) {
+    add_422_rows(mb_, strengths);
   }
+  for (int plane = 1; plane < 3; ++plane) filter_plane_edges(direction, plane, strengths, outer[plane], lines);
+}
+
+/// Strengths of edges that the plane does not have are 0.
+template <class Sample>
+void MacroblockFilter<Sample>::filter_plane_edges(EdgeDirection direction, int plane, Strengths strengths,
+                                                  const Limits<Sample>& outer, Lines lines) const {
+  if (outer.all_zero()) strengths[0] = 0;
+  if (inner_[plane].all_zero()) strengths[1] = strengths[2] = strengths[3] = 0;
+  if (!any(strengths)) return;
+  const bool vertical = direction == EdgeDirection::kVertical, is_422 = picture_.chroma_mb_height == 16;
+  const PlaneKind kind = plane == 0 ? PlaneKind::kLuma : is_422 ? PlaneKind::kChroma422 : PlaneKind::kChroma;
+  const int edge_stride = plane == 0 || (is_422 && !vertical) ? 1 : 2;
+  const int step = picture_.step<Sample>(plane, mb_.field);
+  filter_plane(vertical ? kVertical : kHorizontal, kind,
+               picture_.samples<Sample>(plane, x_, y_, mb_.field) + lines.first * step, step * lines.stride,
+               {outer, inner_[plane], strengths, edge_stride}, strengths, bit_depth_);
 }
 
 /// Two field macroblocks above a frame macroblock: each has an edge to every other line of it.
@@ -253,9 +282,8 @@ template <class Sample>
 void MacroblockFilter<Sample>::filter_top_below_fields(const MbInfo& upper, const MbInfo& lower) const {
   for (int parity = 0; parity < 2; ++parity) {
     const MbInfo& above = parity == kTop ? upper : lower;
-    Strengths strengths{};
-    std::ranges::copy(mixed_top_strengths(mb_, above), strengths.begin());
-    filter_planes(EdgeDirection::kHorizontal, strengths, above.qp, false, {parity, 2});
+    const Strengths strengths = {mixed_top_strengths(mb_, above)};
+    filter_planes(EdgeDirection::kHorizontal, strengths, find_limits(above.qp), false, {parity, 2});
   }
 }
 
@@ -270,14 +298,12 @@ void MacroblockFilter<Sample>::filter_left_of_mixed_pairs() const {
       rows[i] = mb_.field ? BlockRows{2 * part + i / 2, i} : BlockRows{i, 2 * bottom + i / 2};
     }
     const EdgeStrengths strengths = mixed_left_strengths(mb_, left, rows);
+    const PlaneLimits limits = find_limits(left.qp);
     for (int plane = 0; plane < (picture_.chroma_mb_height == 0 ? 1 : 3); ++plane) {
-      const int qp =
-          plane == 0 ? mean(left.qp, mb_.qp) : mean(slice_.chroma_qp(plane, left.qp), slice_.chroma_qp(plane, mb_.qp));
-      const Limits<Sample> limits(slice_.header, qp);
       const int height = plane == 0 ? 16 : picture_.chroma_mb_height, step = picture_.step<Sample>(plane, mb_.field);
       Sample* lines =
           picture_.samples<Sample>(plane, x_, y_, mb_.field) + (mb_.field ? part * height / 2 : part) * step;
-      filter_half_edge(plane, height, lines, mb_.field ? step : 2 * step, limits, strengths, bit_depth_);
+      filter_half_edge(plane, height, lines, mb_.field ? step : 2 * step, limits[plane], strengths, bit_depth_);
     }
   }
 }

@@ -43,6 +43,7 @@ class H264Decoder : public Decoder {
     }
   }
   void expand_references() override { picture_.set_outside(OutsideSamples::kExpanded); }
+  void set_threads(int count) override { picture_.set_threads(count); }
   FrameRate frame_rate() const override { return sps_ ? sps_->frame_rate : FrameRate{}; }
 
  private:

@@ -1,10 +1,9 @@
 #include "moxdec/h264/picture_decoder.hpp"
 
+#include <exception>
 #include <string>
 
 #include "moxdec/error.hpp"
-#include "moxdec/h264/deblock.hpp"
-#include "moxdec/h264/reconstruct.hpp"
 
 namespace moxdec::h264 {
 
@@ -36,13 +35,14 @@ void PictureDecoder::begin(const SliceHeader& first_slice) {
   }
   first_slice_ = first_slice;
   in_work_ = true;
-  decoded_ = complete_ = filtered_rows_ = 0;
+  decoded_ = 0;
+  rebuilder_.begin_picture();
 }
 
 void PictureDecoder::configure(const SliceHeader& slice) {
   sps_ = slice.sps;
   expands_ = outside_ == OutsideSamples::kExpanded;
-  predictor_.set_outside(outside_);
+  rebuilder_.set_outside(outside_);
   const Chroma chroma = sps_->chroma_format_idc == 2 ? Chroma::k422 : Chroma::k420;
   pool_.configure({sps_->width(), sps_->height(), chroma, sps_->bit_depth_luma},
                   {16 * sps_->mb_width, 16 * sps_->mb_height, sps_->crop.left, sps_->crop.top, expands_ ? kMargin : 0});
@@ -60,10 +60,10 @@ void PictureDecoder::fill_gap(const SliceHeader& slice) {
   }
 }
 
-void PictureDecoder::begin_slice(const SliceHeader& header) {
-  inter_.lists = references_.lists(header);
-  if (header.type == SliceType::kB) inter_.direct.begin_slice(header, inter_.lists, references_);
-  if (header.type != SliceType::kI) predictor_.begin_slice(header, inter_.lists, references_);
+void PictureDecoder::begin_slice(const Slice& slice) {
+  inter_.lists = references_.lists(slice.header);
+  if (slice.header.type == SliceType::kB) inter_.direct.begin_slice(slice.header, inter_.lists, references_);
+  rebuilder_.begin_slice(slice, inter_.lists, references_);
 }
 
 std::shared_ptr<const LevelScales> PictureDecoder::scales_of(const SliceHeader& header) {
@@ -77,74 +77,72 @@ std::shared_ptr<const LevelScales> PictureDecoder::scales_of(const SliceHeader& 
 
 void PictureDecoder::decode_slice(const SliceHeader& header, BitReader& bits) {
   const Slice& slice = picture_.slices.emplace_back(header, scales_of(header));
-  int address = header.first_mb;
   try {
-    begin_slice(slice.header);
-    MacroblockReader reader(bits, tables_, slice.header, inter_, picture_);
-    decode_macroblocks(reader, slice, bits, address);
-  } catch (const DecodeError& error) {
+    const std::exception_ptr error = read_slice(slice, bits);
+    rebuilder_.end_slice();  // throws first: it is behind reading
+    if (error) std::rethrow_exception(error);
+  } catch (const DecodeError&) {
     in_work_ = single_field_ = false;
-    throw DecodeError("macroblock " + std::to_string(address) + ": " + error.what());
+    throw;
+  }
+}
+
+std::exception_ptr PictureDecoder::read_slice(const Slice& slice, BitReader& bits) {
+  int address = slice.header.first_mb;
+  try {
+    begin_slice(slice);
+    MacroblockReader reader(bits, tables_, slice.header, inter_, picture_);
+    read_macroblocks(reader, slice, bits, address);
+    return nullptr;
+  } catch (const DecodeError& error) {
+    return std::make_exception_ptr(DecodeError("macroblock " + std::to_string(address) + ": " + error.what()));
   }
 }
 
 /// A pair tells once whether it is a field pair: before the first of its macroblocks that is not skipped.
-void PictureDecoder::decode_macroblocks(MacroblockReader& reader, const Slice& slice, BitReader& bits, int& address) {
+void PictureDecoder::read_macroblocks(MacroblockReader& reader, const Slice& slice, BitReader& bits, int& address) {
   const auto index = static_cast<std::int32_t>(picture_.slices.size() - 1);
   const int end = picture_.macroblock_count();
-  mb_.field = picture_.field_pic;
+  field_ = picture_.field_pic;
   do {
     int skipped = 0;
     if (slice.header.type != SliceType::kI) {
       skipped = bits.ue(static_cast<Mox32u>(end - address), "mb_skip_run");
-      skip_macroblocks(reader, slice, bits, skipped, address);
+      skip_macroblocks(reader, bits, skipped, address);
       if (skipped > 0 && !bits.more_data()) break;
     }
     require(address < end, "data go on behind the last macroblock");
-    if (picture_.mbaff && (address % 2 == 0 || skipped > 0)) mb_.field = bits.flag();
-    decode_macroblock(slice, address, [&] { reader.read(mb_, index); });
+    if (picture_.mbaff && (address % 2 == 0 || skipped > 0)) field_ = bits.flag();
+    take_macroblock(address, [&](Macroblock& mb) { reader.read(mb, index); });
   } while (bits.more_data());
   require(!picture_.mbaff || address % 2 == 0, "half a pair of macroblocks");
 }
 
-void PictureDecoder::skip_macroblocks(MacroblockReader& reader, const Slice& slice, BitReader& bits, int count,
-                                      int& address) {
+void PictureDecoder::skip_macroblocks(MacroblockReader& reader, BitReader& bits, int count, int& address) {
   const auto index = static_cast<std::int32_t>(picture_.slices.size() - 1);
   for (int i = count; i > 0; --i) {
     if (picture_.mbaff && address % 2 == 0) {
       const bool lower_follows = i == 1 && bits.more_data();
-      mb_.field = lower_follows ? bits.next_flag()
-                                : infer_field_pair(picture_, picture_.x_of(address), picture_.y_of(address), index);
+      field_ = lower_follows ? bits.next_flag()
+                             : infer_field_pair(picture_, picture_.x_of(address), picture_.y_of(address), index);
     }
-    decode_macroblock(slice, address, [&] { reader.skip(mb_, index); });
+    take_macroblock(address, [&](Macroblock& mb) { reader.skip(mb, index); });
   }
 }
 
 template <class Read>
-void PictureDecoder::decode_macroblock(const Slice& slice, int& address, Read read) {
-  mb_.x = picture_.x_of(address);
-  mb_.y = picture_.y_of(address);
-  MbInfo& info = picture_.at(mb_.x, mb_.y);
+void PictureDecoder::take_macroblock(int& address, Read read) {
+  Macroblock& mb = rebuilder_.macroblock();
+  mb.x = picture_.x_of(address);
+  mb.y = picture_.y_of(address);
+  mb.field = field_;
+  MbInfo& info = picture_.at(mb.x, mb.y);
   require(info.slice < 0, "coded twice");
-  read();
-  if (mb_.kind == MbKind::kInter) {
-    predictor_.predict(picture_, mb_);
-    reconstruct_inter(picture_, slice, mb_);
-  } else {
-    reconstruct_intra(picture_, slice, mb_);
-  }
+  read(mb);
   info.slice = static_cast<std::int32_t>(picture_.slices.size() - 1);
+  rebuilder_.add(address);
   ++decoded_;
   ++address;
-  if (mb_.x + 1 == picture_.mb_width) filter_complete_rows();
-}
-
-void PictureDecoder::filter_complete_rows() {
-  const int all = picture_.macroblock_count();
-  while (complete_ < all && picture_.at(picture_.x_of(complete_), picture_.y_of(complete_)).slice >= 0) ++complete_;
-  const int unit = picture_.mbaff ? 2 : 1;
-  const int ready = complete_ == all ? picture_.mb_height : (complete_ / (unit * picture_.mb_width) - 1) * unit;
-  for (; filtered_rows_ < ready; filtered_rows_ += unit) deblock_rows(picture_, filtered_rows_);
 }
 
 std::shared_ptr<const Frame> PictureDecoder::finish() {
@@ -154,7 +152,7 @@ std::shared_ptr<const Frame> PictureDecoder::finish() {
     single_field_ = false;
     throw DecodeError(std::to_string(all - decoded_) + " of " + std::to_string(all) + " macroblocks are missing");
   }
-  filter_complete_rows();
+  rebuilder_.end_picture();
   references_.finish(first_slice_);
   if (single_field_) return nullptr;
   if (expands_ && first_slice_.nal_ref_idc != 0) expand(*picture_.frame);

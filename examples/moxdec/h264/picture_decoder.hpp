@@ -1,20 +1,22 @@
 /// From slices to one finished picture, and the references that the next ones use.
 #pragma once
 
+#include <exception>
 #include <memory>
 
-#include "moxdec/h264/inter_prediction.hpp"
 #include "moxdec/h264/macroblock.hpp"
 #include "moxdec/h264/output_order.hpp"
 #include "moxdec/h264/picture.hpp"
+#include "moxdec/h264/rebuilder.hpp"
 #include "moxdec/h264/references.hpp"
 
 namespace moxdec::h264 {
 
 class PictureDecoder {
  public:
-  /// To be called before the first picture, if at all.
+  /// Both to be called before the first picture, if at all.
   void set_outside(OutsideSamples outside) { outside_ = outside; }
+  void set_threads(int count) { rebuilder_.set_threads(count); }
   /// Whether a field waits for the other field of its frame, and whether this slice belongs to that one.
   bool has_single_field() const { return single_field_ && !in_work_; }
   bool completes_frame(const SliceHeader& first_slice) const;
@@ -38,13 +40,14 @@ class PictureDecoder {
  private:
   void configure(const SliceHeader& slice);
   void fill_gap(const SliceHeader& slice);
-  void begin_slice(const SliceHeader& header);
   std::shared_ptr<const LevelScales> scales_of(const SliceHeader& header);
-  void decode_macroblocks(MacroblockReader& reader, const Slice& slice, BitReader& bits, int& address);
-  void skip_macroblocks(MacroblockReader& reader, const Slice& slice, BitReader& bits, int count, int& address);
+  void begin_slice(const Slice& slice);
+  /// Returns the DecodeError that ended it.
+  std::exception_ptr read_slice(const Slice& slice, BitReader& bits);
+  void read_macroblocks(MacroblockReader& reader, const Slice& slice, BitReader& bits, int& address);
+  void skip_macroblocks(MacroblockReader& reader, BitReader& bits, int count, int& address);
   template <class Read>
-  void decode_macroblock(const Slice& slice, int& address, Read read);
-  void filter_complete_rows();
+  void take_macroblock(int& address, Read read);
 
   CavlcTables tables_;
   FramePool pool_;
@@ -53,19 +56,17 @@ class PictureDecoder {
   PictureOrder orders_;
   ReferenceBuffer references_;
   InterSlice inter_;
-  InterPredictor predictor_;
   std::shared_ptr<const LevelScales> scales_;  // of these two sets
   std::shared_ptr<const Sps> scales_sps_;
   std::shared_ptr<const Pps> scales_pps_;
   SliceHeader first_slice_;  // of the picture in work
   bool expands_ = false;
   Picture picture_;
-  Macroblock mb_;
   bool in_work_ = false;
   bool single_field_ = false;  // of the frame that was in work last
   int decoded_ = 0;            // macroblocks, wherever they lie
-  int complete_ = 0;           // macroblocks without a gap, from the first one on
-  int filtered_rows_ = 0;      // one row, of pairs if there are any, behind the complete ones
+  bool field_ = false;         // of the macroblock in work
+  Rebuilder rebuilder_{picture_};
 };
 
 }  // namespace moxdec::h264
