@@ -60,10 +60,9 @@ template <class Sample>
 void fetch_early(const Sample* plane, Mox32s step, MoxiSize size, MoxiPoint first, int mb_x, int mb_size) {
   constexpr int kLine = 64 / sizeof(Sample);
   const int sharing = kLine / mb_size, rows = mb_size / sharing, share = mb_x % sharing;
-  const int x = std::clamp(first.x + kLine, 0, size.width - 1);
-  for (int y = first.y + share * rows; y < first.y + (share + 1) * rows; ++y) {
-    __builtin_prefetch(plane + std::ptrdiff_t{std::clamp(y, 0, size.height - 1)} * step + x);
-  }
+  const int x = first.x + kLine, y = first.y + share * rows;
+  if (!is_inside(x, y, {1, rows}, size, 0)) return;
+  for (int i = 0; i < rows; ++i) __builtin_prefetch(plane + std::ptrdiff_t{y + i} * step + x);
 }
 
 /// A prediction from one of both lists.

@@ -12,34 +12,47 @@ namespace {
 constexpr int kRawType = 25;
 constexpr int kInterTypes[] = {0, 5, 23};  // by the number of reference lists
 
-/// The coefficient counts that a plane's first column and first row of blocks see across the macroblock's edge.
+/// The coefficient counts of a plane's blocks, with the row above and the column at the left of them.
 template <int Columns, int Rows>
-struct CountBorder {
-  bool has_left = false;
-  bool has_top = false;
-  std::array<std::uint8_t, Rows> left{};
-  std::array<std::uint8_t, Columns> top{};
-
+class CountWindow {
+ public:
   /// `counts_of` gives the counts of a macroblock in raster order.
   template <class CountsOf>
-  CountBorder(const Neighbours& neighbours, CountsOf counts_of)
-      : has_left(neighbours.left_pair[0]), has_top(neighbours.top) {
+  CountWindow(const Neighbours& neighbours, CountsOf counts_of) {
     constexpr int kStride = 4 / Rows;  // rows of luma blocks for each row
-    if (has_left) {
+    if (neighbours.left_pair[0]) {
       for (int y = 0; y < Rows; ++y) {
         const int row = neighbours.left_row(kStride * y) / kStride;
-        left[y] = counts_of(*neighbours.left_at(kStride * y))[Columns * row + Columns - 1];
+        at(-1, y) = as_count(counts_of(*neighbours.left_at(kStride * y))[Columns * row + Columns - 1]);
       }
+    } else {
+      for (int y = 0; y < Rows; ++y) at(-1, y) = kMissing;
     }
-    if (has_top) std::copy_n(counts_of(*neighbours.top) + Columns * (Rows - 1), Columns, top.begin());
+    for (int x = 0; x < Columns; ++x) {
+      at(x, -1) = neighbours.top ? as_count(counts_of(*neighbours.top)[Columns * (Rows - 1) + x]) : kMissing;
+    }
   }
   /// The mean of the neighbours' counts, rounded up; of one if the other is missing; else 0.
-  int expected(const std::uint8_t* counts, int x, int y) const {
-    const int a = x > 0 ? counts[Columns * y + x - 1] : left[y];
-    const int b = y > 0 ? counts[Columns * (y - 1) + x] : top[x];
-    const int both = (x > 0 || has_left) && (y > 0 || has_top) ? 1 : 0;
-    return (a + b + both) >> both;
+  int expected(int x, int y) const {
+    const int a = at(x - 1, y), b = at(x, y - 1);
+    if (a >= 0 && b >= 0) return (a + b + 1) >> 1;
+    return std::max({a, b, 0});
   }
+  void set(int x, int y, int count) { at(x, y) = static_cast<std::int8_t>(count); }
+  /// In raster order.
+  void store(std::uint8_t* counts) const {
+    for (int y = 0; y < Rows; ++y) std::copy_n(&at(0, y), Columns, counts + Columns * y);
+  }
+
+ private:
+  static constexpr std::int8_t kMissing = -1;
+  static constexpr std::int8_t as_count(std::uint8_t count) { return static_cast<std::int8_t>(count); }
+  std::int8_t& at(int x, int y) { return counts_[static_cast<std::size_t>((Columns + 1) * (y + 1) + x + 1)]; }
+  const std::int8_t& at(int x, int y) const {
+    return counts_[static_cast<std::size_t>((Columns + 1) * (y + 1) + x + 1)];
+  }
+
+  std::array<std::int8_t, (Columns + 1) * (Rows + 1)> counts_{};
 };
 
 /// The modes that the first column and row of blocks see; -1 where nothing can be told, which makes the expected mode
@@ -208,39 +221,37 @@ void MacroblockReader::read_qp_delta() {
 template <class Coeff>
 void MacroblockReader::read_luma(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int quarters,
                                  Coeff** out) {
-  const CountBorder<4, 4> border(neighbours, luma_counts);
-  std::uint8_t* counts = info.luma_counts.data();
+  CountWindow<4, 4> counts(neighbours, luma_counts);
   int max = 16;
   if (mb.kind == MbKind::kIntra16x16) {
-    if (tables_.read_block(bits_, out, border.expected(counts, 0, 0), 16, mb.field) > 0) mb.coded |= kCodedDc;
+    if (tables_.read_block(bits_, out, counts.expected(0, 0), 16, mb.field) > 0) mb.coded |= kCodedDc;
     max = 15;
   }
   for (int i = 0; i < 16; ++i) {
     if (!(quarters >> (i / 4) & 1)) continue;
-    const int raster = example::kBlockRaster[i];
-    const int count = tables_.read_block(bits_, out, border.expected(counts, raster % 4, raster / 4), max, mb.field);
-    counts[raster] = static_cast<std::uint8_t>(count);
+    const int raster = example::kBlockRaster[i], x = raster % 4, y = raster / 4;
+    const int count = tables_.read_block(bits_, out, counts.expected(x, y), max, mb.field);
     if (count == 0) continue;
+    counts.set(x, y, count);
     mb.coded |= coded_block(i);
     info.coded_blocks = static_cast<std::uint16_t>(info.coded_blocks | 1 << raster);
   }
+  counts.store(info.luma_counts.data());
 }
 
 /// Each 8x8 block is coded as four blocks of 4x4 coefficients, which the neighbours see as 4x4 blocks.
 template <class Coeff>
 void MacroblockReader::read_luma_8x8(Macroblock& mb, MbInfo& info, const Neighbours& neighbours, int quarters,
                                      Coeff** out) {
-  const CountBorder<4, 4> border(neighbours, luma_counts);
-  std::uint8_t* counts = info.luma_counts.data();
+  CountWindow<4, 4> counts(neighbours, luma_counts);
   for (int i = 0; i < 4; ++i) {
     if (!(quarters >> i & 1)) continue;
     std::fill_n(*out, 64, Coeff{0});
     int all = 0;
     for (int part = 0; part < 4; ++part) {
-      const int raster = example::kBlockRaster[4 * i + part];
-      const int count =
-          tables_.read_part_8x8(bits_, *out, part, border.expected(counts, raster % 4, raster / 4), mb.field);
-      counts[raster] = static_cast<std::uint8_t>(count);
+      const int raster = example::kBlockRaster[4 * i + part], x = raster % 4, y = raster / 4;
+      const int count = tables_.read_part_8x8(bits_, *out, part, counts.expected(x, y), mb.field);
+      counts.set(x, y, count);
       all += count;
     }
     if (all == 0) continue;
@@ -248,6 +259,7 @@ void MacroblockReader::read_luma_8x8(Macroblock& mb, MbInfo& info, const Neighbo
     mb.coded_8x8 |= 1u << i;
     info.coded_blocks = static_cast<std::uint16_t>(info.coded_blocks | 0x33 << example::kBlockRaster[4 * i]);
   }
+  counts.store(info.luma_counts.data());
 }
 
 /// `Rows` of 4x4 blocks in each plane.
@@ -259,14 +271,13 @@ void MacroblockReader::read_chroma(Macroblock& mb, MbInfo& info, const Neighbour
   }
   if (!has_ac) return;
   for (int plane = 0; plane < 2; ++plane) {
-    const CountBorder<2, Rows> border(neighbours,
-                                      [=](const MbInfo& other) { return other.chroma_counts[plane].data(); });
-    std::uint8_t* counts = info.chroma_counts[plane].data();
+    CountWindow<2, Rows> counts(neighbours, [=](const MbInfo& other) { return other.chroma_counts[plane].data(); });
     for (int i = 0; i < 2 * Rows; ++i) {
-      const int count = tables_.read_block(bits_, out, border.expected(counts, i % 2, i / 2), 15, mb.field);
-      counts[i] = static_cast<std::uint8_t>(count);
+      const int count = tables_.read_block(bits_, out, counts.expected(i % 2, i / 2), 15, mb.field);
+      counts.set(i % 2, i / 2, count);
       if (count > 0) mb.coded_chroma[plane] |= coded_block(i);
     }
+    counts.store(info.chroma_counts[plane].data());
   }
 }
 
