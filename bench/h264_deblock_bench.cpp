@@ -1,3 +1,5 @@
+#include <vector>
+
 #include "support/bench.hpp"
 
 namespace mox::bench {
@@ -26,6 +28,7 @@ struct Strengths {
 };
 constexpr Strengths kIntra = {"intra", {4, 4, 4, 4, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3}};
 constexpr Strengths kInter = {"inter", {2, 2, 0, 1, 0, 0, 0, 0, 2, 0, 0, 2, 0, 0, 1, 0}};
+constexpr Strengths kAll = {"all edges", {2, 1, 3, 2, 1, 2, 2, 3, 3, 1, 1, 2, 2, 3, 1, 1}};
 constexpr Strengths kNone = {"nothing to do", {}};
 
 template <class Function>
@@ -61,33 +64,47 @@ Row record(Symbol<MoxStatus(const MoxiDeblockParams_16u*)> symbol, const Strengt
   });
 }
 
-const Row kRows[] = {
-    restoring("copy of the 8-bit samples alone", [] { k8u.samples.restore(); }),
-    restoring("copy of the 16-bit samples alone", [] { k16u.samples.restore(); }),
-    plane(MOX_FN(moxiFilterDeblockingLuma_VerEdge_H264_8u_C1IR), kIntra),
-    plane(MOX_FN(moxiFilterDeblockingLuma_VerEdge_H264_8u_C1IR), kInter),
-    plane(MOX_FN(moxiFilterDeblockingLuma_VerEdge_H264_8u_C1IR), kNone),
-    plane(MOX_FN(moxiFilterDeblockingLuma_HorEdge_H264_8u_C1IR), kIntra),
-    plane(MOX_FN(moxiFilterDeblockingLuma_HorEdge_H264_8u_C1IR), kInter),
-    plane(MOX_FN(moxiFilterDeblockingChroma_VerEdge_H264_8u_C1IR), kIntra),
-    plane(MOX_FN(moxiFilterDeblockingChroma_VerEdge_H264_8u_C1IR), kInter),
-    plane(MOX_FN(moxiFilterDeblockingChroma_HorEdge_H264_8u_C1IR), kIntra),
-    plane(MOX_FN(moxiFilterDeblockingChroma_HorEdge_H264_8u_C1IR), kInter),
-    plane(MOX_FN(moxiFilterDeblockingChroma_VerEdge_H264_8u_C2IR), kIntra),
-    plane(MOX_FN(moxiFilterDeblockingChroma_HorEdge_H264_8u_C2IR), kIntra),
-    mbaff(MOX_FN(moxiFilterDeblockingLuma_VerEdge_MBAFF_H264_8u_C1IR), kIntra),
-    mbaff(MOX_FN(moxiFilterDeblockingChroma_VerEdge_MBAFF_H264_8u_C1IR), kIntra),
-    record(MOX_FN(moxiFilterDeblockingChroma422VerEdge_H264_8u_C1IR), kIntra),
-    record(MOX_FN(moxiFilterDeblockingChroma422HorEdge_H264_8u_C1IR), kIntra),
-    record(MOX_FN(moxiFilterDeblockingLumaVerEdge_H264_16u_C1IR), kIntra),
-    record(MOX_FN(moxiFilterDeblockingLumaHorEdge_H264_16u_C1IR), kIntra),
-    record(MOX_FN(moxiFilterDeblockingLumaVerEdgeMBAFF_H264_16u_C1IR), kIntra),
-    record(MOX_FN(moxiFilterDeblockingChromaVerEdge_H264_16u_C1IR), kIntra),
-    record(MOX_FN(moxiFilterDeblockingChromaHorEdge_H264_16u_C1IR), kIntra),
-    record(MOX_FN(moxiFilterDeblockingChromaVerEdgeMBAFF_H264_16u_C1IR), kIntra),
-    record(MOX_FN(moxiFilterDeblockingChroma422VerEdge_H264_16u_C1IR), kIntra),
-    record(MOX_FN(moxiFilterDeblockingChroma422HorEdge_H264_16u_C1IR), kIntra),
-};
+std::vector<Row> deblock_rows() {
+  std::vector<Row> rows = {
+      restoring("copy of the 8-bit samples alone", [] { k8u.samples.restore(); }),
+      restoring("copy of the 16-bit samples alone", [] { k16u.samples.restore(); }),
+      plane(MOX_FN(moxiFilterDeblockingLuma_VerEdge_H264_8u_C1IR), kNone),
+  };
+  for (const Strengths* strengths : {&kIntra, &kInter, &kAll}) {
+    for (auto symbol : {
+             MOX_FN(moxiFilterDeblockingLuma_VerEdge_H264_8u_C1IR),
+             MOX_FN(moxiFilterDeblockingLuma_HorEdge_H264_8u_C1IR),
+             MOX_FN(moxiFilterDeblockingChroma_VerEdge_H264_8u_C1IR),
+             MOX_FN(moxiFilterDeblockingChroma_HorEdge_H264_8u_C1IR),
+             MOX_FN(moxiFilterDeblockingChroma_VerEdge_H264_8u_C2IR),
+             MOX_FN(moxiFilterDeblockingChroma_HorEdge_H264_8u_C2IR),
+         }) {
+      rows.push_back(plane(symbol, *strengths));
+    }
+    for (auto symbol : {
+             MOX_FN(moxiFilterDeblockingChroma422VerEdge_H264_8u_C1IR),
+             MOX_FN(moxiFilterDeblockingChroma422HorEdge_H264_8u_C1IR),
+         }) {
+      rows.push_back(record(symbol, *strengths));
+    }
+    for (auto symbol : {
+             MOX_FN(moxiFilterDeblockingLumaVerEdge_H264_16u_C1IR),
+             MOX_FN(moxiFilterDeblockingLumaHorEdge_H264_16u_C1IR),
+             MOX_FN(moxiFilterDeblockingChromaVerEdge_H264_16u_C1IR),
+             MOX_FN(moxiFilterDeblockingChromaHorEdge_H264_16u_C1IR),
+             MOX_FN(moxiFilterDeblockingChroma422VerEdge_H264_16u_C1IR),
+             MOX_FN(moxiFilterDeblockingChroma422HorEdge_H264_16u_C1IR),
+         }) {
+      rows.push_back(record(symbol, *strengths));
+    }
+  }
+  rows.push_back(mbaff(MOX_FN(moxiFilterDeblockingLuma_VerEdge_MBAFF_H264_8u_C1IR), kIntra));
+  rows.push_back(mbaff(MOX_FN(moxiFilterDeblockingChroma_VerEdge_MBAFF_H264_8u_C1IR), kIntra));
+  rows.push_back(record(MOX_FN(moxiFilterDeblockingLumaVerEdgeMBAFF_H264_16u_C1IR), kIntra));
+  rows.push_back(record(MOX_FN(moxiFilterDeblockingChromaVerEdgeMBAFF_H264_16u_C1IR), kIntra));
+  return rows;
+}
+const std::vector<Row> kRows = deblock_rows();
 const Family kDeblock("h264_deblock", kRows);
 
 }  // namespace

@@ -51,6 +51,7 @@ const Row kRows[] = {
          kPictureStep, 40, 24, MoxiSize{8, 8}),
     call(MOX_FN(moxiUniDirWeightBlock_H264_8u_C1R), "8x8", k8u.result, kPictureStep, 5, 40, 3, MoxiSize{8, 8}),
     call(MOX_FN(moxiUniDirWeightBlock_H264_8u_C1R), "16x16", k8u.result, kPictureStep, 5, 40, 3, MoxiSize{16, 16}),
+    call(MOX_FN(moxiUniDirWeightBlock_H264_8u_C1IR), "16x16", k8u.result, kPictureStep, 5, 40, 3, MoxiSize{16, 16}),
     call(MOX_FN(moxiWeightedAverage_H264_8u_C1IR), "16x16", k8u.first, k8u.result, kPictureStep, 20, 12, 5, 0,
          MoxiSize{16, 16}),
     call(MOX_FN(moxiBidir_H264_16u_P2P1R), "16x16", &k16x16),
