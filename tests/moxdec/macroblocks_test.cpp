@@ -137,11 +137,14 @@ TEST(Macroblocks, NeighbourOfAnotherSlice) {
     second.first_mb = 1;
     BitWriter w = StreamBuilder::slice_header(second);
     begin_macroblock(StreamBuilder::raw_macroblock(StreamBuilder::raw_macroblock(w, 100), 100), type).u(6, 3);
+    if (type != kPlain) w.u(8, 0xFF);  // Another error, which is read before the first one is found.
     StreamBuilder b;
     b.sps({.mb_width = 2, .mb_height = 2}).pps().raw_slice(kSlice, {100}).nal(5, 1, w);
-    const std::string error = decode_all(b.stream()).error;
-    const bool refused = error.find("macroblock 3: intra prediction from a neighbour that is not") != std::string::npos;
-    EXPECT_EQ(refused, type != kPlain) << error;
+    for (const int threads : {1, 2, 3}) {
+      const std::string error = decode_all(b.stream(), References::kPlain, threads).error;
+      const auto refused = error.find("macroblock 3: intra prediction from a neighbour that is not");
+      EXPECT_EQ(refused != std::string::npos, type != kPlain) << error;
+    }
   }
 }
 
