@@ -30,6 +30,7 @@ Frame::Frame(const FrameFormat& format, const FrameLayout& layout) : format_(for
   }
   memory_.reset(static_cast<std::byte*>(std::aligned_alloc(kAlignment, size)));
   if (!memory_) throw std::bad_alloc();
+  std::fill_n(memory_.get(), size, std::byte{});  // damaged streams may leave samples out
   for (int i = 0; i < 3; ++i) {
     planes_[i].coded = memory_.get() + coded[i];
     planes_[i].shown = memory_.get() + shown[i];
