@@ -44,6 +44,24 @@ MOX_INLINE simd::s16<B> quantised(simd::s16<B> x, simd::s16<B> scale, px::Quanti
   }
 }
 
+/// The same by a shift of 16 or more, in words alone: the upper halves of the products and what their sums with the
+/// rounding, whose lower half is not 0, carry. Levels are below 2^14 + 2^7. Unless kSmall is set, scales are not below
+/// 0.
+template <bool kSmall, int B>
+MOX_INLINE simd::s16<B> quantised_high(simd::s16<B> x, simd::s16<B> scale, px::Quantiser q) {
+  const auto magnitude = abs(x);
+  simd::s16<B> high;
+  if constexpr (kSmall) {
+    high = mulhi(magnitude, scale);
+  } else {
+    high = simd::as<simd::s16>(mulhi(simd::as<simd::u16>(magnitude), simd::as<simd::u16>(scale)));
+  }
+  // A half of the sum of the lower halves has 16 bits.
+  const auto half = avg(simd::as<simd::u16>(magnitude * scale), simd::splat<simd::u16, B>(q.rounding - 1));
+  const auto carry = simd::as<simd::s16>(simd::shr<15>(half));
+  return signed_by(shr(high + simd::splat<simd::s16, B>(q.rounding >> 16) + carry, q.shift - 16), x);
+}
+
 /// Levels of doublewords; products wrap.
 template <class Keep, bool kSmall = false, int B>
 MOX_INLINE simd::s32<B> quantised(simd::s32<B> x, simd::s32<B> scale, px::Quantiser q) {
@@ -240,25 +258,42 @@ MoxStatus quantise_residual_4x4(const Source* pSrc, typename Keep::Value* pDst, 
 
 // ---- 8x8 blocks. ----
 
-template <class Keep, class Scale>
-MoxStatus quantise_luma_8x8(const typename Keep::Value* pSrc, typename Keep::Value* pDst, Mox32s qpPer, bool intra,
-                            const Mox16s* pScanMatrix, const Scale* pScaleLevels, Mox32s* pNumLevels,
-                            Mox32s* pLastCoeff) {
+/// The levels of values, which are not -32768 if they are words.
+template <class Keep, class Scale, class Quantise>
+MOX_INLINE MoxStatus quantise_8x8(const typename Keep::Value* pSrc, typename Keep::Value* pDst,
+                                  const Mox16s* pScanMatrix, const Scale* pScaleLevels, Mox32s* pNumLevels,
+                                  Mox32s* pLastCoeff, Quantise quantise) {
   using Value = typename Keep::Value;
-  const auto q = px::rough_quantiser(qpPer + px::kScaleBits + 1, intra);
   LevelTally tally;
   for (int i = 0; i < 64; i += 16) {
     auto values = load_values<Value>(pSrc + i);
-    if constexpr (sizeof(Value) == 2) {
-      for (auto& x : values.part) x = max(x, simd::splat<simd::s16, values.B>(-32767));
+    const auto scales = load_values<Value>(pScaleLevels + i);
+    for (int k = 0; k < values.kParts; ++k) {
+      auto& x = values.part[k];
+      if constexpr (sizeof(Value) == 2) x = max(x, simd::splat<simd::s16, values.B>(-32767));
+      x = quantise(x, scales.part[k]);
     }
-    const auto levels = quantised<Keep, true>(values, load_values<Value>(pScaleLevels + i), q);
-    store_values(levels, pDst + i);
-    tally.add(levels, pScanMatrix + i);
+    store_values(values, pDst + i);
+    tally.add(values, pScanMatrix + i);
   }
   *pNumLevels = px::signed_count(tally.count(), pDst[0]);
   *pLastCoeff = tally.last();
   return moxStsOk;
+}
+
+template <class Keep, class Scale>
+MoxStatus quantise_luma_8x8(const typename Keep::Value* pSrc, typename Keep::Value* pDst, Mox32s qpPer, bool intra,
+                            const Mox16s* pScanMatrix, const Scale* pScaleLevels, Mox32s* pNumLevels,
+                            Mox32s* pLastCoeff) {
+  const auto q = px::rough_quantiser(qpPer + px::kScaleBits + 1, intra);
+  if constexpr (std::is_same_v<Keep, Sat16>) {
+    if (q.shift >= 16) {
+      return quantise_8x8<Keep>(pSrc, pDst, pScanMatrix, pScaleLevels, pNumLevels, pLastCoeff,
+                                [q](auto x, auto scale) { return quantised_high<true>(x, scale, q); });
+    }
+  }
+  return quantise_8x8<Keep>(pSrc, pDst, pScanMatrix, pScaleLevels, pNumLevels, pLastCoeff,
+                            [q](auto x, auto scale) { return quantised<Keep, true>(x, scale, q); });
 }
 
 }  // namespace mox::vec

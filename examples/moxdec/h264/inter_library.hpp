@@ -132,31 +132,32 @@ inline MoxStatus weight_one(Mox16u* block, Mox32s step, MoxiSize size, int log2,
   return moxiUnidirWeight_H264_16u_IP2P1R(block, step, static_cast<Mox32u>(log2), w.weight, w.offset, size, bit_depth);
 }
 
-/// Two predictions that become one.
+/// Two predictions that become one, in place of the first.
 template <class Sample>
 struct PredictionPair {
-  const Sample *first, *second;
-  Mox32s step;
-  Sample* out;
-  Mox32s out_step;
+  Sample* first;
+  Mox32s first_step;
+  const Sample* second;
+  Mox32s second_step;
   MoxiSize size;
   int bit_depth;
 };
 
 inline MoxiBidirParams_16u library_pair(const PredictionPair<Mox16u>& p) {
-  return {p.first, p.step, p.second, p.step, p.out, p.out_step, p.size.width, p.size.height, p.bit_depth};
+  return {p.first,      p.first_step, p.second,      p.second_step, p.first,
+          p.first_step, p.size.width, p.size.height, p.bit_depth};
 }
 
 inline MoxStatus average(const PredictionPair<Mox8u>& p) {
-  return moxiInterpolateBlock_H264_8u_P3P1R(p.first, p.second, p.out, p.size.width, p.size.height, p.step, p.step,
-                                            p.out_step);
+  return moxiInterpolateBlock_H264_8u_P3P1R(p.first, p.second, p.first, p.size.width, p.size.height, p.first_step,
+                                            p.second_step, p.first_step);
 }
 inline MoxStatus average(const PredictionPair<Mox16u>& p) {
   const auto pair = library_pair(p);
   return moxiBidir_H264_16u_P2P1R(&pair);
 }
 inline MoxStatus weight_two(const PredictionPair<Mox8u>& p, int log2, SampleWeight a, SampleWeight b) {
-  return moxiBiDirWeightBlock_H264_8u_P3P1R(p.first, p.second, p.out, p.step, p.step, p.out_step,
+  return moxiBiDirWeightBlock_H264_8u_P3P1R(p.first, p.second, p.first, p.first_step, p.second_step, p.first_step,
                                             static_cast<Mox32u>(log2), a.weight, a.offset, b.weight, b.offset, p.size);
 }
 inline MoxStatus weight_two(const PredictionPair<Mox16u>& p, int log2, SampleWeight a, SampleWeight b) {
@@ -165,8 +166,8 @@ inline MoxStatus weight_two(const PredictionPair<Mox16u>& p, int log2, SampleWei
 }
 /// `weight` of the second one; of the first one it is 64 less this one.
 inline MoxStatus weight_implicit(const PredictionPair<Mox8u>& p, int weight) {
-  return moxiBiDirWeightBlockImplicit_H264_8u_P3P1R(p.first, p.second, p.out, p.step, p.step, p.out_step, 64 - weight,
-                                                    weight, p.size);
+  return moxiBiDirWeightBlockImplicit_H264_8u_P3P1R(p.first, p.second, p.first, p.first_step, p.second_step,
+                                                    p.first_step, 64 - weight, weight, p.size);
 }
 inline MoxStatus weight_implicit(const PredictionPair<Mox16u>& p, int weight) {
   const auto pair = library_pair(p);

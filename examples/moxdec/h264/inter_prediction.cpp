@@ -65,7 +65,7 @@ void fetch_early(const Sample* plane, Mox32s step, MoxiSize size, MoxiPoint firs
   for (int i = 0; i < rows; ++i) __builtin_prefetch(plane + std::ptrdiff_t{y + i} * step + x);
 }
 
-/// A prediction from one of both lists.
+/// The prediction from list 1, before it becomes one with that of list 0.
 template <class Sample>
 struct Scratch {
   alignas(64) std::array<Sample, 16 * 16> luma;
@@ -176,14 +176,11 @@ void InterPredictor::predict_block(const Block& block, const Target<Sample>& tar
     if (weighting_ == Weighting::kExplicit) weight(block, list, target);
     return;
   }
-  std::array<Scratch<Sample>, 2> scratch;
-  std::array<Target<Sample>, 2> sources;
-  for (int list = 0; list < 2; ++list) {
-    auto& [luma, chroma] = scratch[list];
-    sources[list] = {{luma.data(), chroma[0].data(), chroma[1].data()}, 16, 8};
-    fetch(block, list, sources[list]);
-  }
-  for (int plane = 0; plane < planes_; ++plane) expect_ok(combine_plane(block, plane, sources, target));
+  Scratch<Sample> scratch;
+  const Target<Sample> second = {{scratch.luma.data(), scratch.chroma[0].data(), scratch.chroma[1].data()}, 16, 8};
+  fetch(block, 0, target);
+  fetch(block, 1, second);
+  for (int plane = 0; plane < planes_; ++plane) expect_ok(combine_plane(block, plane, target, second));
 }
 
 /// A field is every other line of its frame.
@@ -295,15 +292,10 @@ void InterPredictor::weight(const Block& block, int list, const Target<Sample>& 
 
 /// Weights that come to a mean take the faster way.
 template <class Sample>
-MoxStatus InterPredictor::combine_plane(const Block& block, int plane, const std::array<Target<Sample>, 2>& sources,
-                                        const Target<Sample>& target) const {
-  const PredictionPair<Sample> pair = {sources[0].plane[plane],
-                                       sources[1].plane[plane],
-                                       sources[0].step(plane),
-                                       target.plane[plane],
-                                       target.step(plane),
-                                       size_in(plane, block.size),
-                                       bit_depth_};
+MoxStatus InterPredictor::combine_plane(const Block& block, int plane, const Target<Sample>& first,
+                                        const Target<Sample>& second) const {
+  const PredictionPair<Sample> pair = {first.plane[plane], first.step(plane),          second.plane[plane],
+                                       second.step(plane), size_in(plane, block.size), bit_depth_};
   if (weighting_ == Weighting::kImplicit) {
     const int weight = implicit_[static_cast<int>(block.unit.part)][block.reference(0)][block.reference(1)];
     if (weight != 32) return weight_implicit(pair, weight);

@@ -88,9 +88,10 @@ class InterPredictor {
                     const Target<Sample>& target) const;
   template <class Sample>
   void weight(const Block& block, int list, const Target<Sample>& target) const;
+  /// In place of the first one.
   template <class Sample>
-  MoxStatus combine_plane(const Block& block, int plane, const std::array<Target<Sample>, 2>& sources,
-                          const Target<Sample>& target) const;
+  MoxStatus combine_plane(const Block& block, int plane, const Target<Sample>& first,
+                          const Target<Sample>& second) const;
   /// Samples of luma around the references that a block may use.
   int margin(const Unit& unit) const { return expanded_ && !unit.is_field() ? kMargin : 0; }
   /// From luma to the rows of a plane.

@@ -138,6 +138,7 @@ void PictureDecoder::take_macroblock(int& address, Read read) {
   mb.field = field_;
   MbInfo& info = picture_.at(mb.x, mb.y);
   require(info.slice < 0, "coded twice");
+  picture_.fetch_early(mb.x, mb.y);
   read(mb);
   info.slice = static_cast<std::int32_t>(picture_.slices.size() - 1);
   rebuilder_.add(address);
