@@ -238,6 +238,16 @@ TEST_P(ForwardQuant, ByHand) {
     EXPECT_EQ(block[2], level);
     EXPECT_EQ(count[0], 1);
   }
+  // 8x8, rounded by 342 * 32: 3 * 18197 becomes 65535, just below a level, and -2 * 27296 just reaches one.
+  const Guarded<Mox16s> values(64), scales(64), scan(64), levels(64);
+  values[0] = 3, scales[0] = 18197, values[63] = -2, scales[63] = 27296, scan[63] = 40;
+  EXPECT_EQ(lib(MOX_FN(moxiQuantLuma8x8_H264_16s_C1))(values.data(), levels.data(), 4, 0, scan.data(), scales.data(),
+                                                      number.data(), place.data()),
+            moxStsOk);
+  EXPECT_EQ(levels[0], 0);
+  EXPECT_EQ(levels[63], -1);
+  EXPECT_EQ(number[0], 1);
+  EXPECT_EQ(place[0], 40);
   // A transformed luma DC of 1 has the level 0, and is told all the same.
   const auto luma = lib(MOX_FN(moxiTransformQuantFwdLumaDC4x4_H264_16s_C1I));
   for (int dc : {0, 1}) {
