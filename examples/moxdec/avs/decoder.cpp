@@ -1,45 +1,32 @@
 #include "moxdec/avs/decoder.hpp"
 
-#include <deque>
-#include <exception>
 #include <new>
 
 #include "moxdec/avs/deblock.hpp"
 #include "moxdec/avs/slice_decoder.hpp"
 #include "moxdec/error.hpp"
-#include "moxdec/start_codes.hpp"
+#include "moxdec/unit_decoder.hpp"
 
 namespace moxdec::avs {
 namespace {
 
-class AvsDecoder : public Decoder {
+class AvsDecoder : public UnitDecoder {
  public:
-  explicit AvsDecoder(Bytes data) : units_(data) {}
+  explicit AvsDecoder(Bytes data) : UnitDecoder(data) {}
 
-  std::shared_ptr<const Frame> next() override {
-    for (;;) {
-      if (!ready_.empty()) {
-        const auto frame = std::move(ready_.front());
-        ready_.pop_front();
-        return frame;
-      }
-      if (error_) std::rethrow_exception(error_);
-      if (at_end_) return nullptr;
-      advance();
-    }
-  }
   FrameRate frame_rate() const override { return sequence_.rate; }
 
  private:
-  void advance();
-  void decode_unit(const Unit& unit);
+  void decode_unit(const Unit& unit) override;
   void decode_sequence_header();
   void begin_picture(int start_code);
   void set_references(Picture& picture) const;
   void finish_picture();
-  void flush();
+  void finish_stream() override;
+  void finish_whole_picture() override {
+    if (picture_ && picture_->is_complete()) finish_picture();
+  }
 
-  UnitReader units_;
   Payload payload_;
   Sequence sequence_;
   FramePool pool_;
@@ -47,27 +34,7 @@ class AvsDecoder : public Decoder {
   bool left_out_ = false;             // slices of a B picture without its references are passed over
   std::size_t picture_position_ = 0;
   std::shared_ptr<const Picture> older_, newer_;  // references in display order
-  std::shared_ptr<const Frame> held_;             // of the newer one, until it is shown
-  std::deque<std::shared_ptr<const Frame>> ready_;
-  std::exception_ptr error_;
-  bool at_end_ = false;
 };
-
-/// One step through the stream. After an error the whole pictures before it are still shown.
-void AvsDecoder::advance() {
-  try {
-    Unit unit;
-    if (units_.next(unit)) return decode_unit(unit);
-    finish_picture();
-    require(picture_position_ > 0, "no picture found");
-    flush();
-    at_end_ = true;
-  } catch (const DecodeError&) {
-    error_ = std::current_exception();
-    if (picture_ && picture_->is_complete()) finish_picture();
-    flush();
-  }
-}
 
 void AvsDecoder::decode_unit(const Unit& unit) {
   payload_.assign(unit.payload);
@@ -148,7 +115,7 @@ void AvsDecoder::set_references(Picture& picture) const {
   }
 }
 
-/// B pictures are shown at once, others when the next one that is no B picture is whole. A finished picture lets go of
+/// A finished picture lets go of
 /// its references.
 void AvsDecoder::finish_picture() {
   if (!picture_) return;
@@ -157,19 +124,15 @@ void AvsDecoder::finish_picture() {
           [&] { require(picture->is_complete(), "macroblocks are missing at the end of the picture"); });
   picture->references = {};
   if (picture->header.loop_filter) filter_picture(*picture);
-  if (picture->header.type == PictureType::kB) {
-    ready_.push_back(picture->frame);
-    return;
-  }
-  flush();
+  if (picture->header.type == PictureType::kB) return show(picture->frame);
+  hold(picture->frame);
   older_ = std::move(newer_);
   newer_ = picture;
-  held_ = picture->frame;
 }
 
-void AvsDecoder::flush() {
-  if (held_) ready_.push_back(std::move(held_));
-  held_ = nullptr;
+void AvsDecoder::finish_stream() {
+  finish_picture();
+  require(picture_position_ > 0, "no picture found");
 }
 
 /// A sequence header at once. MPEG-4 streams may begin with the same start code, but the next one comes a byte later.

@@ -1,41 +1,26 @@
 #include "moxdec/mpeg12/decoder.hpp"
 
 #include <algorithm>
-#include <deque>
-#include <exception>
 #include <new>
 #include <optional>
 
 #include "moxdec/error.hpp"
 #include "moxdec/mpeg12/slice_decoder.hpp"
-#include "moxdec/start_codes.hpp"
+#include "moxdec/unit_decoder.hpp"
 
 namespace moxdec::mpeg12 {
 namespace {
 
 bool is_slice(int code) { return code >= kFirstSlice && code <= kLastSlice; }
 
-class Mpeg12Decoder : public Decoder {
+class Mpeg12Decoder : public UnitDecoder {
  public:
-  explicit Mpeg12Decoder(Bytes data) : units_(data) {}
+  explicit Mpeg12Decoder(Bytes data) : UnitDecoder(data) {}
 
-  std::shared_ptr<const Frame> next() override {
-    for (;;) {
-      if (!ready_.empty()) {
-        const auto frame = std::move(ready_.front());
-        ready_.pop_front();
-        return frame;
-      }
-      if (error_) std::rethrow_exception(error_);
-      if (at_end_) return nullptr;
-      advance();
-    }
-  }
   FrameRate frame_rate() const override { return sequence_.rate; }
 
  private:
-  void advance();
-  void decode_unit(const Unit& unit);
+  void decode_unit(const Unit& unit) override;
   void decode_header(const Unit& unit);
   void decode_group(WordReader& bits);
   void decode_extension(WordReader& bits);
@@ -44,10 +29,11 @@ class Mpeg12Decoder : public Decoder {
   void begin_frame();
   void finish_picture();
   void finish_frame();
-  void flush();
-  void finish_stream();
+  void finish_stream() override;
+  void finish_whole_picture() override {
+    if (in_work_ && picture_.is_complete()) finish_picture();
+  }
 
-  UnitReader units_;
   Payload payload_;
   CodeTables tables_;
   Sequence sequence_;  // the latest header's
@@ -61,27 +47,7 @@ class Mpeg12Decoder : public Decoder {
   std::size_t picture_position_ = 0;
   FramePool pool_;
   std::shared_ptr<const Frame> older_, newer_;  // references in display order
-  std::shared_ptr<const Frame> held_;           // a reference that has not been shown: the newer one
-  std::deque<std::shared_ptr<const Frame>> ready_;
-  std::exception_ptr error_;
-  bool at_end_ = false;
 };
-
-/// One step through the stream. After an error the whole pictures before it are still shown.
-void Mpeg12Decoder::advance() {
-  try {
-    Unit unit;
-    if (units_.next(unit)) {
-      decode_unit(unit);
-    } else {
-      finish_stream();
-    }
-  } catch (const DecodeError&) {
-    error_ = std::current_exception();
-    if (in_work_ && picture_.is_complete()) finish_picture();
-    flush();
-  }
-}
 
 void Mpeg12Decoder::decode_unit(const Unit& unit) {
   if (is_slice(unit.code)) return decode_slice(unit);
@@ -183,28 +149,17 @@ void Mpeg12Decoder::finish_picture() {
   if (!awaits_field_) finish_frame();
 }
 
-/// B pictures are shown at once, others when the next one that is no B picture is whole.
 void Mpeg12Decoder::finish_frame() {
-  if (picture_.header.type == PictureType::kB) {
-    ready_.push_back(std::move(picture_.frame));
-    return;
-  }
-  flush();
+  if (picture_.header.type == PictureType::kB) return show(std::move(picture_.frame));
+  hold(picture_.frame);
   older_ = std::move(newer_);
-  newer_ = held_ = std::move(picture_.frame);
-}
-
-void Mpeg12Decoder::flush() {
-  if (held_) ready_.push_back(std::move(held_));
-  held_ = nullptr;
+  newer_ = std::move(picture_.frame);
 }
 
 void Mpeg12Decoder::finish_stream() {
   finish_picture();
   located("picture", picture_position_, [&] { require(!awaits_field_, "a field without the other one of its frame"); });
   require(picture_.sequence.width > 0, "no picture found");
-  flush();
-  at_end_ = true;
 }
 
 /// A sequence header at once.

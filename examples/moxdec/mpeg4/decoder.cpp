@@ -1,14 +1,12 @@
 #include "moxdec/mpeg4/decoder.hpp"
 
 #include <algorithm>
-#include <deque>
-#include <exception>
 #include <new>
 
 #include "moxdec/error.hpp"
 #include "moxdec/mpeg4/clock.hpp"
 #include "moxdec/mpeg4/picture_decoder.hpp"
-#include "moxdec/start_codes.hpp"
+#include "moxdec/unit_decoder.hpp"
 
 namespace moxdec::mpeg4 {
 namespace {
@@ -20,30 +18,17 @@ bool has_short_header(Bytes data) {
   return data.size() > 2 && data[0] == 0 && data[1] == 0 && data[2] >> 2 == 0x80 >> 2;
 }
 
-class Mpeg4Decoder : public Decoder {
+class Mpeg4Decoder : public UnitDecoder {
  public:
-  explicit Mpeg4Decoder(Bytes data) : units_(data), short_header_(has_short_header(data)) {}
+  explicit Mpeg4Decoder(Bytes data) : UnitDecoder(data), short_header_(has_short_header(data)) {}
 
-  std::shared_ptr<const Frame> next() override {
-    for (;;) {
-      if (!ready_.empty()) {
-        const auto frame = std::move(ready_.front());
-        ready_.pop_front();
-        return frame;
-      }
-      if (error_) std::rethrow_exception(error_);
-      if (at_end_) return nullptr;
-      advance();
-    }
-  }
   FrameRate frame_rate() const override {
     if (layer_.fixed_time_step == 0) return {};
     return {static_cast<std::uint32_t>(layer_.time_resolution), static_cast<std::uint32_t>(layer_.fixed_time_step)};
   }
 
  private:
-  void advance();
-  void decode_unit(const Unit& unit);
+  void decode_unit(const Unit& unit) override;
   void decode_header(const Unit& unit);
   void begin_layer(const Layer& layer);
   void decode_picture();
@@ -51,10 +36,8 @@ class Mpeg4Decoder : public Decoder {
   void begin_picture(const PictureHeader& header, std::int64_t time);
   void finish_picture();
   void forget_references();
-  void flush();
-  void finish_stream();
+  void finish_stream() override;
 
-  UnitReader units_;
   bool short_header_;
   PaddedBytes payload_;
   int version_ = 1;
@@ -65,29 +48,10 @@ class Mpeg4Decoder : public Decoder {
   std::vector<MbState> states_;
   FramePool pool_;
   std::shared_ptr<const Frame> older_, newer_;  // references in display order
-  std::shared_ptr<const Frame> held_;           // a reference that has not been shown: the newer one
   std::shared_ptr<const Frame> latest_;         // of the pictures in the order of the stream
-  std::deque<std::shared_ptr<const Frame>> ready_;
-  std::exception_ptr error_;
-  bool damaged_ = false;  // macroblocks are shown without their texture
+  bool damaged_ = false;                        // macroblocks are shown without their texture
   bool any_picture_ = false;
-  bool at_end_ = false;
 };
-
-/// One step through the stream. After an error the whole pictures before it are still shown.
-void Mpeg4Decoder::advance() {
-  try {
-    Unit unit;
-    if (units_.next(unit)) {
-      decode_unit(unit);
-    } else {
-      finish_stream();
-    }
-  } catch (const DecodeError&) {
-    error_ = std::current_exception();
-    flush();
-  }
-}
 
 void Mpeg4Decoder::decode_unit(const Unit& unit) {
   payload_.assign(unit.payload);
@@ -135,10 +99,9 @@ void Mpeg4Decoder::decode_picture() {
 void Mpeg4Decoder::show_again(const PictureHeader& header, std::int64_t time) {
   if (!latest_) return;
   if (header.type == PictureType::kB) {
-    ready_.push_back(latest_);
+    show(latest_);
   } else if (clock_.is_later(time)) {
-    flush();
-    held_ = newer_;
+    hold(newer_);
   }
 }
 
@@ -165,17 +128,13 @@ void Mpeg4Decoder::begin_picture(const PictureHeader& header, std::int64_t time)
   if (header.type == PictureType::kS) workshop_.warp.begin_picture(picture_);
 }
 
-/// B pictures are shown at once, others when the next one that is no B picture is whole.
 void Mpeg4Decoder::finish_picture() {
   any_picture_ = true;
   latest_ = picture_.frame;
-  if (picture_.header.type == PictureType::kB) {
-    ready_.push_back(std::move(picture_.frame));
-    return;
-  }
-  flush();
+  if (picture_.header.type == PictureType::kB) return show(std::move(picture_.frame));
+  hold(picture_.frame);
   older_ = std::move(newer_);
-  newer_ = held_ = std::move(picture_.frame);
+  newer_ = std::move(picture_.frame);
 }
 
 void Mpeg4Decoder::forget_references() {
@@ -183,16 +142,9 @@ void Mpeg4Decoder::forget_references() {
   older_ = newer_ = latest_ = nullptr;
 }
 
-void Mpeg4Decoder::flush() {
-  if (held_) ready_.push_back(std::move(held_));
-  held_ = nullptr;
-}
-
 void Mpeg4Decoder::finish_stream() {
   require(any_picture_ || !short_header_, "pictures with short headers are to be decoded as H.263");
   require(any_picture_, "no picture found");
-  flush();
-  at_end_ = true;
   require(!damaged_, "the texture of macroblocks is damaged; they are shown without");
 }
 
