@@ -1,5 +1,5 @@
-/// An allocator of the test's own, in place of the core library's: blocks end at an unreadable page, sizes are kept, and
-/// the allocation number g_failing fails. For one source file of a program.
+/// An allocator of the test's own, in place of the core library's: blocks end at an unreadable page, sizes are kept,
+/// and the allocation number g_failing fails. For one source file of a program.
 #pragma once
 
 #include <map>
