@@ -97,17 +97,17 @@ void filter_plane(const Filters& f, PlaneKind kind, Mox8u* samples, Mox32s step,
                   const Strengths& strengths, int) {
   const auto& [alpha, beta, tc0] = thresholds;
   if (kind == PlaneKind::kChroma422) {
-    const MoxiDeblockParams params = {samples, step, alpha.data(), beta.data(), tc0.data(), bytes_of(strengths[0])};
+    const MoxiDeblockParams params = {samples, step, alpha.data(), beta.data(), tc0.data(), strengths.bytes()};
     f.chroma_422_8(&params);
     return;
   }
   (kind == PlaneKind::kLuma ? f.luma_8 : f.chroma_8)(samples, step, alpha.data(), beta.data(), tc0.data(),
-                                                     bytes_of(strengths[0]));
+                                                     strengths.bytes());
 }
 void filter_plane(const Filters& f, PlaneKind kind, Mox16u* samples, Mox32s step, const Thresholds<Mox16u>& thresholds,
                   const Strengths& strengths, int bit_depth) {
   const auto& [alpha, beta, tc0] = thresholds;
-  const MoxiDeblockParams_16u params = {samples,  step, alpha.data(), beta.data(), tc0.data(), bytes_of(strengths[0]),
+  const MoxiDeblockParams_16u params = {samples,  step, alpha.data(), beta.data(), tc0.data(), strengths.bytes(),
                                         bit_depth};
   (kind == PlaneKind::kLuma ? f.luma_16 : kind == PlaneKind::kChroma ? f.chroma_16 : f.chroma_422_16)(&params);
 }
@@ -245,7 +245,7 @@ void MacroblockFilter<Sample>::filter_edges(const MbInfo* outer, EdgeDirection d
   };
   if (all_zero(limits) && all_zero(inner_)) return;
   const Strengths strengths = find_strengths(picture_, mb_, outer, direction);
-  if (any(strengths)) filter_planes(direction, strengths, limits, true, {});
+  if (strengths.any()) filter_planes(direction, strengths, limits, true, {});
 }
 
 template <class Sample>
@@ -254,9 +254,9 @@ void MacroblockFilter<Sample>::filter_planes(EdgeDirection direction, Strengths 
   filter_plane_edges(direction, 0, strengths, outer[0], lines);
   const bool all_rows = picture_.chroma_mb_height == 16 && direction == EdgeDirection::kHorizontal;
   if (!all_rows) {
-    strengths[1] = strengths[3] = 0;
+    strengths = strengths.even();
   } else if (has_inner) {
-    add_422_rows(mb_, strengths);
+    strengths = with_422_rows(mb_, strengths);
   }
   for (int plane = 1; plane < 3; ++plane) filter_plane_edges(direction, plane, strengths, outer[plane], lines);
 }
@@ -265,9 +265,9 @@ void MacroblockFilter<Sample>::filter_planes(EdgeDirection direction, Strengths 
 template <class Sample>
 void MacroblockFilter<Sample>::filter_plane_edges(EdgeDirection direction, int plane, Strengths strengths,
                                                   const Limits<Sample>& outer, Lines lines) const {
-  if (outer.all_zero()) strengths[0] = 0;
-  if (inner_[plane].all_zero()) strengths[1] = strengths[2] = strengths[3] = 0;
-  if (!any(strengths)) return;
+  if (outer.all_zero()) strengths = strengths.without_outer();
+  if (inner_[plane].all_zero()) strengths = strengths.without_inner();
+  if (!strengths.any()) return;
   const bool vertical = direction == EdgeDirection::kVertical, is_422 = picture_.chroma_mb_height == 16;
   const PlaneKind kind = plane == 0 ? PlaneKind::kLuma : is_422 ? PlaneKind::kChroma422 : PlaneKind::kChroma;
   const int edge_stride = plane == 0 || (is_422 && !vertical) ? 1 : 2;
@@ -282,7 +282,7 @@ template <class Sample>
 void MacroblockFilter<Sample>::filter_top_below_fields(const MbInfo& upper, const MbInfo& lower) const {
   for (int parity = 0; parity < 2; ++parity) {
     const MbInfo& above = parity == kTop ? upper : lower;
-    const Strengths strengths = {mixed_top_strengths(mb_, above)};
+    const Strengths strengths(mixed_top_strengths(mb_, above), 0, 0, 0);
     filter_planes(EdgeDirection::kHorizontal, strengths, find_limits(above.qp), false, {parity, 2});
   }
 }

@@ -20,6 +20,7 @@ bool moves_otherwise(const MbMotion& p, int p_block, const MbMotion& q, int q_bl
     const MotionVector a = p.vectors[p_list][p_block], b = q.vectors[q_list][q_block];
     return (static_cast<unsigned>(a.x - b.x + 3) > 6) | (static_cast<unsigned>(a.y - b.y + near) > 2u * near);
   };
+  if ((p1 & q1) == kNoReference) return (p0 != q0) | far(0, 0);
   const bool straight = p0 == q0 && p1 == q1, crossed = p0 == q1 && p1 == q0;
   if (straight && !far(0, 0) && (p1 < 0 || !far(1, 1))) return false;
   return !crossed || far(0, 1) || far(1, 0);
@@ -76,9 +77,8 @@ struct Lines {
     EdgeStrengths moved = 0;
     for (int i = 0; i < 4; i += run) {
       const int at = i * kBlockStep;
-      if (moves_otherwise(p, p_line * kLineStep + at, q, q_line * kLineStep + at, near)) {
-        moved |= first_blocks(run) << 8 * i;
-      }
+      const bool moves = moves_otherwise(p, p_line * kLineStep + at, q, q_line * kLineStep + at, near);
+      moved |= (moves ? first_blocks(run) : 0) << 8 * i;
     }
     return moved;
   }
@@ -96,36 +96,34 @@ EdgeStrengths outer_strengths(const Picture& picture, const MbInfo& mb, const Mb
                            Lines::moved(*picture.motion_of(&outer), 3, *picture.motion_of(&mb), 0, changes, near));
 }
 
+/// With that of the outer edge.
 template <class Lines>
-void find_inner_strengths(const Picture& picture, const MbInfo& mb, int near, Strengths& found) {
+Strengths with_inner_strengths(EdgeStrengths outer, const Picture& picture, const MbInfo& mb, int near) {
   const unsigned edges = Lines::edges(mb);
-  if (mb.coded_blocks == 0 && edges == 0) return;
+  if (mb.coded_blocks == 0 && edges == 0) return {outer, 0, 0, 0};
   const unsigned coded_lines = Lines::coded(mb), on_either_side = coded_lines | coded_lines << 4;
   const MbMotion& motion = *picture.motion_of(&mb);
-  const int step = mb.transform_8x8 ? 2 : 1;
-  for (int edge = step; edge < 4; edge += step) {
+  const auto strengths_of = [&](int edge) {
     const EdgeStrengths coded = row_of(on_either_side, edge);
-    EdgeStrengths moved = 0;
-    if ((edges >> edge & 1) && coded != kEachBlock) {
-      moved = Lines::moved(motion, edge - 1, motion, edge, Lines::edges_across(mb), near);
-    }
-    found[edge] = with_coefficients(coded, moved);
-  }
+    if (!(edges >> edge & 1) || coded == kEachBlock) return 2 * coded;
+    return with_coefficients(coded, Lines::moved(motion, edge - 1, motion, edge, Lines::edges_across(mb), near));
+  };
+  if (mb.transform_8x8) return {outer, 0, strengths_of(2), 0};
+  return {outer, strengths_of(1), strengths_of(2), strengths_of(3)};
 }
 
 template <EdgeDirection kDirection>
 Strengths find_inter_strengths(const Picture& picture, const MbInfo& mb, const MbInfo* outer) {
   const int near = mb.field ? 1 : 3;
-  Strengths found{};
+  EdgeStrengths found = 0;
   if (outer && !is_inter(*outer)) {
-    found[0] = intra_strength(mb, *outer, kDirection) * kEachBlock;
+    found = intra_strength(mb, *outer, kDirection) * kEachBlock;
   } else if (outer && outer->field != mb.field) {
-    found[0] = mixed_top_strengths(mb, *outer);
+    found = mixed_top_strengths(mb, *outer);
   } else if (outer) {
-    found[0] = outer_strengths<Lines<kDirection>>(picture, mb, *outer, near);
+    found = outer_strengths<Lines<kDirection>>(picture, mb, *outer, near);
   }
-  find_inner_strengths<Lines<kDirection>>(picture, mb, near, found);
-  return found;
+  return with_inner_strengths<Lines<kDirection>>(found, picture, mb, near);
 }
 
 }  // namespace
@@ -136,9 +134,10 @@ Strengths find_strengths(const Picture& picture, const MbInfo& mb, const MbInfo*
                                                : find_inter_strengths<EdgeDirection::kHorizontal>(picture, mb, outer);
 }
 
-void add_422_rows(const MbInfo& mb, Strengths& strengths) {
-  if (!mb.transform_8x8) return;
-  for (const int edge : {1, 3}) strengths[edge] = is_inter(mb) ? 2 * row_of(mb.coded_blocks, edge) : 3 * kEachBlock;
+Strengths with_422_rows(const MbInfo& mb, const Strengths& strengths) {
+  if (!mb.transform_8x8) return strengths;
+  const auto row = [&](int edge) { return is_inter(mb) ? 2 * row_of(mb.coded_blocks, edge) : 3 * kEachBlock; };
+  return {strengths[0], row(1), strengths[2], row(3)};
 }
 
 EdgeStrengths mixed_left_strengths(const MbInfo& mb, const MbInfo& left, const std::array<BlockRows, 4>& rows) {

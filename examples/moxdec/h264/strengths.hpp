@@ -18,9 +18,31 @@ inline const std::uint8_t* bytes_of(const EdgeStrengths& first) {
   return reinterpret_cast<const std::uint8_t*>(&first);
 }
 
-/// Of the four edges in one direction, outer edge first.
-using Strengths = std::array<EdgeStrengths, 4>;
-constexpr bool any(const Strengths& s) { return (s[0] | s[1] | s[2] | s[3]) != 0; }
+/// Of the four edges in one direction, outer edge first. Two edges share a word, so that all of them stay in registers
+/// from where they are found to the filter: parts of it written one by one would have to reach the memory first.
+class Strengths {
+ public:
+  constexpr Strengths() = default;
+  constexpr Strengths(EdgeStrengths outer, EdgeStrengths first, EdgeStrengths second, EdgeStrengths third)
+      : words_{outer | std::uint64_t{first} << 32, second | std::uint64_t{third} << 32} {}
+
+  constexpr EdgeStrengths operator[](int edge) const {
+    return static_cast<EdgeStrengths>(words_[edge / 2] >> 32 * (edge % 2));
+  }
+  constexpr bool any() const { return (words_[0] | words_[1]) != 0; }
+  constexpr Strengths without_outer() const { return {words_[0] & ~kEvenEdge, words_[1]}; }
+  constexpr Strengths without_inner() const { return {words_[0] & kEvenEdge, 0}; }
+  /// The edges that 4:2:0 chroma has, too.
+  constexpr Strengths even() const { return {words_[0] & kEvenEdge, words_[1] & kEvenEdge}; }
+  /// 16 bytes, a block's each.
+  const std::uint8_t* bytes() const { return reinterpret_cast<const std::uint8_t*>(words_.data()); }
+
+ private:
+  static constexpr std::uint64_t kEvenEdge = 0xFFFFFFFF;
+  constexpr Strengths(std::uint64_t low, std::uint64_t high) : words_{low, high} {}
+
+  std::array<std::uint64_t, 2> words_ = {};
+};
 
 enum class EdgeDirection { kVertical, kHorizontal };
 
@@ -30,7 +52,7 @@ Strengths find_strengths(const Picture& picture, const MbInfo& mb, const MbInfo*
 
 /// Rows of 4:2:2 chroma are those of luma, but its transform is always 4x4: it has edges at rows 4 and 12 where luma
 /// may have none. Blocks on both sides of these belong to one 8x8 block of luma.
-void add_422_rows(const MbInfo& mb, Strengths& strengths);
+Strengths with_422_rows(const MbInfo& mb, const Strengths& strengths);
 
 /// Of the left edge between a frame and a field macroblock. `rows` are rows of blocks in both that lie side by side.
 struct BlockRows {
