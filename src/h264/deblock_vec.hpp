@@ -3,9 +3,9 @@
 /// A line is an element of each of eight vectors, p3 to q3: a byte, or a word for 16-bit samples. All arithmetic is of
 /// sums that fit an element or of means with their lost bits put back, so one source serves both and no sample, even
 /// one above the bit depth, overflows. Lines of a horizontal edge lie side by side as they are. Vertical chroma edges,
-/// which do not touch each other, are transposed in registers one by one. Vertical luma edges do: those that follow
-/// each other are transposed together into a buffer on the stack, filtered there as horizontal ones, and written back
-/// if anything changed.
+/// which do not touch each other, are transposed in registers: one by one, or both at once where samples are bytes.
+/// Vertical luma edges do: those that follow each other are transposed together into a buffer on the stack, filtered
+/// there as horizontal ones, and written back if anything changed.
 #pragma once
 
 #include <algorithm>
@@ -163,6 +163,25 @@ MOX_INLINE Mox32u deblock_strong_quarters(const Mox8u* bs, bool outer) {
   return quarters;
 }
 
+/// Filters the lines from byte `first` of a row on, as `rule` asks. False if none passes the thresholds.
+template <bool kStrong, class Rule, bool kLuma, class V>
+MOX_INLINE bool deblock_lines(const Rule& rule, DeblockLines<kLuma, V>& s, int first) {
+  const V beta = rule.betas();
+  const V slope = max(deblock_distance(s.p[1], s.p[0]), deblock_distance(s.q[1], s.q[0]));
+  const V room = min(subs(rule.alphas(), deblock_distance(s.p[0], s.q[0])), subs(beta, slope));
+  const V passed = min(room, rule.active_lines(first));
+  if (is_zero(simd::as<simd::u16>(passed))) return false;
+  const V off = equal(passed, deblock_splat<V>(0));
+  if constexpr (!kStrong) {
+    deblock_normal(s, off, beta, rule.limits(first), rule.largest);
+  } else {
+    const V strong = rule.strong_lines(first);
+    if (!rule.all_strong()) deblock_normal(s, off | strong, beta, rule.limits(first), rule.largest);
+    deblock_strong(s, andnot(off, strong), rule.flat_steps(), beta);
+  }
+  return true;
+}
+
 /// What an edge asks of its lines, which are taken kPart bytes of a row at a time.
 template <EdgeForm kForm, class T>
 struct DeblockEdge {
@@ -193,24 +212,12 @@ struct DeblockEdge {
       return spread<2>(simd::gather<simd::u8, B>(tc0, simd::strips<B>(0), simd::raw8), first);
   }
 
-  /// Filters the lines from byte `first` of a row on. False if none passes the thresholds.
-  template <bool kStrong>
-  MOX_INLINE bool filter(Lines& s, int first) const {
-    const V b = deblock_splat<V>(beta);
-    const V slope = max(deblock_distance(s.p[1], s.p[0]), deblock_distance(s.q[1], s.q[0]));
-    const V room = min(subs(deblock_splat<V>(alpha), deblock_distance(s.p[0], s.q[0])), subs(b, slope));
-    const V passed = min(room, spread<1>(quarters(active), first));
-    if (is_zero(simd::as<simd::u16>(passed))) return false;
-    const V off = equal(passed, deblock_splat<V>(0));
-    if constexpr (!kStrong) {
-      deblock_normal(s, off, b, limits(first), largest);
-    } else {
-      const V strongLines = spread<1>(quarters(strong), first);
-      if (strong != 0xFFFFFFFF) deblock_normal(s, off | strongLines, b, limits(first), largest);
-      deblock_strong(s, andnot(off, strongLines), deblock_splat<V>((alpha >> 2) + 2), b);
-    }
-    return true;
-  }
+  MOX_INLINE V alphas() const { return deblock_splat<V>(alpha); }
+  MOX_INLINE V betas() const { return deblock_splat<V>(beta); }
+  MOX_INLINE V flat_steps() const { return deblock_splat<V>((alpha >> 2) + 2); }
+  MOX_INLINE V active_lines(int first) const { return spread<1>(quarters(active), first); }
+  MOX_INLINE V strong_lines(int first) const { return spread<1>(quarters(strong), first); }
+  MOX_INLINE bool all_strong() const { return strong == 0xFFFFFFFF; }
 
   /// Lines side by side; `step` leads across the edge. Only the strong rule needs the samples farthest from it.
   template <bool kStrong>
@@ -264,11 +271,11 @@ MOX_INLINE bool filter_edge_lines(const DeblockEdge<kForm, T>& rule, T* edge, Mo
     if constexpr (Edge::kTransposed) {
       T* const q0 = edge + first / Edge::kSample * std::ptrdiff_t{step};
       Edge::load_columns(s, q0, step);
-      if (rule.template filter<kStrong>(s, first)) Edge::store_columns(s, q0, step);
+      if (deblock_lines<kStrong>(rule, s, first)) Edge::store_columns(s, q0, step);
     } else {
       T* const q0 = edge + first / static_cast<int>(sizeof(T));
       Edge::template load_rows<kStrong>(s, q0, step);
-      if (!rule.template filter<kStrong>(s, first)) continue;
+      if (!deblock_lines<kStrong>(rule, s, first)) continue;
       Edge::template store_rows<kStrong>(s, q0, step);
       any = true;
     }
@@ -283,6 +290,75 @@ bool filter_edge(T* edge, Mox32s step, Mox32u alpha, Mox32u beta, const T* tc0, 
   const Mox32u strong = deblock_strong_quarters<kForm>(bs, outer), active = load<Mox32u>(bs) | strong;
   const DeblockEdge<kForm, T> rule = {static_cast<int>(alpha), static_cast<int>(beta), tc0, strong, active, largest};
   return strong == 0 ? filter_edge_lines<false>(rule, edge, step) : filter_edge_lines<true>(rule, edge, step);
+}
+
+/// For each byte of eight lines of two edges, one behind the other, which of their eight quarters it belongs to.
+template <int kLines>
+alignas(16) inline constexpr auto kDeblockPairSpread = [] {
+  std::array<std::array<Mox8u, 16>, kLines / 8> index{};
+  for (int line = 0; line < kLines; ++line) {
+    for (int edge = 0; edge < 2; ++edge)
+      index[line / 8][8 * edge + line % 8] = static_cast<Mox8u>(4 * edge + line / (kLines / 4));
+  }
+  return index;
+}();
+
+/// What two vertical chroma edges ask of their lines, of which a vector has eight of each.
+template <EdgeForm kForm>
+struct DeblockPair {
+  using V = simd::u8<1>;
+
+  const Mox8u *alpha, *beta, *tc0;
+  std::uint64_t strong, active;  ///< by quarters of both edges, a byte for each
+  static constexpr Mox32s largest = 255;
+
+  static MOX_INLINE V of_each(const Mox8u* values) {
+    return lo64(deblock_splat<V>(values[0]), deblock_splat<V>(values[1]));
+  }
+  static MOX_INLINE V spread(const void* quarters, int line) {
+    const Mox8u* const index = kDeblockPairSpread<kForm.lines>[static_cast<std::size_t>(line / 8)].data();
+    return lookup(V{simd::raw8(quarters)}, simd::load_row<simd::u8, 1>(index));
+  }
+  MOX_INLINE V alphas() const { return of_each(alpha); }
+  MOX_INLINE V betas() const { return of_each(beta); }
+  MOX_INLINE V flat_steps() const { return deblock_splat<V>(0); }  // of luma alone
+  MOX_INLINE V active_lines(int line) const { return spread(&active, line); }
+  MOX_INLINE V strong_lines(int line) const { return spread(&strong, line); }
+  MOX_INLINE V limits(int line) const { return spread(tc0, line); }
+  MOX_INLINE bool all_strong() const { return false; }
+
+  /// Filters both edges. The samples that they read, eight columns, are written back if anything changed.
+  template <bool kStrong>
+  MOX_INLINE void filter(Mox8u* first, Mox32s step) const {
+    for (int line = 0; line < kForm.lines; line += 8, first += 8 * std::ptrdiff_t{step}) {
+      using Eight = simd::Transposition<8, 8, 1>;
+      simd::u8<1> r[Eight::kCount];
+      Eight::load_columns(first, step, r);
+      DeblockLines<false, V> s = {{hi64(r[0], r[2]), lo64(r[0], r[2])}, {lo64(r[1], r[3]), hi64(r[1], r[3])}};
+      if (!deblock_lines<kStrong>(*this, s, line)) continue;
+      r[0] = lo64(s.p[1], s.p[0]), r[1] = lo64(s.q[0], s.q[1]);
+      r[2] = hi64(s.p[1], s.p[0]), r[3] = hi64(s.q[0], s.q[1]);
+      Eight::store_columns(r, first, step);
+    }
+  }
+};
+
+/// The forms whose vertical edges are filtered in pairs.
+template <EdgeForm kForm, class T>
+inline constexpr bool kDeblockInPairs = sizeof(T) == 1 && kForm.direction == Direction::kVertical && !kForm.luma() &&
+                                        kForm.channels == 1 && kForm.edges == 2;
+
+/// Filters both vertical chroma edges of a block.
+template <EdgeForm kForm>
+MoxStatus filter_pair(Mox8u* block, Mox32s step, const Mox8u* alpha, const Mox8u* beta, const Mox8u* tc0,
+                      const Mox8u* bs) {
+  const auto of_both = [](Mox32u outer, Mox32u inner) { return outer | std::uint64_t{inner} << 32; };
+  const Mox8u* const inner = bs + kForm.bsRow;
+  const std::uint64_t strong =
+      of_both(deblock_strong_quarters<kForm>(bs, true), deblock_strong_quarters<kForm>(inner, false));
+  const DeblockPair<kForm> rule = {alpha, beta, tc0, strong, of_both(load<Mox32u>(bs), load<Mox32u>(inner)) | strong};
+  strong == 0 ? rule.template filter<false>(block - 2, step) : rule.template filter<true>(block - 2, step);
+  return moxStsOk;
 }
 
 /// The edge kernels of the 8-bit 4:2:0 forms.
@@ -349,6 +425,10 @@ MoxStatus filter_block(T* block, Mox32s step, const T* alpha, const T* beta, con
   if constexpr (sizeof...(max) == 1) {
     if (!fits_samples<T>(max...))
       return px::filter_block<kForm, px::filter_edge<kForm, T>>(block, step, alpha, beta, tc0, bs, max...);
+  }
+  if constexpr (kDeblockInPairs<kForm, T>) {
+    if (load<Mox32u>(bs) != 0 && load<Mox32u>(bs + kForm.bsRow) != 0)
+      return filter_pair<kForm>(block, step, alpha, beta, tc0, bs);
   }
   if constexpr (kForm.direction == Direction::kHorizontal || !kForm.luma()) {
     return px::filter_block<kForm, kKernel>(block, step, alpha, beta, tc0, bs, max...);

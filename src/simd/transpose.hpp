@@ -61,6 +61,17 @@ struct Transposition {
     }
     interleave_rounds<kBytes, index_bits(kBlockRows)>(r);
   }
+  /// The way back.
+  static MOX_INLINE void store_columns(u8<B> (&r)[kCount], Mox8u* rows, std::ptrdiff_t step) {
+    const auto blocks = strips<B>(kBlockRows * step);
+    interleave_rounds<kBytes, index_bits(kColumns)>(r);
+    for (int i = 0; i < kCount; ++i) {
+      Mox8u* const to = rows + i * (16 / kRowBytes) * step;
+      if constexpr (kRowBytes == 16) store16(r[i], to, blocks);
+      if constexpr (kRowBytes == 8) store8x2(r[i], to, step, blocks);
+      if constexpr (kRowBytes == 4) store_rows<4, 4>(r[i], to, step);
+    }
+  }
   /// Columns of kRows elements, one after the other.
   static MOX_INLINE void to_columns(const Mox8u* rows, std::ptrdiff_t step, Mox8u* columns) {
     for (int part = 0; part < kParts; part += B, rows += B * kBlockRows * step, columns += 16 * B) {
@@ -71,17 +82,10 @@ struct Transposition {
   }
   /// The way back.
   static MOX_INLINE void to_rows(const Mox8u* columns, Mox8u* rows, std::ptrdiff_t step) {
-    const auto blocks = strips<B>(kBlockRows * step);
     for (int part = 0; part < kParts; part += B, rows += B * kBlockRows * step, columns += 16 * B) {
       u8<B> r[kCount];
       for (int i = 0; i < kCount; ++i) r[i] = load_row<u8, B>(columns + 16 * kParts * i);
-      interleave_rounds<kBytes, index_bits(kColumns)>(r);
-      for (int i = 0; i < kCount; ++i) {
-        Mox8u* const to = rows + i * (16 / kRowBytes) * step;
-        if constexpr (kRowBytes == 16) store16(r[i], to, blocks);
-        if constexpr (kRowBytes == 8) store8x2(r[i], to, step, blocks);
-        if constexpr (kRowBytes == 4) store_rows<4, 4>(r[i], to, step);
-      }
+      store_columns(r, rows, step);
     }
   }
 };
