@@ -33,7 +33,7 @@ function(moxvc_add_generation generation)
   # same bits.
   target_compile_options(${target} PRIVATE -march=${moxvc_march_${generation}} -ffp-contract=off
     $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics>
-    -fno-semantic-interposition -fno-plt)
+    -fno-semantic-interposition)
   target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:moxvc_options> moxcore ${OpenMP_CXX_LIBRARIES})
   target_link_options(${target} PRIVATE
     -Wl,--version-script=${CMAKE_BINARY_DIR}/moxvc.map -Wl,-soname,libmoxvc.so.6

@@ -345,8 +345,8 @@ struct DeblockPair {
 
 /// The forms whose vertical edges are filtered in pairs.
 template <EdgeForm kForm, class T>
-inline constexpr bool kDeblockInPairs = sizeof(T) == 1 && kForm.direction == Direction::kVertical && !kForm.luma() &&
-                                        kForm.channels == 1 && kForm.edges == 2;
+inline constexpr bool kDeblockInPairs = sizeof(T) == 1 && kForm.direction == Direction::kVertical &&
+                                        !kForm.luma() && kForm.channels == 1 && kForm.edges == 2;
 
 /// Filters both vertical chroma edges of a block.
 template <EdgeForm kForm>

@@ -107,8 +107,8 @@ void filter_plane(const Filters& f, PlaneKind kind, Mox8u* samples, Mox32s step,
 void filter_plane(const Filters& f, PlaneKind kind, Mox16u* samples, Mox32s step, const Thresholds<Mox16u>& thresholds,
                   const Strengths& strengths, int bit_depth) {
   const auto& [alpha, beta, tc0] = thresholds;
-  const MoxiDeblockParams_16u params = {samples,  step, alpha.data(), beta.data(), tc0.data(), strengths.bytes(),
-                                        bit_depth};
+  const MoxiDeblockParams_16u params = {samples,           step,     alpha.data(), beta.data(), tc0.data(),
+                                        strengths.bytes(), bit_depth};
   (kind == PlaneKind::kLuma ? f.luma_16 : kind == PlaneKind::kChroma ? f.chroma_16 : f.chroma_422_16)(&params);
 }
 
