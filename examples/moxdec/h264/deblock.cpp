@@ -34,20 +34,25 @@ class Limits {
   Sample beta() const { return scaled(beta_); }
   /// No sample can change: the steps across and beside the edge must be below these.
   bool all_zero() const { return alpha_and_tc0_[0] == 0 || beta_ == 0; }
-  /// tc0 of the four strengths of an edge.
-  void put_tc0(EdgeStrengths strengths, Sample* out) const {
-    const EdgeStrengths low = strengths & kEachBlock, high = strengths >> 1 & kEachBlock, both = low & high;
-    const EdgeStrengths tc0 =
-        (low ^ both) * alpha_and_tc0_[1] + (high ^ both) * alpha_and_tc0_[2] + both * alpha_and_tc0_[3];
+  /// tc0 of each strength, of which a word has four or eight.
+  template <class Word>
+  Word tc0(Word strengths) const {
+    const Word each = static_cast<Word>(-1) / 255, low = strengths & each, high = strengths >> 1 & each;
+    const unsigned t1 = alpha_and_tc0_[1], t2 = alpha_and_tc0_[2], t3 = alpha_and_tc0_[3];
+    return low * t1 + high * t2 + (low & high) * (Word{t3} - t1 - t2);
+  }
+  /// The first values of such a word.
+  template <class Word>
+  void store_tc0(Word tc0, int count, Sample* out) const {
     if constexpr (sizeof(Sample) == 1) {
-      std::memcpy(out, &tc0, 4);
+      std::memcpy(out, &tc0, static_cast<std::size_t>(count));
     } else {
-      for (int i = 0; i < 4; ++i) out[i] = scaled(tc0 >> 8 * i & 255);
+      for (int i = 0; i < count; ++i) out[i] = scaled(tc0 >> 8 * i & 255);
     }
   }
 
  private:
-  Sample scaled(unsigned value) const { return static_cast<Sample>(value << shift_); }
+  Sample scaled(std::uint64_t value) const { return static_cast<Sample>(value << shift_); }
 
   std::array<std::uint8_t, 4> alpha_and_tc0_ = {};
   std::uint8_t beta_ = 0;
@@ -62,8 +67,10 @@ struct Thresholds {
   /// chroma.
   Thresholds(const Limits<Sample>& outer, const Limits<Sample>& inner, const Strengths& strengths, int edge_stride)
       : alpha{outer.alpha(), inner.alpha()}, beta{outer.beta(), inner.beta()} {
-    outer.put_tc0(strengths[0], tc0.data());
-    for (int edge = 1; edge < 4 / edge_stride; ++edge) inner.put_tc0(strengths[edge * edge_stride], &tc0[4 * edge]);
+    constexpr std::uint64_t kOuterEdge = 0xFFFFFFFF;
+    const std::uint64_t first = edge_stride == 1 ? strengths.pair(0) : strengths.even_pair();
+    inner.store_tc0((outer.tc0(first) & kOuterEdge) | (inner.tc0(first) & ~kOuterEdge), 8, tc0.data());
+    if (edge_stride == 1) inner.store_tc0(inner.tc0(strengths.pair(1)), 8, &tc0[8]);
   }
 
   std::array<Sample, 2> alpha;
@@ -137,7 +144,7 @@ void filter_half_edge(int plane, int height, Sample* lines, Mox32s step, const L
     const int first = strength_of(strengths, 2 * part), second = strength_of(strengths, 2 * part + 1);
     const EdgeStrengths of_part = parts == 1 ? strengths : first * 0x0101u | second * 0x01010000u;
     std::array<Sample, 4> tc0;
-    limits.put_tc0(of_part, tc0.data());
+    limits.store_tc0(limits.tc0(of_part), 4, tc0.data());
     filter_lines(plane == 0, lines + 4 * part * std::ptrdiff_t{step}, step, limits, tc0.data(), of_part, bit_depth);
   }
 }

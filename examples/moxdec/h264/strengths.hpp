@@ -34,6 +34,10 @@ class Strengths {
   constexpr Strengths without_inner() const { return {words_[0] & kEvenEdge, 0}; }
   /// The edges that 4:2:0 chroma has, too.
   constexpr Strengths even() const { return {words_[0] & kEvenEdge, words_[1] & kEvenEdge}; }
+  /// Edges 0 and 1 or, as pair 1, edges 2 and 3.
+  constexpr std::uint64_t pair(int i) const { return words_[i]; }
+  /// Edges 0 and 2.
+  constexpr std::uint64_t even_pair() const { return (words_[0] & kEvenEdge) | words_[1] << 32; }
   /// 16 bytes, a block's each.
   const std::uint8_t* bytes() const { return reinterpret_cast<const std::uint8_t*>(words_.data()); }
 
