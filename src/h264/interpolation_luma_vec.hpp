@@ -1,12 +1,13 @@
 /// Vector kernels of H.264 luma interpolation, 8-bit.
 ///
-/// A block of a vector is 8 samples wide. Half samples along one axis are sums of taps over pairs of bytes, -2550 to
-/// 10710; the centre half sample takes the sums across of six rows, as words. A position is the data that the portable
-/// kernels read: each of its two points becomes bytes, and the row their mean.
+/// A block of a vector is 8 samples wide as words, 16 as bytes. Half samples along one axis are sums of taps over pairs
+/// of bytes, -2550 to 10710; the centre half sample takes the sums across of six rows, as words. A position is the data
+/// that the portable kernels read: each of its two points becomes bytes, and the row their mean.
 #pragma once
 
 #include <algorithm>
 #include <cstddef>
+#include <type_traits>
 
 #include "frame/generation.hpp"
 #include "h264/interpolation_luma_px.hpp"
@@ -42,6 +43,22 @@ MOX_INLINE simd::s16<B> luma_centre(const simd::s16<B>* sums) {
   return mulhrs(v, simd::splat<simd::s16, B>(512));  // (v + 32) >> 6
 }
 
+/// Sums of 16 columns in vectors of one block: of the first and the last 8, or of the even and the odd ones.
+template <int B>
+struct LumaSums16 {
+  simd::s16<B> first, second;
+};
+template <int B>
+MOX_INLINE LumaSums16<B> luma_half(LumaSums16<B> sums) {
+  return {luma_half(sums.first), luma_half(sums.second)};
+}
+template <int B>
+MOX_INLINE LumaSums16<B> luma_centre(const LumaSums16<B>* sums) {
+  simd::s16<B> first[6], second[6];
+  for (int i = 0; i < 6; ++i) first[i] = sums[i].first, second[i] = sums[i].second;
+  return {luma_centre(first), luma_centre(second)};
+}
+
 /// How the columns of a picture block lie in a vector: strips of 4 columns in the halves of each block, or of 8 columns
 /// in each block, one strip below the other; or 16 columns in two blocks side by side.
 template <int W, int Blocks>
@@ -49,6 +66,7 @@ struct LumaShape {
   static constexpr int B = Blocks;
   static constexpr int kStrips = W == 4 ? 2 * B : W == 8 ? B : 1;
   using Bytes = simd::u8<W == 16 ? 1 : B>;  ///< samples of a row to be written
+  using Sums = simd::s16<B>;
 
   /// 8 samples a block, `gap` bytes from strip to strip.
   MOX_INLINE static simd::u8<B> load(const Mox8u* p, std::ptrdiff_t gap) {
@@ -66,12 +84,13 @@ struct LumaShape {
     else
       return load(p, gap);
   }
-  MOX_INLINE static Bytes pack(simd::s16<B> v) {
+  MOX_INLINE static Bytes pack_across(Sums v) {
     if constexpr (W == 16)
       return simd::part<0>(simd::regroup(packus(v, v)));
     else
       return packus(v, v);
   }
+  MOX_INLINE static Bytes pack_down(Sums v) { return pack_across(v); }
   MOX_INLINE static void store(Bytes v, Mox8u* p, std::ptrdiff_t gap) {
     if constexpr (W == 4)
       simd::scatter<0, B>(v.r, p, simd::strips<B>(2 * gap),
@@ -107,8 +126,48 @@ struct LumaShape {
     return lookup(span<kFirst>(p, gap), simd::load_row<simd::u8, B>(kPairs<kFirst>.data()));
   }
   /// Sums of the half samples to the right.
-  MOX_INLINE static simd::s16<B> sum_across(const Mox8u* p, std::ptrdiff_t gap) {
+  MOX_INLINE static Sums sum_across(const Mox8u* p, std::ptrdiff_t gap) {
     return luma_sum(pairs<-2>(p, gap), pairs<0>(p, gap), pairs<2>(p, gap));
+  }
+  /// Sums of the half samples below from three pairs of rows.
+  using RowPair = simd::u8<B>;
+  MOX_INLINE static RowPair pair_rows(simd::u8<B> upper, simd::u8<B> lower) { return lo8(upper, lower); }
+  MOX_INLINE static Sums sum_down(RowPair before, RowPair around, RowPair behind) {
+    return luma_sum(before, around, behind);
+  }
+};
+
+/// 16 columns in each block, one strip below the other; their words fill two vectors. Neighbours across lie in memory
+/// as the taps want them, for the even columns and, one byte on, for the odd ones.
+template <int Blocks>
+struct LumaShape16 {
+  static constexpr int B = Blocks, kStrips = B;
+  using Bytes = simd::u8<B>;
+  using Sums = LumaSums16<B>;
+
+  MOX_INLINE static Bytes load(const Mox8u* p, std::ptrdiff_t gap) {
+    return simd::load16<simd::u8, B>(p, simd::strips<B>(gap));
+  }
+  MOX_INLINE static Bytes load_bytes(const Mox8u* p, std::ptrdiff_t gap) { return load(p, gap); }
+  MOX_INLINE static void store(Bytes v, Mox8u* p, std::ptrdiff_t gap) { simd::store16(v, p, simd::strips<B>(gap)); }
+
+  static constexpr auto kInterleave =
+      make_table<16>([]<std::size_t I>() { return static_cast<Mox8u>(I / 2 + I % 2 * 8); });
+  MOX_INLINE static Bytes pack_across(Sums v) {
+    return lookup(pack_down(v), simd::table<simd::u8, B>(kInterleave.data()));
+  }
+  MOX_INLINE static Bytes pack_down(Sums v) { return packus(v.first, v.second); }
+
+  MOX_INLINE static Sums sum_across(const Mox8u* p, std::ptrdiff_t gap) {
+    const auto half = [=](const Mox8u* q) { return luma_sum(load(q - 2, gap), load(q, gap), load(q + 2, gap)); };
+    return {half(p), half(p + 1)};
+  }
+  struct RowPair {
+    simd::u8<B> first, second;
+  };
+  MOX_INLINE static RowPair pair_rows(Bytes upper, Bytes lower) { return {lo8(upper, lower), hi8(upper, lower)}; }
+  MOX_INLINE static Sums sum_down(RowPair before, RowPair around, RowPair behind) {
+    return {luma_sum(before.first, around.first, behind.first), luma_sum(before.second, around.second, behind.second)};
   }
 };
 
@@ -116,27 +175,30 @@ struct LumaShape {
 template <class Shape>
 class LumaSumsDown {
  public:
-  using Bytes = simd::u8<Shape::B>;
-
   MOX_INLINE void start(const Mox8u* p, std::ptrdiff_t step, std::ptrdiff_t gap) {
     next_ = p + 3 * step, step_ = step, gap_ = gap;
     const auto row = [=](int y) { return Shape::load(p + y * step, gap); };
-    const Bytes a = row(-2), b = row(-1), c = row(0), d = row(1);
+    const Row a = row(-2), b = row(-1), c = row(0), d = row(1);
     last_ = row(2);
-    first_ = lo8(a, b), second_ = lo8(b, c), third_ = lo8(c, d), fourth_ = lo8(d, last_);
+    first_ = Shape::pair_rows(a, b), second_ = Shape::pair_rows(b, c);
+    third_ = Shape::pair_rows(c, d), fourth_ = Shape::pair_rows(d, last_);
   }
-  MOX_INLINE simd::s16<Shape::B> operator()() {
-    const Bytes row = Shape::load(next_, gap_), fifth = lo8(last_, row);
-    const auto sum = luma_sum(first_, third_, fifth);
+  MOX_INLINE auto operator()() {
+    const Row row = Shape::load(next_, gap_);
+    const auto fifth = Shape::pair_rows(last_, row);
+    const auto sum = Shape::sum_down(first_, third_, fifth);
     first_ = second_, second_ = third_, third_ = fourth_, fourth_ = fifth, last_ = row;
     next_ += step_;
     return sum;
   }
 
  private:
+  using Row = simd::u8<Shape::B>;
+
   const Mox8u* next_;
   std::ptrdiff_t step_, gap_;
-  Bytes first_, second_, third_, fourth_, last_;  ///< pairs of rows -2 and -1 to 1 and 2, and row 2
+  typename Shape::RowPair first_, second_, third_, fourth_;  ///< rows -2 and -1 to 1 and 2
+  Row last_;                                                 ///< row 2
 };
 
 /// `height` rows of a block as wide as the shape: 16 at most for positions with the centre half sample.
@@ -145,11 +207,11 @@ MOX_INLINE void interpolate_luma_part(const Mox8u* src, std::ptrdiff_t step, Mox
                                       int height) {
   constexpr LumaPoint kU = kPosition.u, kV = kPosition.v;
   constexpr bool kCentre = kPosition.has(LumaSample::kJ);
-  constexpr int B = Shape::B, kUnrolled = kCentre ? 1 : 4 / Shape::kStrips;
+  constexpr int kUnrolled = kCentre ? 1 : 4 / Shape::kStrips;
   const int rows = height / Shape::kStrips;
   const std::ptrdiff_t gap = rows * step, dstGap = rows * dstStep;
 
-  simd::s16<B> sums[kCentre ? kLocalRows : 1];  // across, from two rows above the block on
+  typename Shape::Sums sums[kCentre ? kLocalRows : 1];  // across, from two rows above the block on
   if constexpr (kCentre) {
     const Mox8u* p = src - 2 * step;
     for (int y = 0; y < rows + 5; ++y, p += step) sums[y] = Shape::sum_across(p, gap);
@@ -160,10 +222,12 @@ MOX_INLINE void interpolate_luma_part(const Mox8u* src, std::ptrdiff_t step, Mox
   const auto value = [&]<LumaPoint kPoint>(int y) {
     const Mox8u* const p = src + kPoint.right + kPoint.down * step;
     if constexpr (kPoint.sample == LumaSample::kG) return Shape::load_bytes(p, gap);
-    if constexpr (kPoint.sample == LumaSample::kB && !kCentre) return Shape::pack(luma_half(Shape::sum_across(p, gap)));
-    if constexpr (kPoint.sample == LumaSample::kB && kCentre) return Shape::pack(luma_half(sums[y + 2 + kPoint.down]));
-    if constexpr (kPoint.sample == LumaSample::kH) return Shape::pack(luma_half(down()));
-    if constexpr (kPoint.sample == LumaSample::kJ) return Shape::pack(luma_centre(sums + y));
+    if constexpr (kPoint.sample == LumaSample::kB && !kCentre)
+      return Shape::pack_across(luma_half(Shape::sum_across(p, gap)));
+    if constexpr (kPoint.sample == LumaSample::kB && kCentre)
+      return Shape::pack_across(luma_half(sums[y + 2 + kPoint.down]));
+    if constexpr (kPoint.sample == LumaSample::kH) return Shape::pack_down(luma_half(down()));
+    if constexpr (kPoint.sample == LumaSample::kJ) return Shape::pack_across(luma_centre(sums + y));
   };
   for (int y = 0; y < rows; y += kUnrolled) {
     for (int i = 0; i < kUnrolled; ++i, src += step, dst += dstStep) {
@@ -174,16 +238,19 @@ MOX_INLINE void interpolate_luma_part(const Mox8u* src, std::ptrdiff_t step, Mox
   }
 }
 
+/// The centre needs sums of five rows more than a strip has, so there one strip is best.
+template <int W, LumaPosition kPosition>
+using LumaShapeOf = std::conditional_t<W == 16 && (simd::kBlocks == 1 || !kPosition.has(LumaSample::kJ)),
+                                       LumaShape16<simd::kBlocks>, LumaShape<W, W == 4 ? 1 : simd::kBlocks>>;
+
 /// Interpolates a block W columns wide. Where rows of sums are kept, blocks higher than 16 rows are done in parts.
 template <int W, LumaPosition kPosition>
 MoxStatus interpolate_luma_8u(const MoxiInterpKernelArgs<Mox8u>& a) {
-  constexpr int B = W == 4 ? 1 : simd::kBlocks, kColumns = W == 16 && B == 1 ? 8 : W;
   const std::ptrdiff_t step = a.srcStep, dstStep = a.dstStep;
   const Mox8u* src = a.pSrc;
   Mox8u* dst = a.pDst;
   const auto run = [&](int height) {
-    for (int x = 0; x < W; x += kColumns)
-      interpolate_luma_part<kPosition, LumaShape<kColumns, B>>(src + x, step, dst + x, dstStep, height);
+    interpolate_luma_part<kPosition, LumaShapeOf<W, kPosition>>(src, step, dst, dstStep, height);
   };
   if constexpr (kPosition.has(LumaSample::kJ)) {
     for (int left = a.height; left > 0; left -= kLocalHeight) {
