@@ -123,6 +123,14 @@ inline void dequant_transform_residual_and_add_quadrant(Mox8u* pSrcDst, Mox32s s
   }
 }
 
+/// The same without coefficients.
+inline void add_dc_quadrant(Mox8u* pSrcDst, Mox32s step, const Mox16s* pDC, int dcStep) {
+  for (int i = 0; i < 2; ++i) {
+    Mox8u* const rows = pSrcDst + 4 * i * std::ptrdiff_t{step};
+    dequant_transform_residual_and_add_no_ac_couple_h264_sse2(rows, step, rows, step, pDC + i * dcStep);
+  }
+}
+
 /// multiplier InvQuantLuma16x16DCTable[qp]; rightShift 2, 1 or 0, rounded.
 inline void dequant_transform_luma_dc_h264_sse2(Mox16s* pDC, Mox32s multiplier, Mox32s rightShift) {
   hadamard_4x4<Wrap16>(pDC);

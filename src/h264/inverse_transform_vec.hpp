@@ -228,6 +228,14 @@ inline void dequant_transform_residual_and_add_quadrant(Mox8u* pSrcDst, Mox32s s
   add_quadrant<true>(pSrcDst, step, pDC, dcStep, pCoeff, FlatScale(qp));
 }
 
+inline void add_dc_quadrant(Mox8u* pSrcDst, Mox32s step, const Mox16s* pDC, int dcStep) {
+  constexpr int B = simd::kBlocks;
+  for (int i = 0; i < 2; i += B) {
+    Mox8u* const rows = pSrcDst + 4 * i * std::ptrdiff_t{step};
+    add_dc_couples<B>(rows, step, rows, step, pDC + i * dcStep, dcStep);
+  }
+}
+
 inline MoxStatus dequant_transform_residual(Mox16s* pSrcDst, Mox32s step, const Mox16s* pDC, Mox32s ac, Mox32s qp) {
   const auto dc = px::dc_of(pDC, pSrcDst, qp);
   const auto flat = simd::splat<simd::s16, 1>(px::round6<Wrap32>(dc));

@@ -25,6 +25,9 @@ struct FlatResidual {
   void add_quadrant(Mox8u* block, Mox32s step, const Mox16s* dc, int dcStep, Mox16s* coeffs) const {
     active::dequant_transform_residual_and_add_quadrant(block, step, dc, dcStep, coeffs, qp);
   }
+  void add_dc_quadrant(Mox8u* block, Mox32s step, const Mox16s* dc, int dcStep) const {
+    active::add_dc_quadrant(block, step, dc, dcStep);
+  }
   void chroma_dc(Mox16s* dc) const { active::dequant_transform_chroma_dc_h264_sse2(dc, InvQuantTable[qp][0]); }
 };
 
