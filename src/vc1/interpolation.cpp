@@ -1,8 +1,6 @@
 #include "frame/arguments.hpp"
-#include "frame/generation.hpp"
 #include "moxvc/vc1_interpolation.h"
-#include "vc1/interpolation_px.hpp"
-#include "vc1/interpolation_vec.hpp"
+#include "vc1/interpolation_tables.hpp"
 #include "vc1/interpolation_window.hpp"
 
 using namespace mox;
@@ -14,27 +12,27 @@ struct Bicubic {
   static constexpr int kChannels = 1;
   static const VC1InterpolationKernel* kernels(MoxiSize size) {
     switch ((size.width >> 4) + (size.height >> 4)) {
-      case 0: return active::ownvc_Interpolate8x8QPBicubic_VC1_8u_C1R.data();
-      case 1: return active::ownvc_Interpolate16x8QPBicubic_VC1_8u_C1R.data();
-      default: return active::ownvc_Interpolate16x16QPBicubic_VC1_8u_C1R.data();
+      case 0: return ownvc_Interpolate8x8QPBicubic_VC1_8u_C1R.data();
+      case 1: return ownvc_Interpolate16x8QPBicubic_VC1_8u_C1R.data();
+      default: return ownvc_Interpolate16x16QPBicubic_VC1_8u_C1R.data();
     }
   }
 };
 struct Bilinear {
   static constexpr int kChannels = 1;
   static const VC1InterpolationKernel* kernels(MoxiSize size) {
-    if (size.width == 16) return active::ownvc_Interpolate16x16QPBilinear_VC1_8u_C1R.data();
-    if (size.width != 8) return active::ownvc_Interpolate4x4QPBilinear_VC1_8u_C1R.data();
-    return size.height == 8 ? active::ownvc_Interpolate8x8QPBilinear_VC1_8u_C1R.data()
-                            : active::ownvc_Interpolate8x4QPBilinear_VC1_8u_C1R.data();
+    if (size.width == 16) return ownvc_Interpolate16x16QPBilinear_VC1_8u_C1R.data();
+    if (size.width != 8) return ownvc_Interpolate4x4QPBilinear_VC1_8u_C1R.data();
+    return size.height == 8 ? ownvc_Interpolate8x8QPBilinear_VC1_8u_C1R.data()
+                            : ownvc_Interpolate8x4QPBilinear_VC1_8u_C1R.data();
   }
 };
 struct BilinearPairs {
   static constexpr int kChannels = 2;
   static const VC1InterpolationKernel* kernels(MoxiSize size) {
-    if (size.width != 8) return active::ownvc_Interpolate4x4QPBilinear_VC1_8u_C2R.data();
-    return size.height == 8 ? active::ownvc_Interpolate8x8QPBilinear_VC1_8u_C2R.data()
-                            : active::ownvc_Interpolate8x4QPBilinear_VC1_8u_C2R.data();
+    if (size.width != 8) return ownvc_Interpolate4x4QPBilinear_VC1_8u_C2R.data();
+    return size.height == 8 ? ownvc_Interpolate8x8QPBilinear_VC1_8u_C2R.data()
+                            : ownvc_Interpolate8x4QPBilinear_VC1_8u_C2R.data();
   }
 };
 
