@@ -2,6 +2,7 @@
 #pragma once
 
 #include "block/motion_px.hpp"
+#include "frame/table.hpp"
 
 namespace mox {
 

@@ -7,7 +7,6 @@
 #include "block/half_pel_px.hpp"
 #include "frame/access.hpp"
 #include "frame/arithmetic.hpp"
-#include "frame/table.hpp"
 #include "moxvc/types.h"
 
 namespace mox {

@@ -4,6 +4,7 @@
 #include "block/motion_px.hpp"
 #include "block/motion_vec.hpp"
 #include "frame/generation.hpp"
+#include "frame/table.hpp"
 
 namespace mox {
 

@@ -78,12 +78,6 @@ struct LumaShape {
     else
       return simd::load_row8_twice<B>(p);
   }
-  MOX_INLINE static Bytes load_bytes(const Mox8u* p, std::ptrdiff_t gap) {
-    if constexpr (W == 16)
-      return simd::load_row<simd::u8, 1>(p);
-    else
-      return load(p, gap);
-  }
   MOX_INLINE static Bytes pack_across(Sums v) {
     if constexpr (W == 16)
       return simd::part<0>(simd::regroup(packus(v, v)));
@@ -148,7 +142,6 @@ struct LumaShape16 {
   MOX_INLINE static Bytes load(const Mox8u* p, std::ptrdiff_t gap) {
     return simd::load16<simd::u8, B>(p, simd::strips<B>(gap));
   }
-  MOX_INLINE static Bytes load_bytes(const Mox8u* p, std::ptrdiff_t gap) { return load(p, gap); }
   MOX_INLINE static void store(Bytes v, Mox8u* p, std::ptrdiff_t gap) { simd::store16(v, p, simd::strips<B>(gap)); }
 
   static constexpr auto kInterleave =
@@ -221,7 +214,7 @@ MOX_INLINE void interpolate_luma_part(const Mox8u* src, std::ptrdiff_t step, Mox
   if constexpr (kPosition.has(LumaSample::kH)) down.start(src + kRight, step, gap);
   const auto value = [&]<LumaPoint kPoint>(int y) {
     const Mox8u* const p = src + kPoint.right + kPoint.down * step;
-    if constexpr (kPoint.sample == LumaSample::kG) return Shape::load_bytes(p, gap);
+    if constexpr (kPoint.sample == LumaSample::kG) return Shape::load(p, gap);
     if constexpr (kPoint.sample == LumaSample::kB && !kCentre)
       return Shape::pack_across(luma_half(Shape::sum_across(p, gap)));
     if constexpr (kPoint.sample == LumaSample::kB && kCentre)

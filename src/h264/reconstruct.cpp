@@ -1,8 +1,6 @@
 #include "h264/reconstruct.hpp"
 
 #include "frame/arguments.hpp"
-#include "h264/inverse_transform_px.hpp"
-#include "h264/inverse_transform_vec.hpp"
 #include "moxvc/h264_reconstruct.h"
 
 namespace mox {
@@ -24,9 +22,6 @@ struct FlatResidual {
   }
   void add_quadrant(Mox8u* block, Mox32s step, const Mox16s* dc, int dcStep, Mox16s* coeffs) const {
     active::dequant_transform_residual_and_add_quadrant(block, step, dc, dcStep, coeffs, qp);
-  }
-  void add_dc_quadrant(Mox8u* block, Mox32s step, const Mox16s* dc, int dcStep) const {
-    active::add_dc_quadrant(block, step, dc, dcStep);
   }
   void chroma_dc(Mox16s* dc) const { active::dequant_transform_chroma_dc_h264_sse2(dc, InvQuantTable[qp][0]); }
 };
@@ -82,10 +77,10 @@ MoxStatus luma_16x16(Mox16s** ppSrcCoeff, Mox8u* plane, Mox32s step, Mox32u cbp4
   PackedCoeffs coeffs(ppSrcCoeff);
   const Mox16s* const all_dc = luma_dc(coeffs, cbp4x4, qp);
   const auto quadrant = [&](Mox8u* block, int i, Mox32u coded) {
-    if (coded != 15) return false;
-    active::dequant_transform_residual_and_add_dc_ac_quadrant(block, step, all_dc + block_subblock_mapping[i],
-                                                              coeffs.take(64), qp);
-    return true;
+    const Mox16s* const dc = all_dc + block_subblock_mapping[i];
+    if (coded == 0) active::add_dc_quadrant(block, step, dc, 4);
+    if (coded == 15) active::dequant_transform_residual_and_add_dc_ac_quadrant(block, step, dc, coeffs.take(64), qp);
+    return coded == 0 || coded == 15;
   };
   const auto pair = [&](Mox8u* block, int i, Mox32u coded) {
     const Mox16s* const dc = all_dc + block_subblock_mapping[i];

@@ -9,7 +9,6 @@
 ///   add_8x8(block, step, coeffs)            adds an 8x8 block
 ///   kQuadrants                              whether it takes four 4x4 blocks at once, unless lossless():
 ///   add_quadrant(block, step, dc, dcStep, coeffs)   they have all their coefficients; dc null or as below
-///   add_dc_quadrant(block, step, dc, dcStep)        they have nothing but their DC
 ///   kPairs                                  whether it takes two 8x8 blocks at once, unless lossless():
 ///   add_pair(block, step, coeffs)           they lie side by side
 ///   luma_dc(dc), chroma_dc(dc)              makes the DC values of a plane, in place
@@ -19,6 +18,8 @@
 #include "h264/intra.hpp"
 #include "h264/intra8x8_px.hpp"
 #include "h264/intra8x8_vec.hpp"
+#include "h264/inverse_transform_px.hpp"
+#include "h264/inverse_transform_vec.hpp"
 #include "h264/macroblock.hpp"
 
 namespace mox {
@@ -30,7 +31,9 @@ void add_quadrant(Pixel* first, Mox32s step, Mox32u coded, const typename Residu
                   const PackedCoeffs<typename Residual::Coeff>& coeffs, const Residual& residual) {
   if constexpr (Residual::kQuadrants) {
     if (coded == 15 && !residual.lossless()) return residual.add_quadrant(first, step, dc, dcStep, coeffs.take(64));
-    if (coded == 0 && dc && !residual.lossless()) return residual.add_dc_quadrant(first, step, dc, dcStep);
+  }
+  if constexpr (sizeof(Pixel) == 1) {
+    if (coded == 0 && dc && !residual.lossless()) return active::add_dc_quadrant(first, step, dc, dcStep);
   }
   if (!(dc || coded)) return;
   for (int i = 0; i < 4; ++i) {

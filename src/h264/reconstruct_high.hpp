@@ -31,12 +31,6 @@ class HighResidual {
   void add_quadrant(Mox16u* block, Mox32s step, const Mox32s* dc, int dcStep, Mox32s* coeffs) const {
     active::high_add_quadrant(block, step, coeffs, dc, dcStep, qp_, scale_, limit_);
   }
-  void add_dc_quadrant(Mox16u* block, Mox32s step, const Mox32s* dc, int dcStep) const {
-    for (int i = 0; i < 4; ++i) {
-      active::high_add_dc_4x4(block + i / 2 * 4 * std::ptrdiff_t{step} + i % 2 * 4, step, dc[i / 2 * dcStep + i % 2],
-                              limit_);
-    }
-  }
   void add_8x8(Mox16u* block, Mox32s step, Mox32s* coeffs) const {
     if (lossless_) return active::high_add_lossless<8>(block, step, coeffs, limit_);
     active::high_add_8x8(block, step, coeffs, qp_, scale_, limit_);

@@ -34,9 +34,6 @@ class ScaledResidual {
     active::dequant_transform_residual_and_add_h264_high_quadrant(block, step, dc, dcStep, coeffs, scale_,
                                                                   px::rescale_4x4(per_));
   }
-  void add_dc_quadrant(Mox8u* block, Mox32s step, const Mox16s* dc, int dcStep) const {
-    active::add_dc_quadrant(block, step, dc, dcStep);
-  }
   void add_8x8(Mox8u* block, Mox32s step, Mox16s* coeffs) const {
     if (lossless_) return active::lossless_transform_residual_and_add_8x8_h264_sse2(block, coeffs, step);
     const px::Rescale by = px::rescale_8x8(per_);

@@ -7,7 +7,6 @@
 #include <cstddef>
 
 #include "frame/arithmetic.hpp"
-#include "frame/table.hpp"
 #include "moxvc/types.h"
 
 namespace mox {

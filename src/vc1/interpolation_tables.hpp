@@ -2,6 +2,7 @@
 #pragma once
 
 #include "frame/generation.hpp"
+#include "frame/table.hpp"
 #include "vc1/interpolation_px.hpp"
 #include "vc1/interpolation_vec.hpp"
 

@@ -1,4 +1,4 @@
-/// Vector kernels of VC-1 interpolation: the portable kernels' names and tables, as far as there is a vector form.
+/// Vector kernels of VC-1 interpolation: the portable kernels' names, as far as there is a vector form.
 ///
 /// Each block of a vector walks down a strip of the picture block. Sums of taps over bytes stay in -1785..18105 and fit
 /// words.

@@ -22,7 +22,7 @@ bool moves_otherwise(const MbMotion& p, int p_block, const MbMotion& q, int q_bl
   };
   if ((p1 & q1) == kNoReference) return (p0 != q0) | far(0, 0);
   const bool straight = p0 == q0 && p1 == q1, crossed = p0 == q1 && p1 == q0;
-  if (straight && !far(0, 0) && (p1 < 0 || !far(1, 1))) return false;
+  if (straight && !far(0, 0) && !far(1, 1)) return false;
   return !crossed || far(0, 1) || far(1, 0);
 }
 
