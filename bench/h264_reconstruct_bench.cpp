@@ -4,6 +4,7 @@ namespace mox::bench {
 namespace {
 
 constexpr Mox32u kLumaAll = 0x1FFFF, kLumaHalf = 0x0A5D3, kChromaAll = 0x7FE0000, kChromaHalf = 0x2A60000;
+constexpr Mox32u kLumaDc = 1, kChromaDc = 0x60000;
 constexpr Mox32u kDc = 2, kPlane = 3, kNoneDenied = 0;
 constexpr Mox32s kQp = 28, kScaled = 0;
 
@@ -45,9 +46,11 @@ const Row kRows[] = {
     luma(MOX_FN(moxiReconstructLumaIntra16x16MB_H264_16s8u_C1R), "plane, all blocks", kPlane, kLumaAll, kQp,
          kNoneDenied),
     luma(MOX_FN(moxiReconstructLumaIntra16x16MB_H264_16s8u_C1R), "DC, half of them", kDc, kLumaHalf, kQp, kNoneDenied),
+    luma(MOX_FN(moxiReconstructLumaIntra16x16MB_H264_16s8u_C1R), "DC, DC values alone", kDc, kLumaDc, kQp, kNoneDenied),
     luma(MOX_FN(moxiReconstructLumaIntraHalfMB_H264_16s8u_C1R), "all blocks", kModes, kLumaAll, kQp, kNoneDenied),
     chroma(MOX_FN(moxiReconstructChromaInterMB_H264_16s8u_P2R), "all blocks", kChromaAll, kQp),
     chroma(MOX_FN(moxiReconstructChromaInterMB_H264_16s8u_P2R), "half of them", kChromaHalf, kQp),
+    chroma(MOX_FN(moxiReconstructChromaInterMB_H264_16s8u_P2R), "DC values alone", kChromaDc, kQp),
     chroma(MOX_FN(moxiReconstructChromaIntraMB_H264_16s8u_P2R), "plane, all blocks", kPlane, kChromaAll, kQp,
            kNoneDenied),
     chroma(MOX_FN(moxiReconstructChromaIntraHalfsMB_H264_16s8u_P2R), "DC, all blocks", 0u, kChromaAll, kQp, kNoneDenied,
